@@ -1,0 +1,205 @@
+/**
+ * @file tables.h
+ * Row access to the tunnel, hop and resource tables, in the shape of the MPLS-TE MIB (RFC 3812), for a network
+ * management agent. Every call uses an own session; no record owns memory.
+ *
+ * A value that is shorter than its record fills the front of it; the rest keeps the caller's bytes and is converted
+ * with the front. A longer value is cut. A reply without a value is refused with RSVP_MOR_ERR_FAIL.
+ */
+#ifndef RSVP_MOR_TABLES_H
+#define RSVP_MOR_TABLES_H
+
+#include <stdint.h>
+
+#include "rsvp_mor/status_codes.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---- Tunnels -------------------------------------------------------------------------------------------------- */
+
+/** Index of a tunnel row, in the order of RFC 3812. */
+typedef struct RSVP_MOR_TunnelKey {
+    uint32_t tunnelIndex;    /**< first index part */
+    uint32_t tunnelInstance; /**< second index part */
+    uint32_t ingressLsrId;   /**< third index part */
+    uint32_t egressLsrId;    /**< fourth index part */
+} RSVP_MOR_TunnelKey;
+
+/** One tunnel row: 60 bytes. */
+typedef struct RSVP_MOR_ReplyTunnel {
+    uint32_t tunnelWord0;  /**< number */
+    uint32_t tunnelWord1;  /**< number */
+    uint32_t tunnelWord2;  /**< number */
+    uint32_t tunnelWord3;  /**< number */
+    uint32_t tunnelWord4;  /**< number */
+    uint32_t tunnelWord5;  /**< number */
+    uint32_t tunnelWord6;  /**< number */
+    uint32_t tunnelWord7;  /**< number */
+    uint32_t tunnelWord8;  /**< number */
+    uint32_t tunnelWord9;  /**< number */
+    uint32_t tunnelWord10; /**< number */
+    uint32_t tunnelWord11; /**< number */
+    uint32_t tunnelWord12; /**< number */
+    uint16_t tunnelShort0; /**< number */
+    uint8_t tunnelByte;    /**< single byte */
+    uint8_t tunnelRole;    /**< translated: 0 where the wire has 1, 2 where it has 3, else 1 */
+    uint16_t tunnelShort1; /**< number */
+    uint8_t tunnelTail[2]; /**< two bytes */
+} RSVP_MOR_ReplyTunnel;
+
+/**
+ * Reads one tunnel row.
+ *
+ * @param key       the row; only read; null is refused; may be the same memory as `out`
+ * @param[out] out  the record; null is refused before a session is opened; written with status 0 only
+ * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
+ */
+uint32_t RSVP_GetTunnel(const RSVP_MOR_TunnelKey *key, RSVP_MOR_ReplyTunnel *out);
+
+/**
+ * Reads the first tunnel row.
+ *
+ * @param[out] out  the record; null is refused; written with status 0 only
+ * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
+ */
+uint32_t RSVP_GetFirstTunnel(RSVP_MOR_ReplyTunnel *out);
+
+/**
+ * Reads the tunnel row behind another.
+ *
+ * @param key       key of the row before; only read; null is refused; may be the same memory as `out`
+ * @param[out] out  the record; null is refused; written with status 0 only
+ * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
+ */
+uint32_t RSVP_GetNextTunnel(const RSVP_MOR_TunnelKey *key, RSVP_MOR_ReplyTunnel *out);
+
+/**
+ * Reads the first row of the tunnels that begin here.
+ *
+ * @param[out] out  the record; null is refused; written with status 0 only
+ * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
+ */
+uint32_t RSVP_GetFirstIngressTunnel(RSVP_MOR_ReplyTunnel *out);
+
+/**
+ * Reads the row behind another, of the tunnels that begin here.
+ *
+ * @param key       key of the row before; only read; null is refused; may be the same memory as `out`
+ * @param[out] out  the record; null is refused; written with status 0 only
+ * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
+ */
+uint32_t RSVP_GetNextIngressTunnel(const RSVP_MOR_TunnelKey *key, RSVP_MOR_ReplyTunnel *out);
+
+/* ---- Hops ----------------------------------------------------------------------------------------------------- */
+
+/** One computed hop: 36 bytes. Its two key fields make the record the cursor of its own walk. */
+typedef struct RSVP_MOR_ReplyCHop {
+    uint16_t hopAddrKind;     /**< number */
+    uint8_t hopAddrBytes[18]; /**< eighteen bytes */
+    uint32_t hopListIndex;    /**< first key field */
+    uint32_t hopIndex;        /**< second key field */
+    uint32_t cHopWord0;       /**< number */
+    uint32_t cHopWord1;       /**< number */
+} RSVP_MOR_ReplyCHop;
+
+/** One actual route hop: 28 bytes. Its two key fields make the record the cursor of its own walk. */
+typedef struct RSVP_MOR_ReplyArHop {
+    uint16_t hopAddrKind;     /**< number */
+    uint8_t hopAddrBytes[18]; /**< eighteen bytes */
+    uint32_t hopListIndex;    /**< first key field */
+    uint32_t hopIndex;        /**< second key field */
+} RSVP_MOR_ReplyArHop;
+
+/**
+ * Reads one computed hop.
+ *
+ * @param[in,out] record  `hopListIndex` and `hopIndex` name the row; with status 0 the whole record is the answer,
+ *                        else it is as it was; null is refused before a session is opened
+ * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
+ */
+uint32_t RSVP_GetCHop(RSVP_MOR_ReplyCHop *record);
+
+/**
+ * Reads the first computed hop.
+ *
+ * @param[out] record  the answer, with status 0; not read; null is refused
+ * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
+ */
+uint32_t RSVP_GetFirstCHop(RSVP_MOR_ReplyCHop *record);
+
+/**
+ * Reads the computed hop behind the one that the record holds.
+ *
+ * @param[in,out] record  as in RSVP_GetCHop
+ * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
+ */
+uint32_t RSVP_GetNextCHop(RSVP_MOR_ReplyCHop *record);
+
+/**
+ * Reads one actual route hop.
+ *
+ * @param[in,out] record  as in RSVP_GetCHop
+ * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
+ */
+uint32_t RSVP_GetArHop(RSVP_MOR_ReplyArHop *record);
+
+/**
+ * Reads the first actual route hop.
+ *
+ * @param[out] record  the answer, with status 0; not read; null is refused
+ * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
+ */
+uint32_t RSVP_GetFirstArHop(RSVP_MOR_ReplyArHop *record);
+
+/**
+ * Reads the actual route hop behind the one that the record holds.
+ *
+ * @param[in,out] record  as in RSVP_GetCHop
+ * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
+ */
+uint32_t RSVP_GetNextArHop(RSVP_MOR_ReplyArHop *record);
+
+/* ---- Resources ------------------------------------------------------------------------------------------------ */
+
+/** One row of the tunnel resource table: 24 bytes. Its index makes the record the cursor of its own walk. */
+typedef struct RSVP_MOR_ReplyResource {
+    uint32_t resourceIndex; /**< key of the row */
+    uint32_t resourceWord1; /**< number */
+    uint32_t resourceWord2; /**< number */
+    uint32_t resourceWord3; /**< number */
+    uint32_t resourceWord4; /**< number */
+    uint32_t resourceWord5; /**< number */
+} RSVP_MOR_ReplyResource;
+
+/**
+ * Reads one resource row.
+ *
+ * @param[in,out] record  `resourceIndex` names the row; with status 0 the whole record is the answer, else it is as
+ *                        it was; null is refused before a session is opened
+ * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
+ */
+uint32_t RSVP_GetResource(RSVP_MOR_ReplyResource *record);
+
+/**
+ * Reads the first resource row.
+ *
+ * @param[out] record  the answer, with status 0; not read; null is refused
+ * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
+ */
+uint32_t RSVP_GetFirstResource(RSVP_MOR_ReplyResource *record);
+
+/**
+ * Reads the resource row behind the one that the record holds.
+ *
+ * @param[in,out] record  as in RSVP_GetResource
+ * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
+ */
+uint32_t RSVP_GetNextResource(RSVP_MOR_ReplyResource *record);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
