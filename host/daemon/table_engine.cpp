@@ -1,0 +1,123 @@
+// The search over kept and made rows, and the arithmetic that turns a row number into a row and a key into a
+// row number without a look at any other row.
+#include "table_engine.h"
+
+#include <algorithm>
+
+namespace rsvpsimd
+{
+
+namespace
+{
+
+constexpr std::uint32_t kFirstAddress = 0x0A000001; // made rows with an address in front count from 10.0.0.1
+constexpr std::uint8_t kRoleHead = 1;
+
+bool IsHead(const EncodedRow &row)
+{
+    static const std::size_t offset = kItemHeaderSize + ExtentOf(LayoutNamed("tunnel"), "tunnelRole").offset;
+    return row.body[offset] == kRoleHead;
+}
+
+} // namespace
+
+Table::Table(const RowKind &kind) : kind_(&kind)
+{
+    const Layout &layout = LayoutNamed(kind.parts.front().layout);
+    const Field &counted = *FindField(layout, kind.numbered, KindsOf(Record{}));
+    number_offset_ = kItemHeaderSize + counted.offset;
+    base_ = counted.order == Order::kAddress ? kFirstAddress : 1;
+}
+
+bool Table::Insert(EncodedRow row)
+{
+    if (FindMade(Seek::kExact, row.key))
+        replaced_.insert(row.key);
+    return kept_.emplace(std::move(row.key), std::move(row.body)).second;
+}
+
+bool Table::Remove(ByteView key)
+{
+    Bytes bytes(key.begin(), key.end());
+    if (kept_.erase(bytes) != 0)
+        return true;
+    if (!FindMade(Seek::kExact, key))
+        return false;
+    replaced_.insert(std::move(bytes));
+    return true;
+}
+
+void Table::Make(std::vector<EncodedRow> variants, std::uint32_t count)
+{
+    variants_ = std::move(variants);
+    made_ = count;
+    for (const auto &[key, body] : kept_)
+        if (FindMade(Seek::kExact, key))
+            replaced_.insert(key);
+}
+
+EncodedRow Table::MakeRow(std::uint32_t number) const
+{
+    EncodedRow row = variants_[number % variants_.size()];
+    StoreNet(std::span(row.key).first(4), base_ + number);
+    StoreNet(std::span(row.body).subspan(number_offset_, 4), base_ + number);
+    return row;
+}
+
+std::optional<EncodedRow> Table::FindMade(Seek seek, ByteView key) const
+{
+    std::uint64_t number = 0;
+    if (seek != Seek::kFirst) {
+        const std::uint64_t word = LoadNet(key.first(4));
+        if (seek == Seek::kExact && word < base_)
+            return std::nullopt;
+        number = word < base_ ? 0 : word - base_;
+    }
+    for (; number < made_; number++) {
+        EncodedRow row = MakeRow(static_cast<std::uint32_t>(number));
+        const bool wanted = seek == Seek::kFirst ||
+                            (seek == Seek::kExact && std::ranges::equal(row.key, key)) ||
+                            (seek == Seek::kAfter && std::ranges::lexicographical_compare(key, row.key));
+        if (wanted && !replaced_.contains(row.key))
+            return row;
+        if (seek == Seek::kExact)
+            return std::nullopt;
+    }
+    return std::nullopt;
+}
+
+std::optional<EncodedRow> Table::FindAny(Seek seek, ByteView key) const
+{
+    const Bytes bytes(key.begin(), key.end());
+    auto kept = kept_.begin();
+    if (seek == Seek::kExact)
+        kept = kept_.find(bytes);
+    else if (seek == Seek::kAfter)
+        kept = kept_.upper_bound(bytes);
+    std::optional<EncodedRow> made = FindMade(seek, key);
+    if (kept == kept_.end() || (made && made->key < kept->first))
+        return made;
+    return EncodedRow{kept->first, kept->second};
+}
+
+std::optional<EncodedRow> Table::Find(Seek seek, ByteView key, bool ingress_only) const
+{
+    std::optional<EncodedRow> row = FindAny(seek, key);
+    while (row && ingress_only && !IsHead(*row))
+        row = FindAny(Seek::kAfter, row->key);
+    return row;
+}
+
+Bytes *Table::Edit(ByteView key)
+{
+    const Bytes bytes(key.begin(), key.end());
+    if (const auto kept = kept_.find(bytes); kept != kept_.end())
+        return &kept->second;
+    std::optional<EncodedRow> made = FindMade(Seek::kExact, key);
+    if (!made)
+        return nullptr;
+    replaced_.insert(bytes);
+    return &kept_.emplace(bytes, std::move(made->body)).first->second;
+}
+
+} // namespace rsvpsimd

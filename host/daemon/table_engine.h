@@ -1,0 +1,51 @@
+// One table: rows in the order of their key bytes, some kept, some made on demand from a row number. Get,
+// first and next are one search, so that no table can walk differently from another.
+#pragma once
+
+#include "row_kinds.h"
+
+#include <set>
+
+namespace rsvpsimd
+{
+
+enum class Seek : std::uint8_t { kExact, kFirst, kAfter };
+
+class Table
+{
+public:
+    explicit Table(const RowKind &kind);
+
+    const RowKind &Kind() const { return *kind_; }
+    std::uint64_t Size() const { return kept_.size() + made_ - replaced_.size(); }
+
+    // False if a row with this key is already kept.
+    bool Insert(EncodedRow row);
+    bool Remove(ByteView key);
+
+    // Adds `count` rows that look like `variants` in turn and are told apart by the first word of their key.
+    // Nothing is stored for them: a million rows cost what the variants cost.
+    void Make(std::vector<EncodedRow> variants, std::uint32_t count);
+
+    // With `ingress_only`, rows of another role than head are passed over.
+    std::optional<EncodedRow> Find(Seek seek, ByteView key, bool ingress_only = false) const;
+
+    // The kept row of this key, for a change in place. A made row is kept from now on. Null if there is no
+    // row.
+    Bytes *Edit(ByteView key);
+
+private:
+    std::optional<EncodedRow> FindAny(Seek seek, ByteView key) const;
+    std::optional<EncodedRow> FindMade(Seek seek, ByteView key) const;
+    EncodedRow MakeRow(std::uint32_t number) const;
+
+    const RowKind *kind_;
+    std::map<Bytes, Bytes> kept_;
+    std::vector<EncodedRow> variants_;
+    std::uint32_t made_ = 0;
+    std::uint32_t base_ = 0;        // first word of the key of made row 0
+    std::size_t number_offset_ = 0; // of the counted field in the body
+    std::set<Bytes> replaced_;      // keys of made rows that were removed or are kept by now
+};
+
+} // namespace rsvpsimd
