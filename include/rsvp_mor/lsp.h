@@ -452,7 +452,8 @@ typedef struct RSVP_MOR_ReplyCrlsp {
  * Reads the first CR-LSP. Items that do not belong to the record are passed over.
  *
  * @param fd              held session
- * @param[in,out] record  `hopList` and `name` null before the call; RSVP_MOR_FreeReplyCrlsp releases it after status 0
+ * @param[in,out] record  `hopList` and `name` null before the call; RSVP_MOR_FreeReplyCrlsp releases it after status
+ * 0
  * @return 0; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_GetFirstCrlsp(int32_t fd, RSVP_MOR_ReplyCrlsp *record);

@@ -1,0 +1,72 @@
+// Builds requests and sends them: the header, the items, and the two kinds of session. The layout of an item is the
+// platform's; numbers are in network order before they are handed to it.
+#include "channel/message.h"
+
+#include "channel/exchange.h"
+#include "platform/stlv.h"
+
+namespace rsvp_mor {
+
+void PutRaw(Request &request, uint16_t type, const void *value, uint16_t length)
+{
+    const uint32_t at = HEADER_SIZE + request.bodyLength;
+    const uint32_t taken =
+        STLV_Set(request.area + at, static_cast<uint16_t>(RSVP_MOR_MSG_MAX - at), type, length, value);
+    request.bodyLength = static_cast<uint16_t>(request.bodyLength + taken);
+}
+
+void PutEmpty(Request &request, uint16_t type)
+{
+    PutRaw(request, type, nullptr, 0);
+}
+
+void PutNetByte(Request &request, uint16_t type, uint8_t number)
+{
+    const uint8_t value[4] = {number};
+    PutRaw(request, type, value, sizeof value);
+}
+
+void PutNetShort(Request &request, uint16_t type, uint16_t number)
+{
+    uint8_t value[4] = {};
+    StoreNet16(value, number);
+    PutRaw(request, type, value, sizeof value);
+}
+
+void PutNetWord(Request &request, uint16_t type, uint32_t number)
+{
+    uint8_t value[4];
+    StoreNet32(value, number);
+    PutRaw(request, type, value, sizeof value);
+}
+
+uint32_t FinishFrame(Request &request, MsgClass msgClass, uint32_t msgOp)
+{
+    request.area[HEADER_CLASS] = msgClass;
+    request.area[HEADER_OP] = static_cast<uint8_t>(msgOp);
+    StoreNet16(request.area + HEADER_BODY_LENGTH, request.bodyLength);
+    StoreNet32(request.area + HEADER_STATUS, 0);
+    return HEADER_SIZE + request.bodyLength;
+}
+
+uint32_t SendCommand(Request &request, MsgClass msgClass, uint32_t msgOp)
+{
+    return RSVP_MOR_SendCommand(request.area, FinishFrame(request, msgClass, msgOp));
+}
+
+uint32_t QueryHeld(int32_t fd, Request &request, uint32_t msgOp, Reply &reply)
+{
+    return RSVP_MOR_Exchange(fd, request.area, FinishFrame(request, CLASS_SHOW, msgOp), reply.area);
+}
+
+uint32_t QueryOwn(Request &request, uint32_t msgOp, Reply &reply)
+{
+    const int32_t fd = RSVP_MOR_LIPCOpen();
+    if (fd < 0)
+        return RSVP_MOR_ERR_LIPC;
+    const uint32_t status = QueryHeld(fd, request, msgOp, reply);
+    RSVP_MOR_LIPCClose(fd);
+    return status;
+}
+
+} // namespace rsvp_mor
