@@ -5,16 +5,13 @@
 #include <array>
 #include <fmt/format.h>
 
-namespace rsvpsimd
-{
+namespace rsvpsimd {
 
-namespace
-{
+namespace {
 
 constexpr std::array<std::string_view, 6> kClassNames{"global", "interface", "peer", "show", "", "reset"};
 constexpr std::array<std::string_view, 9> kOpNames{
-    "set",        "undo", "", "get", "get-first", "get-next", "get-first-ingress", "get-next-ingress",
-    "hello-timer"};
+    "set", "undo", "", "get", "get-first", "get-next", "get-first-ingress", "get-next-ingress", "hello-timer"};
 
 template <std::size_t N> std::string NameIn(const std::array<std::string_view, N> &names, std::uint8_t number)
 {

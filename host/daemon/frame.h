@@ -6,8 +6,7 @@
 #include "rsvp_mor/status_codes.h"
 #include "wire_layout.h"
 
-namespace rsvpsimd
-{
+namespace rsvpsimd {
 
 enum Class : std::uint8_t { kGlobal = 0, kInterface = 1, kPeer = 2, kShow = 3, kReset = 5 };
 

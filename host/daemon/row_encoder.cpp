@@ -6,11 +6,9 @@
 #include <fmt/format.h>
 #include <stdexcept>
 
-namespace rsvpsimd
-{
+namespace rsvpsimd {
 
-namespace
-{
+namespace {
 
 // The record's fields that belong to this part, under the part's own names.
 Record FieldsOf(const Part &part, const Record &fields)
@@ -84,8 +82,7 @@ Extent ExtentOf(const Layout &layout, std::string_view field_or_object)
     std::size_t end = 0;
     for (const Field &field : layout.fields) {
         const std::string_view name = field.name;
-        if (name != field_or_object &&
-            !(name.starts_with(field_or_object) && name[field_or_object.size()] == '.'))
+        if (name != field_or_object && !(name.starts_with(field_or_object) && name[field_or_object.size()] == '.'))
             continue;
         begin = std::min(begin, field.offset);
         end = std::max(end, field.offset + field.width * field.count);

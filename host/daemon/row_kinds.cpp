@@ -6,11 +6,9 @@
 #include <array>
 #include <strings.h>
 
-namespace rsvpsimd
-{
+namespace rsvpsimd {
 
-namespace
-{
+namespace {
 
 using Names = std::string_view;
 
@@ -43,12 +41,11 @@ constexpr std::array kRsbParts{Part{12, "rsb"}};
 constexpr std::array kPsbParts{Part{15, "psb"}};
 constexpr std::array kIfInfoParts{Part{7, "ifInfo"}};
 constexpr std::array kP2mpCrlspParts{Part{31, "p2mpCrlsp"}};
-constexpr std::array kP2mpRsbParts{Part{35, "p2mpPathState", "pathState"},
-                                   Part{36, "p2mpResvState", "resvState"},
+constexpr std::array kP2mpRsbParts{Part{35, "p2mpPathState", "pathState"}, Part{36, "p2mpResvState", "resvState"},
                                    Part{37, "p2mpSubGroup", "subGroup"}};
-constexpr std::array kP2mpPsbParts{
-    Part{35, "p2mpPathState", "pathState"}, Part{36, "p2mpResvState", "resvState"},
-    Part{37, "p2mpSubGroup", "subGroup"}, Part{38, "p2mpSecondSender"}, Part{39, "p2mpSlots"}};
+constexpr std::array kP2mpPsbParts{Part{35, "p2mpPathState", "pathState"}, Part{36, "p2mpResvState", "resvState"},
+                                   Part{37, "p2mpSubGroup", "subGroup"}, Part{38, "p2mpSecondSender"},
+                                   Part{39, "p2mpSlots"}};
 constexpr std::array kTunnelParts{Part{101, "tunnel"}};
 constexpr std::array kResourceParts{Part{103, "resource"}};
 constexpr std::array kArHopParts{Part{104, "arHop"}};
@@ -85,8 +82,7 @@ constexpr std::array kKinds{
     RowKind{"rsb", 5, "rsbKey", kRsbKey, "session.tunnelEndpoint", kEmpty, false, kRsbParts, kRsbLists},
     RowKind{"interface", 7, "ifKey", kIfInfoKey, "ifWord1", kEmpty, false, kIfInfoParts},
     RowKind{"psb", 8, "psbKey", kPsbKey, "session.tunnelEndpoint", kEmpty, false, kPsbParts, kPsbLists},
-    RowKind{
-        "p2mpCrlsp", 9, "p2mpCrlspKey", {}, "key.keyWord0", kZeros, false, kP2mpCrlspParts, kP2mpCrlspLists},
+    RowKind{"p2mpCrlsp", 9, "p2mpCrlspKey", {}, "key.keyWord0", kZeros, false, kP2mpCrlspParts, kP2mpCrlspLists},
     RowKind{"p2mpRsb", 10, "p2mpStateKey", {}, "session.p2mpId", kZeros, false, kP2mpRsbParts, kP2mpRsbLists},
     RowKind{"p2mpPsb", 11, "p2mpStateKey", {}, "session.p2mpId", kZeros, false, kP2mpPsbParts, kP2mpPsbLists},
     RowKind{"tunnel", 101, "tunnelKey", kTunnelKey, "tunnelWord0", kZeros, true, kTunnelParts},
@@ -109,8 +105,7 @@ std::span<const RowKind> AllRowKinds()
 const RowKind *FindRowKind(std::string_view name)
 {
     const auto *found = std::find_if(kKinds.begin(), kKinds.end(), [&](const RowKind &kind) {
-        return kind.name.size() == name.size() &&
-               strncasecmp(kind.name.data(), name.data(), name.size()) == 0;
+        return kind.name.size() == name.size() && strncasecmp(kind.name.data(), name.data(), name.size()) == 0;
     });
     return found == kKinds.end() ? nullptr : found;
 }

@@ -5,8 +5,7 @@
 
 #include "frame.h"
 
-namespace rsvpsimd
-{
+namespace rsvpsimd {
 
 // One fixed value of a row. With a prefix, the row's fields "prefix.x" are the value's fields "x".
 struct Part {
@@ -33,9 +32,8 @@ struct RowKind {
     std::string_view name;
     std::uint16_t request_item = 0;
     std::string_view key_layout;
-    std::span<const std::string_view>
-        key_fields;            // of the first part, in key order; empty: each row names its key
-    std::string_view numbered; // the field that generated rows count up; it is also the first word of the key
+    std::span<const std::string_view> key_fields; // of the first part, in key order; empty: each row names its key
+    std::string_view numbered;  // the field that generated rows count up; it is also the first word of the key
     bool first_has_key = false; // get-first carries a key, whose content does not matter
     bool has_ingress_walk = false;
     std::span<const Part> parts;

@@ -2,13 +2,9 @@
 // row number without a look at any other row.
 #include "table_engine.h"
 
-#include <algorithm>
+namespace rsvpsimd {
 
-namespace rsvpsimd
-{
-
-namespace
-{
+namespace {
 
 constexpr std::uint32_t kFirstAddress = 0x0A000001; // made rows with an address in front count from 10.0.0.1
 constexpr std::uint8_t kRoleHead = 1;
@@ -38,12 +34,13 @@ bool Table::Insert(EncodedRow row)
 
 bool Table::Remove(ByteView key)
 {
-    Bytes bytes(key.begin(), key.end());
-    if (kept_.erase(bytes) != 0)
+    if (const auto kept = kept_.find(key); kept != kept_.end()) {
+        kept_.erase(kept);
         return true;
+    }
     if (!FindMade(Seek::kExact, key))
         return false;
-    replaced_.insert(std::move(bytes));
+    replaced_.emplace(key.begin(), key.end());
     return true;
 }
 
@@ -75,9 +72,8 @@ std::optional<EncodedRow> Table::FindMade(Seek seek, ByteView key) const
     }
     for (; number < made_; number++) {
         EncodedRow row = MakeRow(static_cast<std::uint32_t>(number));
-        const bool wanted = seek == Seek::kFirst ||
-                            (seek == Seek::kExact && std::ranges::equal(row.key, key)) ||
-                            (seek == Seek::kAfter && std::ranges::lexicographical_compare(key, row.key));
+        const bool wanted = seek == Seek::kFirst || (seek == Seek::kExact && std::ranges::equal(row.key, key)) ||
+                            (seek == Seek::kAfter && KeyOrder()(key, row.key));
         if (wanted && !replaced_.contains(row.key))
             return row;
         if (seek == Seek::kExact)
@@ -88,14 +84,13 @@ std::optional<EncodedRow> Table::FindMade(Seek seek, ByteView key) const
 
 std::optional<EncodedRow> Table::FindAny(Seek seek, ByteView key) const
 {
-    const Bytes bytes(key.begin(), key.end());
     auto kept = kept_.begin();
     if (seek == Seek::kExact)
-        kept = kept_.find(bytes);
+        kept = kept_.find(key);
     else if (seek == Seek::kAfter)
-        kept = kept_.upper_bound(bytes);
+        kept = kept_.upper_bound(key);
     std::optional<EncodedRow> made = FindMade(seek, key);
-    if (kept == kept_.end() || (made && made->key < kept->first))
+    if (kept == kept_.end() || (made && KeyOrder()(made->key, kept->first)))
         return made;
     return EncodedRow{kept->first, kept->second};
 }
@@ -110,14 +105,13 @@ std::optional<EncodedRow> Table::Find(Seek seek, ByteView key, bool ingress_only
 
 Bytes *Table::Edit(ByteView key)
 {
-    const Bytes bytes(key.begin(), key.end());
-    if (const auto kept = kept_.find(bytes); kept != kept_.end())
+    if (const auto kept = kept_.find(key); kept != kept_.end())
         return &kept->second;
     std::optional<EncodedRow> made = FindMade(Seek::kExact, key);
     if (!made)
         return nullptr;
-    replaced_.insert(bytes);
-    return &kept_.emplace(bytes, std::move(made->body)).first->second;
+    replaced_.insert(made->key);
+    return &kept_.emplace(std::move(made->key), std::move(made->body)).first->second;
 }
 
 } // namespace rsvpsimd

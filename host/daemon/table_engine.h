@@ -4,15 +4,20 @@
 
 #include "row_kinds.h"
 
+#include <algorithm>
 #include <set>
 
-namespace rsvpsimd
-{
+namespace rsvpsimd {
 
 enum class Seek : std::uint8_t { kExact, kFirst, kAfter };
 
-class Table
-{
+// The order of a table: that of the key bytes as they travel.
+struct KeyOrder {
+    using is_transparent = void;
+    bool operator()(ByteView left, ByteView right) const { return std::ranges::lexicographical_compare(left, right); }
+};
+
+class Table {
 public:
     explicit Table(const RowKind &kind);
 
@@ -40,12 +45,12 @@ private:
     EncodedRow MakeRow(std::uint32_t number) const;
 
     const RowKind *kind_;
-    std::map<Bytes, Bytes> kept_;
+    std::map<Bytes, Bytes, KeyOrder> kept_;
     std::vector<EncodedRow> variants_;
     std::uint32_t made_ = 0;
-    std::uint32_t base_ = 0;        // first word of the key of made row 0
-    std::size_t number_offset_ = 0; // of the counted field in the body
-    std::set<Bytes> replaced_;      // keys of made rows that were removed or are kept by now
+    std::uint32_t base_ = 0;             // first word of the key of made row 0
+    std::size_t number_offset_ = 0;      // of the counted field in the body
+    std::set<Bytes, KeyOrder> replaced_; // keys of made rows that were removed or are kept by now
 };
 
 } // namespace rsvpsimd

@@ -2,11 +2,9 @@
 // hop state, CR-LSP records, and their point-to-multipoint forms.
 #include "wire_objects.h"
 
-namespace rsvpsimd
-{
+namespace rsvpsimd {
 
-namespace
-{
+namespace {
 
 constexpr std::array kHopEntry{U8("kind", 0),
                                Raw("kindTail", 1, 3),
@@ -98,8 +96,8 @@ constexpr std::array kP2mpResvState{U32("resvWord0", 0),
                                     U32("resvWord6", 96),
                                     U32("resvWord7", 100),
                                     U8("resvByte1", 104)};
-constexpr std::array kP2mpSubGroup{Object("sender", 0, kP2mpSender), U8("subGroupByte", 16),
-                                   U16("subGroupHalf0", 18), U16("subGroupHalf1", 20)};
+constexpr std::array kP2mpSubGroup{Object("sender", 0, kP2mpSender), U8("subGroupByte", 16), U16("subGroupHalf0", 18),
+                                   U16("subGroupHalf1", 20)};
 constexpr std::array kP2mpSecondSender{Object("secondSender", 0, kP2mpSender), U32("wordsC", 16, 5),
                                        U16("halfC", 36)};
 constexpr std::array kP2mpSlots{Objects("slots", 0, kP2mpSlot, 32, 2)};

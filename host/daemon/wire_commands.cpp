@@ -2,11 +2,9 @@
 // number of one byte or two at the front and zeros behind it.
 #include "wire_objects.h"
 
-namespace rsvpsimd
-{
+namespace rsvpsimd {
 
-namespace
-{
+namespace {
 
 constexpr std::array kPeerKey{Ip("peer", 0)};
 constexpr std::array kAuthKeySetting{Secret("authKey", 0, 68)};
@@ -20,8 +18,7 @@ constexpr std::array kIncrement{U8("increment", 0)};
 constexpr std::array kDscp{U32("dscp", 0)};
 constexpr std::array kReduction{U16("pair", 0, 2)};
 constexpr std::array kDebugSwitch{Object("session", 0, kSession), U32("debugType", 12)};
-constexpr std::array kAuthEntryKey{U32("authId1", 0), U32("authId2", 4), U16("authId3", 8),
-                                   U16("authId4", 10)};
+constexpr std::array kAuthEntryKey{U32("authId1", 0), U32("authId2", 4), U16("authId3", 8), U16("authId4", 10)};
 constexpr std::array kStatisticsKey{U32("statsId1", 0), U16("statsId2", 4)};
 
 constexpr std::array kTables{

@@ -12,11 +12,9 @@
 #include <fmt/format.h>
 #include <stdexcept>
 
-namespace rsvpsimd
-{
+namespace rsvpsimd {
 
-namespace
-{
+namespace {
 
 void Unfold(Layout &layout, TableRows rows, const std::string &prefix, std::size_t base)
 {
@@ -38,8 +36,8 @@ void Unfold(Layout &layout, TableRows rows, const std::string &prefix, std::size
                     .order = row.order,
                     .secret = row.secret};
         if (!row.form.field.empty())
-            field.form = Form{
-                prefix + std::string(row.form.field), {row.form.kind_a, row.form.kind_b}, row.form.among};
+            field.form =
+                Form{prefix + std::string(row.form.field), {row.form.kind_a, row.form.kind_b}, row.form.among};
         layout.fields.push_back(std::move(field));
     }
 }
@@ -53,8 +51,7 @@ std::vector<Layout> UnfoldAll()
             Unfold(layout, table.rows, "", 0);
             for (const Field &field : layout.fields)
                 if (field.offset + field.width * field.count > layout.size)
-                    throw std::logic_error(
-                        fmt::format("{} runs over the end of {}", field.name, layout.name));
+                    throw std::logic_error(fmt::format("{} runs over the end of {}", field.name, layout.name));
             layouts.push_back(std::move(layout));
         }
     }
@@ -76,8 +73,7 @@ float ConvertRate(float rate)
         whole = 0xFFFFFFFF;
     else if (rate >= 1.0F)
         whole = static_cast<std::uint32_t>(rate);
-    const std::uint32_t reversed =
-        whole >> 24 | (whole >> 8 & 0xFF00) | (whole << 8 & 0xFF0000) | whole << 24;
+    const std::uint32_t reversed = whole >> 24 | (whole >> 8 & 0xFF00) | (whole << 8 & 0xFF0000) | whole << 24;
     return static_cast<float>(reversed);
 }
 
@@ -123,8 +119,7 @@ std::string ShowElement(ByteView bytes, Order order)
         return fmt::format("{}", std::bit_cast<float>(static_cast<std::uint32_t>(LoadNet(bytes))));
     case Order::kRate: {
         const std::array<std::uint8_t, 4> turned{bytes[3], bytes[2], bytes[1], bytes[0]};
-        return fmt::format("{}",
-                           ConvertRate(std::bit_cast<float>(static_cast<std::uint32_t>(LoadNet(turned)))));
+        return fmt::format("{}", ConvertRate(std::bit_cast<float>(static_cast<std::uint32_t>(LoadNet(turned)))));
     }
     case Order::kRaw:
         break;
@@ -148,8 +143,8 @@ std::span<const ListLayout> AllListLayouts()
 const Layout *FindLayout(std::string_view name)
 {
     const auto layouts = AllLayouts();
-    const auto found = std::find_if(layouts.begin(), layouts.end(),
-                                    [&](const Layout &layout) { return layout.name == name; });
+    const auto found =
+        std::find_if(layouts.begin(), layouts.end(), [&](const Layout &layout) { return layout.name == name; });
     return found == layouts.end() ? nullptr : &*found;
 }
 
@@ -233,8 +228,7 @@ std::string ShowField(ByteView image, const Field &field)
         return ShowElement(image.subspan(field.offset, field.width), field.order);
     std::vector<std::string> elements;
     for (std::size_t i = 0; i < field.count; i++)
-        elements.push_back(
-            ShowElement(image.subspan(field.offset + i * field.width, field.width), field.order));
+        elements.push_back(ShowElement(image.subspan(field.offset + i * field.width, field.width), field.order));
     return fmt::format("[{}]", fmt::join(elements, ","));
 }
 
@@ -245,8 +239,7 @@ Bytes Encode(const Layout &layout, const Record &record)
     for (const auto &[name, value] : record) {
         const Field *field = FindField(layout, name, kinds);
         if (field == nullptr)
-            throw std::invalid_argument(
-                fmt::format("{}: no such field in this form of {}", name, layout.name));
+            throw std::invalid_argument(fmt::format("{}: no such field in this form of {}", name, layout.name));
         if (const auto problem = StoreField(image, *field, value); !problem.empty())
             throw std::invalid_argument(fmt::format("{}: {}", name, problem));
     }

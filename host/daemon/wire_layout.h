@@ -15,8 +15,7 @@
 #include <variant>
 #include <vector>
 
-namespace rsvpsimd
-{
+namespace rsvpsimd {
 
 using Bytes = std::vector<std::uint8_t>;
 using ByteView = std::span<const std::uint8_t>;

@@ -2,11 +2,9 @@
 // information, neighbours, authentication state, fast reroute, tunnels, hops, resources.
 #include "wire_objects.h"
 
-namespace rsvpsimd
-{
+namespace rsvpsimd {
 
-namespace
-{
+namespace {
 
 constexpr std::array kCount{U32("count", 0)};
 constexpr std::array kDebugInfo{Object("session1", 0, kSession), Object("session2", 12, kSession),
@@ -38,10 +36,9 @@ constexpr std::array kIfInfo{Object("counters1", 0, kIfCounters),
                              Raw("ifBytes3", 330, 2),
                              Object("counters2", 332, kIfCounters)};
 constexpr std::array kIfConfig{U32("ifIndex", 0), U16("ifConfig", 4)};
-constexpr std::array kNbr{U32("nbrWord0", 0),     U32("nbrWord1", 4),  U32("nbrWord2", 8),
-                          U32("nbrWord3", 12),    U32("nbrWord4", 16), U32("nbrWord5", 20),
-                          U32("nbrWord6", 24),    U32("nbrWord7", 28), U16("nbrShort", 32),
-                          Raw("nbrBytes", 34, 6), U32("nbrWord8", 40), U32("nbrWord9", 44)};
+constexpr std::array kNbr{U32("nbrWord0", 0),  U32("nbrWord1", 4),     U32("nbrWord2", 8),  U32("nbrWord3", 12),
+                          U32("nbrWord4", 16), U32("nbrWord5", 20),    U32("nbrWord6", 24), U32("nbrWord7", 28),
+                          U16("nbrShort", 32), Raw("nbrBytes", 34, 6), U32("nbrWord8", 40), U32("nbrWord9", 44)};
 constexpr std::array kAuth{Secret("authEntryBytes", 0, 80), Number("authEntryLong0", 80, 8),
                            Number("authEntryLong1", 88, 8), U32("authEntryWord0", 96),
                            U32("authEntryWord1", 100),      U32("authEntryWord2", 104),
@@ -51,10 +48,9 @@ constexpr std::array kFacility{U32("facilityWord0", 0),  U32("facilityWord1", 4)
                                U32("facilityWord3", 12), U32("facilityWord4", 16), U32("facilityWord5", 20),
                                U32("facilityWord6", 24), U32("facilityWord7", 28), U32("facilityWord8", 32),
                                U32("facilityWord9", 36), U32("facilityWord10", 40)};
-constexpr std::array kGeneral{U32("frrWord0", 0),  U32("frrWord1", 4),  U32("frrWord2", 8),
-                              U32("frrWord3", 12), U32("frrWord4", 16), U32("frrWord5", 20),
-                              U32("frrWord6", 24), U32("frrWord7", 28), U32("frrWord8", 32),
-                              U32("frrWord9", 36), U32("frrWord10", 40)};
+constexpr std::array kGeneral{U32("frrWord0", 0),  U32("frrWord1", 4),  U32("frrWord2", 8),  U32("frrWord3", 12),
+                              U32("frrWord4", 16), U32("frrWord5", 20), U32("frrWord6", 24), U32("frrWord7", 28),
+                              U32("frrWord8", 32), U32("frrWord9", 36), U32("frrWord10", 40)};
 constexpr std::array kExtArHop{U32("extArHopWord0", 0), U32("extArHopWord1", 4), Raw("extArHopBytes", 8, 4)};
 constexpr std::array kTunnel{U32("tunnelWord0", 0),   U32("tunnelWord1", 4),   U32("tunnelWord2", 8),
                              U32("tunnelWord3", 12),  U32("tunnelWord4", 16),  U32("tunnelWord5", 20),

@@ -6,8 +6,7 @@
 
 #include <array>
 
-namespace rsvpsimd
-{
+namespace rsvpsimd {
 
 struct TableRow;
 using TableRows = std::span<const TableRow>;

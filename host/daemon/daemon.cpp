@@ -1,0 +1,184 @@
+// Checks a request, finds who answers it, and sends the answer through the faults that were asked for.
+#include "daemon.h"
+
+#include "trace.h"
+
+#include <algorithm>
+
+namespace rsvpsimd {
+
+namespace {
+
+// The item that says what a message is about: behind the key item, if there is one.
+std::uint16_t SubjectOf(const Message &message)
+{
+    return message.items.empty() ? std::uint16_t{0xFFFF} : message.items.back().type;
+}
+
+Bytes OneItem(std::uint16_t type, ByteView value)
+{
+    Bytes body;
+    AppendItem(body, type, value);
+    return body;
+}
+
+std::uint32_t CheckValue(std::string_view layout, ByteView value)
+{
+    const Layout &form = LayoutNamed(layout);
+    if (value.size() != form.size)
+        return kBadLength;
+    return GapsAreZero(form, value) ? kOk : kBadValue;
+}
+
+template <typename Selector> bool Selects(const Selector &selector, const Message &request)
+{
+    return selector.msg_class.value_or(request.msg_class) == request.msg_class &&
+           selector.op.value_or(request.op) == request.op &&
+           selector.item.value_or(SubjectOf(request)) == SubjectOf(request);
+}
+
+} // namespace
+
+Reply Daemon::Answer(ByteView request, std::uint64_t client)
+{
+    Reply reply;
+    if (trace_)
+        trace_(DescribeRequest(client, request));
+    const std::optional<Message> message = ReadMessage(request);
+    if (!message) {
+        // Without a whole header there is no one to answer to.
+        if (request.size() < kHeaderSize)
+            reply = {.frame = {}, .copies = 0, .close = true};
+        else
+            reply.frame = BuildFrame(request[0], request[1], kMalformed, {});
+        CountIn({}, kMalformed);
+    } else {
+        const std::vector<Fault *> faults = FaultsFor(*message);
+        const auto has = [&](FaultKind kind) {
+            return std::ranges::any_of(faults, [&](const Fault *fault) { return fault->kind == kind; });
+        };
+        const Result result = Handle(*message, {has(FaultKind::kStuck), has(FaultKind::kShifting)});
+        CountIn(*message, result.status);
+        reply.frame = BuildFrame(message->msg_class, message->op, result.status, result.body);
+        for (Fault *fault : faults) {
+            Strike(*fault, reply);
+            fault->spent = fault->once;
+        }
+    }
+    if (trace_)
+        trace_(DescribeReply(client, request, reply));
+    return reply;
+}
+
+Daemon::Result Daemon::Handle(const Message &request, const Walk &walk)
+{
+    for (const Refusal &refusal : refusals_)
+        if (Selects(refusal, request))
+            return {refusal.status};
+    switch (request.msg_class) {
+    case kGlobal:
+    case kInterface:
+    case kPeer:
+    case kReset:
+        return Carry(request);
+    case kShow:
+        return Show(request, walk);
+    default:
+        return {kUnknownClass};
+    }
+}
+
+Daemon::Result Daemon::Carry(const Message &request)
+{
+    const std::optional<KeyItem> key_item = KeyItemOf(request.msg_class);
+    if (request.items.size() != (key_item ? 2U : 1U) || (key_item && request.items.front().type != key_item->type))
+        return {kBadItems};
+    const Item &subject = request.items.back();
+    const Command *command = FindCommand(request.msg_class, subject.type);
+    if (command == nullptr)
+        return {kUnknownItem};
+    if (request.op > kHelloTimer || (command->ops >> request.op & 1) == 0)
+        return {kUnknownOp};
+    if (const auto status = CheckValue(command->layout, subject.value); status != kOk)
+        return {status};
+    if (key_item)
+        if (const auto status = CheckValue(key_item->layout, request.items.front().value); status != kOk)
+            return {status};
+    return {device_.Apply(*command, request.op, request.items.front().value, subject.value)};
+}
+
+Daemon::Result Daemon::Show(const Message &request, const Walk &walk)
+{
+    if (request.items.size() != 1)
+        return {kBadItems};
+    const Item &item = request.items.front();
+    if (const RowKind *kind = FindRowKind(item.type))
+        return ShowRow(*kind, request, walk);
+    const auto counts = AllCounts();
+    const auto count = std::ranges::find(counts, item.type, &Count::item);
+    if (count == counts.end() && item.type != kGlobalItem && item.type != kDebugItem)
+        return {kUnknownItem};
+    if (request.op != kGet)
+        return {kUnknownOp};
+    if (!item.value.empty())
+        return {kBadLength};
+    if (count != counts.end()) {
+        Bytes value;
+        AppendNet(value, device_.CountOf(*count), 4);
+        return {kOk, OneItem(item.type, value)};
+    }
+    return {kOk, OneItem(item.type, item.type == kGlobalItem ? device_.Global().View() : device_.Debug())};
+}
+
+Daemon::Result Daemon::ShowRow(const RowKind &kind, const Message &request, const Walk &walk)
+{
+    const ByteView key = request.items.front().value;
+    const bool ingress = request.op == kGetFirstIngress || request.op == kGetNextIngress;
+    if (request.op < kGet || request.op > (kind.has_ingress_walk ? kGetNextIngress : kGetNext))
+        return {kUnknownOp};
+    const bool first = request.op == kGetFirst || request.op == kGetFirstIngress;
+    if (const auto status = CheckValue(first && !kind.first_has_key ? "none" : kind.key_layout, key); status != kOk)
+        return {status};
+    Table &table = device_.Rows(kind);
+    const bool next = !first && request.op != kGet;
+    Seek seek = next ? Seek::kAfter : Seek::kExact;
+    if (first)
+        seek = Seek::kFirst;
+    else if (next && walk.stuck && table.Find(Seek::kExact, key))
+        seek = Seek::kExact;
+    std::optional<EncodedRow> row = table.Find(seek, key, ingress);
+    if (next && walk.shifting && row) {
+        table.Remove(row->key);
+        row = table.Find(seek, key, ingress);
+    }
+    if (!row)
+        return {kNoSuchRow};
+    return {kOk, std::move(row->body)};
+}
+
+std::vector<Fault *> Daemon::FaultsFor(const Message &request)
+{
+    std::vector<Fault *> faults;
+    for (Fault &fault : faults_)
+        if (!fault.spent && Selects(fault, request))
+            faults.push_back(&fault);
+    return faults;
+}
+
+// statWord1 to 4: commands carried out, commands refused, reads answered, reads refused (the ends of tables among
+// them). countsA of the first group counts requests by operation, countsB by class.
+void Daemon::CountIn(const Message &request, std::uint32_t status)
+{
+    Image &global = device_.Global();
+    const bool read = request.msg_class == kShow;
+    if (status == kOk)
+        global.Add(read ? "statWord3" : "statWord1", 0);
+    else
+        global.Add(read ? "statWord4" : "statWord2", 0);
+    if (request.op <= kHelloTimer)
+        global.Add("counters1.countsA", request.op);
+    if (request.msg_class <= kReset)
+        global.Add("counters1.countsB", request.msg_class);
+}
+
+} // namespace rsvpsimd

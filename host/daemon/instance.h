@@ -1,0 +1,34 @@
+// What makes this process the one daemon of its host directory: the lock that a second daemon finds taken, and the
+// socket file that clients connect to. Both are given up in the destructor.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace rsvpsimd {
+
+// Says in one sentence what is in the way.
+class InstanceError : public std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+class Instance {
+public:
+    // Throws InstanceError if the directory cannot be used or another daemon has it.
+    explicit Instance(const std::string &directory);
+    ~Instance();
+    Instance(const Instance &) = delete;
+    Instance &operator=(const Instance &) = delete;
+
+    int Listener() const { return listener_; }
+
+private:
+    void Lock(const std::string &path);
+    void Listen();
+
+    std::string socket_path_;
+    int lock_ = -1;
+    int listener_ = -1;
+};
+
+} // namespace rsvpsimd

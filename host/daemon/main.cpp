@@ -1,0 +1,82 @@
+// rsvpsimd: a simulated signalling daemon for machines that have none. It answers every request of the management
+// protocol from a scenario, from rows made by number, and from the commands that it was given.
+#include "host/directory.h"
+#include "instance.h"
+#include "options.h"
+#include "server.h"
+
+#include <csignal>
+#include <cstdio>
+#include <fmt/format.h>
+#include <sys/signalfd.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace {
+
+enum ExitStatus { kDone = 0, kUsage = 2, kNoInstance = 3, kToldToCrash = 4 };
+
+// Both signals that ask for an end arrive as something to read, so that the loop ends between two requests.
+int OpenStopSignals()
+{
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGTERM);
+    sigaddset(&signals, SIGINT);
+    sigprocmask(SIG_BLOCK, &signals, nullptr);
+    const int fd = signalfd(-1, &signals, SFD_CLOEXEC);
+    if (fd < 0)
+        throw std::system_error(errno, std::generic_category(), "signalfd");
+    return fd;
+}
+
+// Lines go out at once: a trace that ends with the daemon is of no use to whoever asks why it ended.
+void OpenTrace(rsvpsimd::Daemon &daemon, const std::string &path)
+{
+    std::FILE *file = path.empty() ? stderr : std::fopen(path.c_str(), "ae");
+    if (file == nullptr)
+        throw std::runtime_error(fmt::format("--trace: cannot write to {}", path));
+    std::setvbuf(file, nullptr, _IOLBF, BUFSIZ);
+    daemon.TraceTo([file](const std::string &line) { fmt::print(file, "{}\n", line); });
+}
+
+int Serve(rsvpsimd::Daemon &daemon, const rsvpsimd::Options &options)
+{
+    const int stop = OpenStopSignals();
+    rsvpsimd::Instance instance(rsvp_host::DirectoryPath(options.host_directory));
+    rsvpsimd::Server server(instance.Listener(), stop, daemon);
+    // A crash leaves everything as it lies, which is what the fault is for.
+    if (server.Run() == rsvpsimd::Server::End::kCrashed)
+        _exit(kToldToCrash);
+    return kDone;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    try {
+        int exit_status = kDone;
+        std::optional<rsvpsimd::Options> options = rsvpsimd::ReadOptions(argc, argv, exit_status);
+        if (!options)
+            return exit_status == 0 ? kDone : kUsage;
+        if (options->list_layouts) {
+            rsvpsimd::ListLayouts();
+            return kDone;
+        }
+        rsvpsimd::Daemon daemon;
+        rsvpsimd::Configure(daemon, *options);
+        if (options->trace)
+            OpenTrace(daemon, *options->trace);
+        return options->check ? kDone : Serve(daemon, *options);
+    } catch (const rsvpsimd::InstanceError &error) {
+        fmt::print(stderr, "rsvpsimd: {}\n", error.what());
+        return kNoInstance;
+    } catch (const std::system_error &error) {
+        fmt::print(stderr, "rsvpsimd: {}\n", error.what());
+        return kNoInstance;
+    } catch (const std::exception &error) {
+        fmt::print(stderr, "rsvpsimd: {}\n", error.what());
+        return kUsage;
+    }
+}

@@ -1,0 +1,112 @@
+// Reads the command line and puts what it asks for into the daemon. Messages name the option that is wrong.
+#include "options.h"
+
+#include "generator.h"
+#include "scenario.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+namespace rsvpsimd {
+
+namespace {
+
+constexpr auto kVersion = "rsvpsimd 1.0.0";
+
+constexpr auto kFooter = R"(Examples:
+  rsvpsimd --scenario demo.toml --trace
+  rsvpsimd --rows psb=100000 --rows tunnel=1000
+  rsvpsimd --fault late=200,class=3,op=4,item=8,once --fault close,class=0
+
+Exit status: 0 ended by a signal, or the check went well; 2 wrong usage or scenario; 3 the host directory cannot
+be used or another daemon has it; 4 ended by the fault "exit".)";
+
+std::string_view OrderName(Order order)
+{
+    switch (order) {
+    case Order::kNetwork:
+        return "network";
+    case Order::kAddress:
+        return "address";
+    case Order::kRaw:
+        return "raw";
+    case Order::kFloat:
+        return "float";
+    case Order::kRate:
+        return "rate";
+    }
+    return "";
+}
+
+} // namespace
+
+std::optional<Options> ReadOptions(int argc, char **argv, int &exit_status)
+{
+    Options options;
+    std::string trace_file;
+    CLI::App app("A simulated signalling daemon: answers every request of the management protocol.", "rsvpsimd");
+    app.footer(kFooter);
+    app.set_version_flag("--version", kVersion);
+    app.add_option("--host-dir", options.host_directory, "directory that plays the device")->type_name("DIR");
+    app.add_option("--scenario", options.scenario, "what the tables hold (TOML)")->type_name("FILE");
+    app.add_option("--rows", options.rows, "make N rows of a kind by number")
+        ->type_name("KIND=N")
+        ->expected(1)
+        ->take_all();
+    app.add_option("--fault", options.faults, "misbehave for the requests that it names")
+        ->type_name("SPEC")
+        ->expected(1)
+        ->take_all();
+    CLI::Option *trace =
+        app.add_option("--trace", trace_file, "print every frame in words, to standard error or to a file")
+            ->type_name("[FILE]")
+            ->expected(0, 1);
+    app.add_flag("--check", options.check, "read everything, answer nothing");
+    app.add_flag("--list-layouts", options.list_layouts, "print the fields of every value and key");
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError &error) {
+        exit_status = app.exit(error);
+        return std::nullopt;
+    }
+    if (trace->count() != 0)
+        options.trace = trace_file;
+    return options;
+}
+
+void Configure(Daemon &daemon, Options &options)
+{
+    if (!options.scenario.empty() && ReadScenario(daemon, options.scenario) && !options.trace)
+        options.trace = "";
+    try {
+        for (const std::string &rows : options.rows)
+            MakeRows(daemon.GetDevice(), rows);
+    } catch (const std::invalid_argument &error) {
+        throw std::runtime_error(fmt::format("--rows: {}", error.what()));
+    }
+    try {
+        for (const std::string &fault : options.faults)
+            daemon.Add(ParseFault(fault));
+    } catch (const std::invalid_argument &error) {
+        throw std::runtime_error(fmt::format("--fault: {}", error.what()));
+    }
+}
+
+void ListLayouts()
+{
+    for (const Layout &layout : AllLayouts()) {
+        fmt::print("{} ({} bytes)\n", layout.name, layout.size);
+        for (const Field &field : layout.fields) {
+            std::string form;
+            if (field.form)
+                form = fmt::format("  {} {} {}", field.form->field, field.form->among ? "is" : "is not",
+                                   fmt::join(field.form->kinds, " or "));
+            fmt::print("  {:5} {:3} x {:2}  {:8} {}{}\n", field.offset, field.width, field.count,
+                       OrderName(field.order), field.name, form);
+        }
+    }
+    for (const ListLayout &list : AllListLayouts())
+        fmt::print("{} ({} bytes of count, then {})\n", list.name, list.count_width, list.entry);
+}
+
+} // namespace rsvpsimd

@@ -1,0 +1,29 @@
+// The command line, and the daemon that it describes.
+#pragma once
+
+#include "daemon.h"
+
+#include <string>
+
+namespace rsvpsimd {
+
+struct Options {
+    std::string host_directory;
+    std::string scenario;
+    std::vector<std::string> rows;
+    std::vector<std::string> faults;
+    std::optional<std::string> trace; // empty: standard error
+    bool check = false;
+    bool list_layouts = false;
+};
+
+// Nothing if the command line asked for help or the version, or was wrong; `exit_status` then says with which
+// status to end, and what had to be said has been printed.
+std::optional<Options> ReadOptions(int argc, char **argv, int &exit_status);
+
+// Puts scenario, rows and faults into the daemon. Throws std::runtime_error with a sentence for the user.
+void Configure(Daemon &daemon, Options &options);
+
+void ListLayouts();
+
+} // namespace rsvpsimd
