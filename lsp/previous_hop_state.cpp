@@ -1,0 +1,133 @@
+// Previous hop state blocks: one value of 56 bytes, and flow descriptors, each with its filter specs behind it. Items
+// that do not belong to the block are passed over.
+#include "channel/message.h"
+#include "lsp/lists.h"
+#include "lsp/state_blocks.h"
+#include "lsp/wire_objects.h"
+
+#include <cstdlib>
+
+using namespace rsvp_mor;
+
+namespace {
+
+constexpr uint16_t PHSB_SIZE = 56;
+constexpr uint16_t FLOW_SPEC_SIZE = 44;
+
+void DecodeValue(const uint8_t *at, RSVP_MOR_ReplyPhsb &record)
+{
+    DecodeSession(at + 0, record.session);
+    DecodeHop(at + 12, record.hop);
+    DecodeIfRef(at + 20, record.ifRef);
+    LoadNet(at + 28, record.style);
+    LoadNet(at + 32, record.wordsA);
+    LoadNet(at + 44, record.wordsB);
+    LoadNet(at + 52, record.halvesB);
+}
+
+// Makes a flow descriptor and puts it in front of the record's list, where it is the current one.
+uint32_t DecodeFlowDescriptor(const Item &item, RSVP_MOR_ReplyPhsb &record, RSVP_MOR_ReplyFDInfo *&current)
+{
+    if (item.length != FLOW_SPEC_SIZE)
+        return RSVP_MOR_ERR_FAIL;
+    RSVP_MOR_ReplyFDInfo *node = static_cast<RSVP_MOR_ReplyFDInfo *>(malloc(sizeof *node));
+    if (node == nullptr)
+        return RSVP_MOR_ERR_FAIL;
+    *node = {};
+    DecodeFlowSpec(item.value, node->flowSpec);
+    node->next = record.fdList;
+    record.fdList = node;
+    current = node;
+    return RSVP_MOR_OK;
+}
+
+uint32_t DecodeItem(const Item &item, RSVP_MOR_ReplyPhsb &record, RSVP_MOR_ReplyFDInfo *&current)
+{
+    switch (item.type) {
+    case REPLY_PHSB:
+        if (item.length != PHSB_SIZE)
+            return RSVP_MOR_ERR_FAIL;
+        DecodeValue(item.value, record);
+        return RSVP_MOR_OK;
+    case REPLY_FLOW_DESCRIPTOR:
+        return DecodeFlowDescriptor(item, record, current);
+    case REPLY_FILTER_SPEC: {
+        if (current == nullptr) // no flow descriptor has come that could take it
+            return RSVP_MOR_ERR_FAIL;
+        RSVP_MOR_ReplyFSInfo *lastNode; // routes do not come in this block: nobody asks for the last node
+        return rsvp_mor_DecodeFSInfo(item.value, item.length, &lastNode, &current->fsList);
+    }
+    default:
+        return RSVP_MOR_OK;
+    }
+}
+
+} // namespace
+
+uint32_t rsvp_mor_DecodePhsb(const uint8_t *body, uint16_t length, RSVP_MOR_ReplyPhsb *record)
+{
+    Items items = {body, length};
+    Item item;
+    RSVP_MOR_ReplyFDInfo *current = nullptr;
+    uint32_t status = RSVP_MOR_OK;
+    while (status == RSVP_MOR_OK) {
+        const ItemResult result = NextItem(items, item);
+        if (result == ITEM_END)
+            return RSVP_MOR_OK;
+        status = result == ITEM_READ ? DecodeItem(item, *record, current) : RSVP_MOR_ERR_FAIL;
+    }
+    RSVP_MOR_FreeReplyPhsb(record);
+    return status;
+}
+
+uint32_t RSVP_MOR_GetFirstPhsbInfo(int32_t fd, RSVP_MOR_ReplyPhsb *record)
+{
+    Request request{};
+    Reply reply{};
+    PutEmpty(request, READ_PHSB);
+    const uint32_t status = QueryHeld(fd, request, OP_GET_FIRST, reply);
+    if (status != RSVP_MOR_OK)
+        return status;
+    return rsvp_mor_DecodePhsb(Body(reply), BodyLength(reply), record);
+}
+
+uint32_t RSVP_MOR_GetNextPhsbInfo(int32_t fd, const RSVP_MOR_Session *session, const RSVP_MOR_Hop *hop,
+                                  RSVP_MOR_ReplyPhsb *record)
+{
+    if (session == nullptr || hop == nullptr)
+        return RSVP_MOR_ERR_FAIL;
+    uint8_t key[SESSION_SIZE + HOP_SIZE];
+    EncodeSession(key, *session);
+    EncodeHop(key + SESSION_SIZE, *hop);
+    Request request{};
+    Reply reply{};
+    PutRaw(request, READ_PHSB, key, sizeof key);
+    const uint32_t status = QueryHeld(fd, request, OP_GET_NEXT, reply);
+    if (status != RSVP_MOR_OK)
+        return status;
+    return rsvp_mor_DecodePhsb(Body(reply), BodyLength(reply), record);
+}
+
+void rsvp_mor_FreeReplyFDInfo(RSVP_MOR_ReplyFDInfo *node)
+{
+    if (node == nullptr)
+        return;
+    for (RSVP_MOR_ReplyFSInfo *filter = node->fsList; filter != nullptr;) {
+        RSVP_MOR_ReplyFSInfo *next = filter->next;
+        rsvp_mor_FreeReplyFSInfo(filter);
+        filter = next;
+    }
+    free(node);
+}
+
+void RSVP_MOR_FreeReplyPhsb(RSVP_MOR_ReplyPhsb *record)
+{
+    if (record == nullptr)
+        return;
+    for (RSVP_MOR_ReplyFDInfo *node = record->fdList; node != nullptr;) {
+        RSVP_MOR_ReplyFDInfo *next = node->next;
+        rsvp_mor_FreeReplyFDInfo(node);
+        node = next;
+    }
+    record->fdList = nullptr;
+}

@@ -1,0 +1,12 @@
+// Workers behind the table functions: one a table, told by the message operation. The tests reach them here.
+#pragma once
+
+#include "rsvp_mor/tables.h"
+
+extern "C" {
+
+uint32_t rsvp_mor_ReadTunnelTable(uint32_t msgOp, const RSVP_MOR_TunnelKey *key, RSVP_MOR_ReplyTunnel *out);
+uint32_t rsvp_mor_ReadCHopTable(uint32_t msgOp, RSVP_MOR_ReplyCHop *record);
+uint32_t rsvp_mor_ReadArHopTable(uint32_t msgOp, RSVP_MOR_ReplyArHop *record);
+uint32_t rsvp_mor_ReadResourceTable(uint32_t msgOp, RSVP_MOR_ReplyResource *record);
+}

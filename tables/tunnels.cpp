@@ -1,0 +1,90 @@
+// The tunnel table, by its four index parts: one row, all rows, or the rows of the tunnels that begin here.
+#include "tables/reads.h"
+
+#include "channel/message.h"
+
+using namespace rsvp_mor;
+
+namespace {
+
+// The record is the wire's image.
+RSVP_MOR_ASSERT_SIZE(RSVP_MOR_ReplyTunnel, 60);
+RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_ReplyTunnel, tunnelWord12, 48);
+RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_ReplyTunnel, tunnelShort0, 52);
+RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_ReplyTunnel, tunnelByte, 54);
+RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_ReplyTunnel, tunnelRole, 55);
+RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_ReplyTunnel, tunnelShort1, 56);
+RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_ReplyTunnel, tunnelTail, 58);
+
+bool NeedsKey(uint32_t msgOp)
+{
+    return msgOp != OP_GET_FIRST && msgOp != OP_GET_FIRST_INGRESS;
+}
+
+uint8_t TranslateRole(uint8_t onWire)
+{
+    switch (onWire) {
+    case 1:
+        return 0;
+    case 3:
+        return 2;
+    default:
+        return 1;
+    }
+}
+
+} // namespace
+
+uint32_t rsvp_mor_ReadTunnelTable(uint32_t msgOp, const RSVP_MOR_TunnelKey *key, RSVP_MOR_ReplyTunnel *out)
+{
+    if (out == nullptr || msgOp < OP_GET || msgOp > OP_GET_NEXT_INGRESS || (key == nullptr && NeedsKey(msgOp)))
+        return RSVP_MOR_ERR_FAIL;
+    uint8_t value[16] = {};
+    if (NeedsKey(msgOp)) {
+        StoreNet32(value + 0, key->tunnelIndex);
+        StoreNet32(value + 4, key->tunnelInstance);
+        StoreNet32(value + 8, key->ingressLsrId);
+        StoreNet32(value + 12, key->egressLsrId);
+    }
+    Request request{};
+    Reply reply{};
+    PutRaw(request, READ_TUNNEL, value, sizeof value);
+    const uint32_t status = QueryOwn(request, msgOp, reply);
+    if (status != RSVP_MOR_OK)
+        return status;
+    Item item;
+    if (!FirstItem(Body(reply), BodyLength(reply), item))
+        return RSVP_MOR_ERR_FAIL;
+    CopyRaw(item, *out);
+    ConvertNet(out->tunnelWord0, out->tunnelWord1, out->tunnelWord2, out->tunnelWord3, out->tunnelWord4);
+    ConvertNet(out->tunnelWord5, out->tunnelWord6, out->tunnelWord7, out->tunnelWord8, out->tunnelWord9);
+    ConvertNet(out->tunnelWord10, out->tunnelWord11, out->tunnelWord12);
+    ConvertNet(out->tunnelShort0, out->tunnelShort1);
+    out->tunnelRole = TranslateRole(out->tunnelRole);
+    return RSVP_MOR_OK;
+}
+
+uint32_t RSVP_GetTunnel(const RSVP_MOR_TunnelKey *key, RSVP_MOR_ReplyTunnel *out)
+{
+    return rsvp_mor_ReadTunnelTable(OP_GET, key, out);
+}
+
+uint32_t RSVP_GetFirstTunnel(RSVP_MOR_ReplyTunnel *out)
+{
+    return rsvp_mor_ReadTunnelTable(OP_GET_FIRST, nullptr, out);
+}
+
+uint32_t RSVP_GetNextTunnel(const RSVP_MOR_TunnelKey *key, RSVP_MOR_ReplyTunnel *out)
+{
+    return rsvp_mor_ReadTunnelTable(OP_GET_NEXT, key, out);
+}
+
+uint32_t RSVP_GetFirstIngressTunnel(RSVP_MOR_ReplyTunnel *out)
+{
+    return rsvp_mor_ReadTunnelTable(OP_GET_FIRST_INGRESS, nullptr, out);
+}
+
+uint32_t RSVP_GetNextIngressTunnel(const RSVP_MOR_TunnelKey *key, RSVP_MOR_ReplyTunnel *out)
+{
+    return rsvp_mor_ReadTunnelTable(OP_GET_NEXT_INGRESS, key, out);
+}
