@@ -26,6 +26,8 @@
  *    there is nothing to release.
  * 8. Pointers must be valid unless the function says that null is taken or refused.
  * 9. There is no initialisation, no global state, no thread and no log.
+ *
+ * The headers declare all functions with default visibility, as the library itself hides everything else.
  */
 #ifndef RSVP_MOR_H
 #define RSVP_MOR_H

@@ -12,6 +12,7 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+#pragma GCC visibility push(default)
 
 /**
  * Opens a session to the daemon, with time-outs of 10 seconds for each send and each receive.
@@ -80,6 +81,7 @@ uint32_t RSVP_GetUpLspNumber(uint32_t *count);
  */
 uint32_t RSVP_Opt_Parse(void *target, void *table);
 
+#pragma GCC visibility pop
 #ifdef __cplusplus
 }
 #endif

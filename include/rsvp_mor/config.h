@@ -20,6 +20,7 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+#pragma GCC visibility push(default)
 
 /** Bytes of an authentication key. A shorter key is the caller's to pad. */
 #define RSVP_MOR_AUTH_KEY_SIZE 68
@@ -358,6 +359,7 @@ uint32_t RSVP_MOR_GetRsvpDebug(int32_t fd, RSVP_MOR_DebugInfo *info);
  */
 uint32_t RSVP_MOR_ResetStatistics(int32_t fd, const RSVP_MOR_StatisticsKey *key);
 
+#pragma GCC visibility pop
 #ifdef __cplusplus
 }
 #endif

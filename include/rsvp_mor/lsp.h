@@ -18,6 +18,7 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+#pragma GCC visibility push(default)
 
 /* ---- Lists ---------------------------------------------------------------------------------------------------- */
 
@@ -475,6 +476,7 @@ uint32_t RSVP_MOR_GetNextCrlsp(int32_t fd, const RSVP_MOR_CrlspKey *key, RSVP_MO
  */
 void RSVP_MOR_FreeReplyCrlsp(RSVP_MOR_ReplyCrlsp *record);
 
+#pragma GCC visibility pop
 #ifdef __cplusplus
 }
 #endif

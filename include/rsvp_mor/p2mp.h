@@ -18,6 +18,7 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+#pragma GCC visibility push(default)
 
 /* ---- What path and reservation state share -------------------------------------------------------------------- */
 
@@ -273,6 +274,7 @@ void rsvp_mor_FreeP2mpRro(RSVP_MOR_P2mpRro *node);
  */
 void rsvp_mor_FreeP2mpReplySubLsp(RSVP_MOR_P2mpReplySubLsp *node);
 
+#pragma GCC visibility pop
 #ifdef __cplusplus
 }
 #endif

@@ -16,6 +16,7 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+#pragma GCC visibility push(default)
 
 /* ---- The daemon as a whole ------------------------------------------------------------------------------------ */
 
@@ -354,6 +355,7 @@ uint32_t RSVP_MOR_GetFirstExtArHop(RSVP_MOR_ReplyExtArHop *out);
  */
 uint32_t RSVP_MOR_GetNextExtArHop(uint32_t hopListIndex, uint32_t hopIndex, RSVP_MOR_ReplyExtArHop *out);
 
+#pragma GCC visibility pop
 #ifdef __cplusplus
 }
 #endif

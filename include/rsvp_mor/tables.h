@@ -16,6 +16,7 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+#pragma GCC visibility push(default)
 
 /* ---- Tunnels -------------------------------------------------------------------------------------------------- */
 
@@ -198,6 +199,7 @@ uint32_t RSVP_GetFirstResource(RSVP_MOR_ReplyResource *record);
  */
 uint32_t RSVP_GetNextResource(RSVP_MOR_ReplyResource *record);
 
+#pragma GCC visibility pop
 #ifdef __cplusplus
 }
 #endif
