@@ -1,0 +1,145 @@
+#!/usr/bin/env bash
+# The one command of this project: installs what is missing, builds, runs the demo, the tests and the proofs.
+set -euo pipefail
+cd "$(dirname "$0")"
+
+usage() {
+  cat <<'TEXT'
+Usage: ./build.sh VERB
+
+  build            build for this machine, into build/host
+  demo             build, then show the main job: enable, configure, read, disable
+  test             build and test for this machine, with sanitizers, and for 32-bit ARM under an emulator
+  arm              build and test for 32-bit ARM alone
+  big-endian       build and test for a big-endian processor (s390x) under an emulator
+  threads          build with the thread sanitizer and run the tests of many threads
+  memory           run the tests once under valgrind
+  check            warnings of clang, clang-tidy, cppcheck, format
+  bench            measure the library against plain system calls; writes build/bench.json
+  fuzz [SECONDS]   run each fuzz harness (60 seconds each if not told otherwise)
+  soak [SECONDS]   many programs against a daemon that misbehaves (60 seconds if not told otherwise)
+  docs             make the HTML reference and docs/protocol.md
+  package          make the Debian packages, into build/packages
+  clean            remove everything that was built
+  help             this text
+TEXT
+}
+
+say() {
+  printf '== %s\n' "$*"
+}
+
+# Installs the packages of Debian that are named and missing.
+need() {
+  local missing=()
+  for package in "$@"; do
+    dpkg-query -W -f '${Status}\n' "$package" 2>/dev/null | grep -q '^install ok installed$' || missing+=("$package")
+  done
+  if [ ${#missing[@]} -eq 0 ]; then
+    return
+  fi
+  local as_root=()
+  if [ "$(id -u)" -ne 0 ]; then
+    if ! command -v sudo >/dev/null || ! sudo -n true 2>/dev/null; then
+      printf 'These packages are missing and may not be installed from here. As root, run:\n  apt-get install %s\n' \
+        "${missing[*]}" >&2
+      exit 1
+    fi
+    as_root=(sudo -n)
+  fi
+  say "installing ${missing[*]}"
+  if ! { quietly "${as_root[@]}" apt-get -q update &&
+    DEBIAN_FRONTEND=noninteractive quietly "${as_root[@]}" apt-get -q -y install --no-install-recommends "${missing[@]}"; }; then
+    printf 'The packages could not be installed: %s\n' "${missing[*]}" >&2
+    exit 1
+  fi
+}
+
+need_host() {
+  need g++ cmake make binutils libcli11-dev libfmt-dev nlohmann-json3-dev libtomlplusplus-dev
+}
+
+need_tests() {
+  need_host
+  need googletest
+}
+
+# Runs a command and shows what it printed only if it fails.
+quietly() {
+  local log
+  log=$(mktemp)
+  if ! "$@" >"$log" 2>&1; then
+    cat "$log" >&2
+    rm -f "$log"
+    return 1
+  fi
+  rm -f "$log"
+}
+
+# Configures and builds a preset; further arguments go to the configuration.
+build_preset() {
+  local preset=$1
+  shift
+  say "building $preset, into build/$preset"
+  quietly cmake --preset "$preset" "$@"
+  quietly cmake --build "build/$preset" --parallel "$(nproc)"
+}
+
+test_preset() {
+  local preset=$1
+  shift
+  say "testing $preset"
+  ctest --test-dir "build/$preset" --output-on-failure --parallel "$(nproc)" --no-tests=error "$@"
+}
+
+build_and_test() {
+  build_preset "$1"
+  test_preset "$@"
+}
+
+need_arm() {
+  need_tests
+  need g++-arm-linux-gnueabihf qemu-user
+}
+
+verb=${1:-help}
+[ $# -eq 0 ] || shift
+case $verb in
+build)
+  need_host
+  build_preset host -DRSVP_MOR_TESTS=OFF
+  ;;
+demo)
+  need_host
+  build_preset host -DRSVP_MOR_TESTS=OFF
+  examples/demo.sh build/host
+  ;;
+test)
+  need_arm
+  need_documents
+  build_and_test host
+  build_and_test sanitize
+  build_and_test arm
+  ;;
+arm)
+  need_arm
+  build_and_test arm
+  ;;
+big-endian)
+  need_tests
+  need g++-s390x-linux-gnu qemu-user
+  build_and_test s390x
+  ;;
+clean)
+  say "removing build/"
+  rm -rf build
+  ;;
+help | --help | -h)
+  usage
+  ;;
+*)
+  printf 'build.sh: there is no verb "%s"\n\n' "$verb" >&2
+  usage >&2
+  exit 2
+  ;;
+esac
