@@ -15,23 +15,26 @@ namespace {
 struct KindName {
     std::string_view name;
     FaultKind kind;
-    bool needs_number;
+    std::uint32_t most = 0; // the largest number it takes; 0: it takes none
+    bool needs_number = false;
 };
 
+constexpr std::uint32_t kAnHour = 3'600'000; // milliseconds
+
 constexpr std::array kKindNames{
-    KindName{"late", FaultKind::kLate, true},
-    KindName{"silent", FaultKind::kSilent, false},
-    KindName{"short", FaultKind::kShort, false},
-    KindName{"long", FaultKind::kLong, false},
-    KindName{"wrong-body-length", FaultKind::kWrongBodyLength, false},
-    KindName{"cut-item", FaultKind::kCutItem, false},
-    KindName{"status", FaultKind::kStatus, true},
-    KindName{"item-type", FaultKind::kItemType, true},
-    KindName{"twice", FaultKind::kTwice, false},
-    KindName{"stuck", FaultKind::kStuck, false},
-    KindName{"shifting", FaultKind::kShifting, false},
-    KindName{"close", FaultKind::kClose, false},
-    KindName{"exit", FaultKind::kExit, false},
+    KindName{"late", FaultKind::kLate, kAnHour, true},
+    KindName{"silent", FaultKind::kSilent},
+    KindName{"short", FaultKind::kShort, RSVP_MOR_MSG_MAX},
+    KindName{"long", FaultKind::kLong, RSVP_MOR_MSG_MAX},
+    KindName{"wrong-body-length", FaultKind::kWrongBodyLength},
+    KindName{"cut-item", FaultKind::kCutItem},
+    KindName{"status", FaultKind::kStatus, 0xFFFFFFFF, true},
+    KindName{"item-type", FaultKind::kItemType, 0xFFFF, true},
+    KindName{"twice", FaultKind::kTwice},
+    KindName{"stuck", FaultKind::kStuck},
+    KindName{"shifting", FaultKind::kShifting},
+    KindName{"close", FaultKind::kClose},
+    KindName{"exit", FaultKind::kExit},
 };
 
 constexpr std::size_t kDefaultCut = 4;
@@ -89,7 +92,7 @@ Fault ParseFault(std::string_view text)
             throw std::invalid_argument(fmt::format("{} needs a number, as in {}=200", key, key));
         fault.kind = named->kind;
         if (!number.empty())
-            fault.number = ParseNumber(key, number, fault.kind == FaultKind::kStatus ? 0xFFFFFFFF : 0xFFFF);
+            fault.number = ParseNumber(key, number, named->most);
         has_kind = true;
     }
     return fault;

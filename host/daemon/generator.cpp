@@ -106,6 +106,11 @@ EncodedRow MakeVariant(const RowKind &kind, std::size_t variant, bool plain)
         const std::string prefix = part.prefix.empty() ? "" : std::string(part.prefix) + ".";
         block.fields.merge(FillFields(LayoutNamed(part.layout), prefix, variant));
     }
+    // A row is found by its number: the rest of the key is the same in all of them.
+    for (const std::string_view key : kind.key_fields)
+        for (auto &[name, value] : FillFields(LayoutNamed(kind.parts.front().layout), "", 0))
+            if (name == key || name.starts_with(fmt::format("{}.", key)))
+                block.fields.insert_or_assign(name, value);
     if (!plain)
         FillLists(block, kind.lists, variant);
     return EncodeRow(kind, block);
