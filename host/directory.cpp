@@ -1,0 +1,115 @@
+// Says where the device's files lie and whether they can be trusted. The daemon and the stand-in for the platform
+// link the same object, so that a directory which one of them accepts is never refused by the other.
+#include "host/directory.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <sys/auxv.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace rsvp_host {
+
+namespace {
+
+// "directory/" would be looked up through a link, and the check for links would then pass.
+std::string_view WithoutTrailingSlashes(std::string_view path)
+{
+    while (path.size() > 1 && path.back() == '/')
+        path.remove_suffix(1);
+    return path;
+}
+
+std::string Sentence(const std::string &path, const std::string &problem, const char *advice)
+{
+    return "host directory " + path + " " + problem + "; " + advice;
+}
+
+std::string Create(const std::string &path)
+{
+    if (mkdir(path.c_str(), 0700) == 0 || errno == EEXIST)
+        return {};
+    return Sentence(path, std::string("cannot be created: ") + std::strerror(errno),
+                    "set RSVP_HOST_DIR to a directory that can");
+}
+
+} // namespace
+
+std::size_t WriteDirectoryPath(char *path, std::size_t size)
+{
+    const char *chosen = std::getenv("RSVP_HOST_DIR");
+    const char *runtime = std::getenv("XDG_RUNTIME_DIR");
+    int length;
+    if (chosen != nullptr && *chosen != '\0') {
+        const std::string_view text = WithoutTrailingSlashes(chosen);
+        length = std::snprintf(path, size, "%.*s", static_cast<int>(text.size()), text.data());
+    } else if (runtime != nullptr && *runtime != '\0') {
+        length = std::snprintf(path, size, "%s/rsvp-host", runtime);
+    } else {
+        // The user that the program started as, known without a system call: this stands on the path of a connect.
+        length = std::snprintf(path, size, "/tmp/rsvp-host-%lu", getauxval(AT_EUID));
+    }
+    return static_cast<std::size_t>(length);
+}
+
+std::string DirectoryPath(std::string_view chosen)
+{
+    if (!chosen.empty())
+        return std::string(WithoutTrailingSlashes(chosen));
+    std::string path(WriteDirectoryPath(nullptr, 0), '\0');
+    WriteDirectoryPath(path.data(), path.size() + 1);
+    return path;
+}
+
+int CheckDirectory(const char *path)
+{
+    struct stat found;
+    if (lstat(path, &found) != 0)
+        return errno;
+    const bool private_to_us = S_ISDIR(found.st_mode) && found.st_uid == geteuid() && (found.st_mode & 077) == 0;
+    return private_to_us ? 0 : EACCES;
+}
+
+std::string PrepareDirectory(const std::string &path)
+{
+    if (path.size() >= kDirectoryRoom)
+        return Sentence(
+            path, "has too long a path for a socket",
+            ("set RSVP_HOST_DIR to one of at most " + std::to_string(kDirectoryRoom - 1) + " bytes").c_str());
+    if (std::string problem = Create(path); !problem.empty())
+        return problem;
+    const int error = CheckDirectory(path.c_str());
+    if (error == EACCES)
+        return Sentence(path, "is a link, no directory, another user's or open to others",
+                        "remove it, or set RSVP_HOST_DIR to a directory of your own with mode 0700");
+    if (error != 0)
+        return Sentence(path, std::string("cannot be used: ") + std::strerror(error), "set RSVP_HOST_DIR");
+    for (const char *folder : {"/service", "/etc"})
+        if (std::string problem = Create(path + folder); !problem.empty())
+            return problem;
+    return {};
+}
+
+std::string SocketPath(const std::string &directory)
+{
+    return directory + "/lipc-0ae18000";
+}
+
+std::string LockPath(const std::string &directory)
+{
+    return directory + "/rsvpsimd.lock";
+}
+
+std::string ScenarioPath(const std::string &directory)
+{
+    return directory + "/scenario.toml";
+}
+
+std::string LogPath(const std::string &directory)
+{
+    return directory + "/rsvpsimd.log";
+}
+
+} // namespace rsvp_host

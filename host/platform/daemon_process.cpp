@@ -1,0 +1,284 @@
+// The daemon's lock file is the only truth about whether it lives: the kernel lets go of the lock however the daemon
+// ends, so nothing here can become stale. Its content, the pid, says whom to signal, and counts only while locked.
+#include "host/platform/daemon_process.h"
+#include "host/directory.h"
+#include "host/platform/files.h"
+
+#include <cerrno>
+#include <charconv>
+#include <chrono>
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <filesystem>
+#include <poll.h>
+#include <sstream>
+#include <sys/file.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <system_error>
+#include <vector>
+
+namespace rsvp_host {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+constexpr milliseconds kStartPatience{5000};
+constexpr milliseconds kTermPatience{3000};
+constexpr milliseconds kKillPatience{2000};
+constexpr int kPauseMilliseconds = 10;
+
+// A process that is not this one's child, known by a descriptor where the system has them: a number can come to mean
+// another process, a descriptor cannot.
+class Process {
+public:
+    explicit Process(pid_t pid) : pid_(pid), fd_(static_cast<int>(syscall(SYS_pidfd_open, pid, 0))) {}
+
+    // Waits a moment, or less if the process ends.
+    bool EndsWithinPause() const
+    {
+        pollfd watch{fd_.Get(), POLLIN, 0};
+        const bool ready = poll(&watch, 1, kPauseMilliseconds) > 0;
+        return fd_.Get() >= 0 ? ready : kill(pid_, 0) != 0 && errno == ESRCH;
+    }
+
+    bool Signal(int number) const
+    {
+        if (fd_.Get() >= 0)
+            return syscall(SYS_pidfd_send_signal, fd_.Get(), number, nullptr, 0) == 0;
+        return kill(pid_, number) == 0;
+    }
+
+private:
+    pid_t pid_;
+    Descriptor fd_;
+};
+
+bool Answers(const std::string &directory)
+{
+    const std::string path = SocketPath(directory);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    path.copy(address.sun_path, sizeof(address.sun_path) - 1);
+    const Descriptor probe(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    return probe.Get() >= 0 &&
+           connect(probe.Get(), reinterpret_cast<const sockaddr *>(&address), sizeof(address)) == 0;
+}
+
+bool Runs(const std::string &program)
+{
+    return access(program.c_str(), X_OK) == 0;
+}
+
+// $RSVP_SIMD, else beside this library, else in the bin folder next to the library's, else on the PATH.
+std::string FindProgram()
+{
+    if (const char *chosen = std::getenv("RSVP_SIMD"); chosen != nullptr && *chosen != '\0')
+        return Runs(chosen) ? chosen : "";
+    std::vector<std::filesystem::path> folders;
+    Dl_info self;
+    if (dladdr(reinterpret_cast<const void *>(&StartDaemon), &self) != 0 && self.dli_fname != nullptr) {
+        const auto library = std::filesystem::path(self.dli_fname).parent_path();
+        folders = {library, library / "../bin"};
+    }
+    if (const char *path = std::getenv("PATH"); path != nullptr) {
+        std::istringstream parts(path);
+        for (std::string folder; std::getline(parts, folder, ':');)
+            folders.emplace_back(folder);
+    }
+    for (const auto &folder : folders)
+        if (const std::string program = (folder / "rsvpsimd").string(); Runs(program))
+            return program;
+    return {};
+}
+
+std::vector<std::string> CommandLine(const std::string &program, const std::string &directory)
+{
+    std::vector<std::string> words;
+    if (const char *runner = std::getenv("RSVP_HOST_RUNNER"); runner != nullptr) {
+        std::istringstream parts(runner);
+        for (std::string word; parts >> word;)
+            words.push_back(word);
+    }
+    words.insert(words.end(), {program, "--host-dir", directory});
+    if (const std::string scenario = ScenarioPath(directory); access(scenario.c_str(), F_OK) == 0)
+        words.insert(words.end(), {"--scenario", scenario});
+    return words;
+}
+
+void CloseAllOnExec(int first)
+{
+    constexpr unsigned kOnExec = 4; // CLOSE_RANGE_CLOEXEC, which older headers lack
+    if (syscall(SYS_close_range, first, ~0U, kOnExec) == 0)
+        return;
+    rlimit limit{};
+    getrlimit(RLIMIT_NOFILE, &limit);
+    for (int fd = first; static_cast<rlim_t>(fd) < limit.rlim_cur; ++fd)
+        fcntl(fd, F_SETFD, FD_CLOEXEC);
+}
+
+// Runs in a child that may come from a program of many threads: system calls only. Signals that the caller blocks or
+// ignores would stay so in the daemon, and it could not be stopped.
+[[noreturn]] void BecomeDaemon(char *const *arguments, int input, int log)
+{
+    for (int number = 1; number < NSIG; ++number)
+        signal(number, SIG_DFL);
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+    dup2(input, STDIN_FILENO);
+    dup2(log, STDOUT_FILENO);
+    dup2(log, STDERR_FILENO);
+    CloseAllOnExec(STDERR_FILENO + 1);
+    execvp(arguments[0], arguments);
+    constexpr char kSentence[] = "rsvp_host: the command line of rsvpsimd cannot be executed\n";
+    const bool told = write(STDERR_FILENO, kSentence, sizeof(kSentence) - 1) > 0;
+    _exit(told ? 127 : 126);
+}
+
+// Opened above the standard descriptors, which the caller may have closed and BecomeDaemon replaces.
+Descriptor OpenHigh(const char *path, int flags)
+{
+    const Descriptor low(open(path, flags | O_CLOEXEC, 0600));
+    return Descriptor(fcntl(low.Get(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
+}
+
+// The daemon is the child of a child that ends at once, so the caller never has it to reap; its number comes back
+// through a pipe. Returns 0 with errno where a step failed.
+pid_t Launch(const std::vector<std::string> &words, const std::string &log_path)
+{
+    std::vector<char *> arguments;
+    for (const std::string &word : words)
+        arguments.push_back(const_cast<char *>(word.c_str()));
+    arguments.push_back(nullptr);
+    const Descriptor input = OpenHigh("/dev/null", O_RDONLY);
+    const Descriptor log = OpenHigh(log_path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW);
+    int ends[2];
+    if (input.Get() < 0 || log.Get() < 0 || pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0)
+        return 0;
+    const Descriptor from(ends[0]);
+    const Descriptor to(ends[1]);
+    const pid_t child = fork();
+    if (child < 0)
+        return 0;
+    if (child == 0) {
+        setsid();
+        const pid_t daemon = fork();
+        if (daemon == 0)
+            BecomeDaemon(arguments.data(), input.Get(), log.Get());
+        _exit(daemon > 0 && write(to.Get(), &daemon, sizeof(daemon)) == sizeof(daemon) ? 0 : 1);
+    }
+    // A caller that ignores SIGCHLD has no child to wait for; the pipe alone says how it went.
+    while (waitpid(child, nullptr, 0) < 0 && errno == EINTR)
+        ;
+    pid_t daemon = 0;
+    if (read(from.Get(), &daemon, sizeof(daemon)) == sizeof(daemon))
+        return daemon;
+    errno = EAGAIN;
+    return 0;
+}
+
+std::string WaitForAnswer(const std::string &directory, const Process &process)
+{
+    const std::string where = "; see " + LogPath(directory);
+    const auto deadline = Clock::now() + kStartPatience;
+    while (!DaemonIsUp(directory.c_str()) || !Answers(directory)) {
+        // One that somebody starts by hand at this moment may have been faster; then that one is waited for.
+        if (process.EndsWithinPause() && LivingDaemon(directory.c_str()) == 0)
+            return "rsvpsimd ended before it answered" + where;
+        if (Clock::now() >= deadline)
+            return "rsvpsimd did not answer within " + std::to_string(kStartPatience.count() / 1000) + " seconds" +
+                   where;
+    }
+    return {};
+}
+
+bool WaitForEnd(const std::string &directory, const Process &process, milliseconds patience)
+{
+    const auto deadline = Clock::now() + patience;
+    while (LivingDaemon(directory.c_str()) != 0) {
+        if (Clock::now() >= deadline)
+            return false;
+        process.EndsWithinPause();
+    }
+    return true;
+}
+
+} // namespace
+
+pid_t LivingDaemon(const char *directory)
+{
+    char path[kDirectoryRoom + sizeof("/rsvpsimd.lock")];
+    std::snprintf(path, sizeof(path), "%s/rsvpsimd.lock", directory);
+    const Descriptor lock(open(path, O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    char text[16];
+    const ssize_t length = lock.Get() < 0 ? 0 : read(lock.Get(), text, sizeof(text));
+    pid_t pid = 0;
+    if (length > 0)
+        std::from_chars(text, text + length, pid);
+    // A process that is gone is dead without a look at the lock: to try the lock is to hold it for a moment, and a
+    // daemon that starts in this moment would take it for another daemon's.
+    if (pid <= 1 || (kill(pid, 0) != 0 && errno == ESRCH))
+        return 0;
+    if (flock(lock.Get(), LOCK_SH | LOCK_NB) == 0) {
+        flock(lock.Get(), LOCK_UN); // a child forked by another thread would keep it otherwise
+        return 0;
+    }
+    return errno == EWOULDBLOCK ? pid : 0;
+}
+
+bool DaemonIsUp(const char *directory)
+{
+    char path[kDirectoryRoom + sizeof("/lipc-0ae18000")];
+    std::snprintf(path, sizeof(path), "%s/lipc-0ae18000", directory);
+    return access(path, F_OK) == 0 && LivingDaemon(directory) != 0;
+}
+
+std::string StartDaemon(const std::string &directory)
+{
+    if (const pid_t living = LivingDaemon(directory.c_str()); living != 0)
+        return WaitForAnswer(directory, Process(living));
+    // What a daemon that crashed left behind would make the new one look ready before it is.
+    unlink(SocketPath(directory).c_str());
+    const std::string program = FindProgram();
+    if (program.empty())
+        return "no program rsvpsimd can be found; set RSVP_SIMD to its path";
+    const pid_t pid = Launch(CommandLine(program, directory), LogPath(directory));
+    if (pid == 0)
+        return "rsvpsimd cannot be started with the log " + LogPath(directory) + ": " + std::strerror(errno);
+    const Process process(pid);
+    std::string problem = WaitForAnswer(directory, process);
+    // A start that failed must not succeed behind the caller's back later.
+    if (!problem.empty() && !process.EndsWithinPause() && !process.Signal(SIGKILL))
+        problem += "; it cannot be ended either";
+    return problem;
+}
+
+std::string StopDaemon(const std::string &directory)
+{
+    const pid_t pid = LivingDaemon(directory.c_str());
+    if (pid == 0)
+        return {};
+    const Process process(pid);
+    // Only now is it sure that the descriptor is the daemon's and not that of a process which got its number.
+    if (LivingDaemon(directory.c_str()) != pid)
+        return {};
+    for (const auto &[number, patience] : {std::pair(SIGTERM, kTermPatience), std::pair(SIGKILL, kKillPatience)}) {
+        process.Signal(number);
+        if (WaitForEnd(directory, process, patience))
+            return {};
+    }
+    return "rsvpsimd, process " + std::to_string(pid) + ", cannot be ended";
+}
+
+} // namespace rsvp_host

@@ -1,0 +1,172 @@
+// The nodes of the device are a text file that a developer edits. A file that cannot be understood is refused as a
+// whole, so that no call ever acts on half of it.
+#include "platform/device.h"
+#include "host/platform/checked_directory.h"
+#include "host/platform/files.h"
+#include "host/platform/nodes.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <charconv>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <unistd.h>
+
+namespace rsvp_host {
+
+namespace {
+
+constexpr std::string_view kDefaultNodes = R"(# The nodes of the device.
+#
+#   master N       exactly once: the node that is the system master
+#   standby N ...  any number of lines and nodes, none too: the nodes that stand by (64 at most)
+#
+# A node is a number from 1 to 65535 and stands here once. '#' begins a comment. Changes count at once.
+master 1
+standby 2 3
+)";
+
+constexpr std::string_view kBlanks = " \t\r";
+
+std::string_view CutOff(std::string_view &text, std::string_view ends)
+{
+    const std::string_view part = text.substr(0, text.find_first_of(ends));
+    text.remove_prefix(std::min(part.size() + 1, text.size()));
+    return part;
+}
+
+bool Named(const Nodes &nodes, std::uint16_t node)
+{
+    const auto *end = nodes.standby + nodes.standby_count;
+    return node == nodes.master || std::find(nodes.standby, end, node) != end;
+}
+
+const char *AddNode(std::string_view keyword, std::string_view word, Nodes &nodes)
+{
+    std::uint16_t node = 0;
+    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), node);
+    if (error != std::errc() || end != word.data() + word.size() || node == 0)
+        return "has a node that is no number from 1 to 65535";
+    if (Named(nodes, node))
+        return "names a node twice";
+    if (keyword == "master") {
+        if (nodes.master != 0)
+            return "names a second master";
+        nodes.master = node;
+        return nullptr;
+    }
+    if (nodes.standby_count == std::size(nodes.standby))
+        return "has more than 64 standby nodes";
+    nodes.standby[nodes.standby_count++] = node;
+    return nullptr;
+}
+
+const char *ParseLine(std::string_view line, Nodes &nodes)
+{
+    line = line.substr(0, line.find('#'));
+    std::string_view keyword;
+    while (!line.empty()) {
+        const std::string_view word = CutOff(line, kBlanks);
+        if (word.empty())
+            continue;
+        if (keyword.empty()) {
+            if (word != "master" && word != "standby")
+                return "has a line that begins with neither \"master\" nor \"standby\"";
+            keyword = word;
+        } else if (const char *problem = AddNode(keyword, word, nodes); problem != nullptr) {
+            return problem;
+        }
+    }
+    return nullptr;
+}
+
+// The directory and the file come to be at the first question about the device. Returns null or a sentence.
+std::string PrepareNodes(Nodes &nodes)
+{
+    const std::string directory = DirectoryPath();
+    if (std::string problem = PrepareDirectory(directory); !problem.empty())
+        return problem;
+    const std::string file = directory + "/nodes";
+    if (access(file.c_str(), F_OK) != 0 && errno == ENOENT) {
+        if (const int error = ReplaceFile(file.c_str(), kDefaultNodes); error != 0)
+            return file + " cannot be created: " + std::strerror(error);
+    }
+    if (const char *problem = ReadNodes(directory.c_str(), nodes); problem != nullptr)
+        return file + " " + problem;
+    return {};
+}
+
+// The fast road of every later question: no heap, and nothing is created.
+bool NodesAtHand(Nodes &nodes)
+{
+    char directory[kDirectoryRoom];
+    char file[kDirectoryRoom + sizeof("/nodes")];
+    if (FindDirectory(directory) != 0)
+        return false;
+    std::snprintf(file, sizeof(file), "%s/nodes", directory);
+    return access(file, F_OK) == 0 && ReadNodes(directory, nodes) == nullptr;
+}
+
+std::string FindNodes(Nodes &nodes)
+{
+    return NodesAtHand(nodes) ? std::string() : PrepareNodes(nodes);
+}
+
+} // namespace
+
+const char *ReadNodes(const char *directory, Nodes &nodes)
+{
+    nodes = {};
+    char path[kDirectoryRoom + sizeof("/nodes")];
+    std::snprintf(path, sizeof(path), "%s/nodes", directory);
+    char content[4096];
+    const int length = ReadFile(path, content, sizeof(content));
+    if (length < 0 && length != -ENOENT)
+        return "cannot be read";
+    if (length == sizeof(content))
+        return "has 4096 bytes or more";
+    std::string_view text = length < 0 ? kDefaultNodes : std::string_view(content, static_cast<std::size_t>(length));
+    while (!text.empty())
+        if (const char *problem = ParseLine(CutOff(text, "\n"), nodes); problem != nullptr)
+            return problem;
+    return nodes.master != 0 ? nullptr : "names no master";
+}
+
+} // namespace rsvp_host
+
+extern "C" {
+
+// A device that cannot be read has the master 0, which no node is: whatever is asked of it fails. As the caller
+// cannot tell, one sentence says why, once, since management programs ask again and again.
+std::uint32_t DEV_GetSystemMaster(void)
+{
+    static std::atomic_flag told = ATOMIC_FLAG_INIT;
+    rsvp_host::Nodes nodes;
+    const std::string problem = rsvp_host::FindNodes(nodes);
+    if (problem.empty())
+        return nodes.master;
+    if (!told.test_and_set())
+        std::fprintf(stderr, "rsvp_host: %s\n", problem.c_str());
+    return 0;
+}
+
+std::uint16_t *DEV_GetAllStandbyNodes(std::uint32_t *count)
+{
+    rsvp_host::Nodes nodes;
+    if (count == nullptr || !rsvp_host::FindNodes(nodes).empty())
+        return nullptr;
+    // A device without standby nodes still has a list, an empty one.
+    auto *list = static_cast<std::uint16_t *>(std::malloc(sizeof(nodes.standby)));
+    if (list == nullptr)
+        return nullptr;
+    std::copy_n(nodes.standby, nodes.standby_count, list);
+    *count = nodes.standby_count;
+    return list;
+}
+
+} // extern "C"

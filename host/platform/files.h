@@ -1,0 +1,34 @@
+// Small whole files, as the device's state consists of nothing else, and a descriptor that closes itself.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+#include <unistd.h>
+#include <utility>
+
+namespace rsvp_host {
+
+class Descriptor {
+public:
+    explicit Descriptor(int fd) : fd_(fd) {}
+    Descriptor(Descriptor &&other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
+    Descriptor &operator=(Descriptor &&) = delete;
+    ~Descriptor()
+    {
+        if (fd_ >= 0)
+            close(fd_);
+    }
+    int Get() const { return fd_; }
+
+private:
+    int fd_;
+};
+
+// Bytes read, `room` where the file may be longer, or the error number made negative. No heap.
+int ReadFile(const char *path, char *content, std::size_t room);
+
+// Puts a new file in the place of an old one, so that a reader sees the one or the other and never half of it.
+// Returns 0 or the error number.
+int ReplaceFile(const char *path, std::string_view content);
+
+} // namespace rsvp_host

@@ -1,0 +1,81 @@
+// The router's private socket family on a machine that has none: the library's own socket calls are led here at link
+// time, and family 37 becomes a local socket whose file lies in the host directory. One message per send and per
+// recv is what SOCK_SEQPACKET gives, together with an error where the other side is gone.
+#include "host/platform/checked_directory.h"
+
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <sys/un.h>
+
+namespace {
+
+constexpr int kFamily = 37;
+constexpr int kDatagram = 2;
+constexpr int kProtocol = 1;
+constexpr int kSocketLevel = 1;
+constexpr int kSendTimeout = 0x1005;
+constexpr int kReceiveTimeout = 0x1006;
+constexpr std::size_t kAddressLength = 16;
+
+} // namespace
+
+extern "C" {
+
+int __wrap_socket(int family, int type, int protocol);
+int __wrap_setsockopt(int fd, int level, int option, const void *value, socklen_t length);
+int __wrap_connect(int fd, const sockaddr *address, socklen_t length);
+ssize_t __wrap_send(int fd, const void *data, size_t length, int flags);
+
+int __wrap_socket(int family, int type, int protocol)
+{
+    if (family != kFamily || type != kDatagram || protocol != kProtocol)
+        return socket(family, type, protocol);
+    return socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0);
+}
+
+// No other family of this system has these two option numbers, so the descriptor need not be asked for its own.
+int __wrap_setsockopt(int fd, int level, int option, const void *value, socklen_t length)
+{
+    std::uint32_t words[2];
+    const bool timeout = option == kSendTimeout || option == kReceiveTimeout;
+    if (level != kSocketLevel || !timeout || value == nullptr || length != sizeof(words))
+        return setsockopt(fd, level, option, value, length);
+    std::memcpy(words, value, sizeof(words));
+    timeval time{};
+    time.tv_sec = static_cast<decltype(time.tv_sec)>(words[0]);
+    time.tv_usec = static_cast<decltype(time.tv_usec)>(words[1]);
+    return setsockopt(fd, SOL_SOCKET, option == kSendTimeout ? SO_SNDTIMEO : SO_RCVTIMEO, &time, sizeof(time));
+}
+
+// The family's address begins with a byte of length and a byte of family. Read as this system's family number, these
+// two give one that does not exist, in either byte order, so no other address is taken for one.
+int __wrap_connect(int fd, const sockaddr *address, socklen_t length)
+{
+    unsigned char bytes[kAddressLength] = {};
+    if (address != nullptr && length == sizeof(bytes))
+        std::memcpy(bytes, address, sizeof(bytes));
+    if (bytes[0] != kAddressLength || bytes[1] != kFamily)
+        return connect(fd, address, length);
+    char directory[rsvp_host::kDirectoryRoom];
+    if (const int error = rsvp_host::FindDirectory(directory); error != 0) {
+        errno = error;
+        return -1;
+    }
+    sockaddr_un file{};
+    file.sun_family = AF_UNIX;
+    std::snprintf(file.sun_path, sizeof(file.sun_path), "%s/lipc-%02x%02x%02x%02x", directory, bytes[2], bytes[3],
+                  bytes[4], bytes[5]);
+    return connect(fd, reinterpret_cast<const sockaddr *>(&file), sizeof(file));
+}
+
+// A datagram family never raises SIGPIPE, and a management program must not die when the daemon does.
+ssize_t __wrap_send(int fd, const void *data, size_t length, int flags)
+{
+    return send(fd, data, length, flags | MSG_NOSIGNAL);
+}
+
+} // extern "C"

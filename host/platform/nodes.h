@@ -1,0 +1,18 @@
+// The nodes of the device as the file "nodes" names them, for every platform call that is given a node.
+#pragma once
+
+#include <cstdint>
+
+namespace rsvp_host {
+
+struct Nodes {
+    std::uint16_t master;
+    std::uint16_t standby[64];
+    std::uint32_t standby_count;
+};
+
+// Reads the file without use of the heap. Returns null, or what is wrong with the file, to stand behind its path in a
+// sentence. A file that is not there gives master 1 and standby nodes 2 and 3.
+const char *ReadNodes(const char *directory, Nodes &nodes);
+
+} // namespace rsvp_host

@@ -1,0 +1,190 @@
+// The service manager of the device. On the master the service is the daemon itself, so its status is read off the
+// living process; on a standby node it is a number in a file, since this machine has no other nodes to run it on.
+#include "host/platform/checked_directory.h"
+#include "host/platform/daemon_process.h"
+#include "host/platform/files.h"
+#include "host/platform/nodes.h"
+#include "platform/service.h"
+#include "rsvp_mor/status_codes.h"
+
+#include <cerrno>
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <string>
+#include <sys/file.h>
+#include <thread>
+
+namespace rsvp_host {
+
+namespace {
+
+// Longer than the slowest start or stop of another program.
+constexpr std::chrono::seconds kLockPatience{15};
+
+// Held while a service is started or stopped, so that two programs that enable at once start one daemon.
+class ManagerLock {
+public:
+    explicit ManagerLock(const std::string &directory)
+        : file_(open((directory + "/service/lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600)),
+          error_(Take())
+    {
+    }
+    ManagerLock(const ManagerLock &) = delete;
+    // Unlocked by name: a child forked by another thread shares the lock and may live on.
+    ~ManagerLock() { flock(file_.Get(), LOCK_UN); }
+    int Error() const { return error_; }
+
+private:
+    int Take() const
+    {
+        const auto deadline = std::chrono::steady_clock::now() + kLockPatience;
+        while (flock(file_.Get(), LOCK_EX | LOCK_NB) != 0) {
+            if (errno != EWOULDBLOCK || std::chrono::steady_clock::now() >= deadline)
+                return errno;
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+        return 0;
+    }
+
+    Descriptor file_;
+    int error_;
+};
+
+enum class Role { kUnknown, kMaster, kStandby };
+
+Role RoleOf(std::uint32_t node, const Nodes &nodes)
+{
+    if (node == nodes.master)
+        return Role::kMaster;
+    for (std::uint32_t i = 0; i < nodes.standby_count; ++i)
+        if (node == nodes.standby[i])
+            return Role::kStandby;
+    return Role::kUnknown;
+}
+
+bool IsOurs(const char *service)
+{
+    return service != nullptr && std::strcmp(service, "RSVP") == 0;
+}
+
+// A node where the service was never started is a node where it is stopped. Were it an error, the node would drop out
+// of the list of those to start and would never be started.
+bool ReadStandbyStatus(const char *directory, std::uint32_t node, std::uint32_t &status)
+{
+    char path[kDirectoryRoom + sizeof("/service/65535")];
+    std::snprintf(path, sizeof(path), "%s/service/%u", directory, static_cast<unsigned>(node & 0xffff));
+    char text[2];
+    const int length = ReadFile(path, text, sizeof(text));
+    if (length != -ENOENT && (length < 1 || text[0] < '0' || text[0] > '3'))
+        return false;
+    status = length < 0 ? 0 : static_cast<std::uint32_t>(text[0] - '0');
+    return true;
+}
+
+std::string Change(const std::string &directory, std::uint32_t node, bool start)
+{
+    Nodes nodes;
+    if (const char *problem = ReadNodes(directory.c_str(), nodes); problem != nullptr)
+        return directory + "/nodes " + problem;
+    const ManagerLock lock(directory);
+    if (lock.Error() != 0)
+        return directory + "/service/lock cannot be locked: " + std::strerror(lock.Error());
+    switch (RoleOf(node, nodes)) {
+    case Role::kMaster:
+        return start ? StartDaemon(directory) : StopDaemon(directory);
+    case Role::kStandby: {
+        const std::string file = directory + "/service/" + std::to_string(node);
+        const int error = ReplaceFile(file.c_str(), start ? "1\n" : "0\n");
+        return error == 0 ? "" : file + " cannot be written: " + std::strerror(error);
+    }
+    case Role::kUnknown:
+        break;
+    }
+    return "the device has no node " + std::to_string(node);
+}
+
+// Callers reduce every code to success or failure, or do not look at all, so the reason is told here.
+std::uint32_t ChangeService(std::uint32_t node, const char *service, bool start)
+{
+    if (!IsOurs(service))
+        return RSVP_MOR_ERR_FAIL;
+    const std::string directory = DirectoryPath();
+    std::string problem = PrepareDirectory(directory);
+    if (problem.empty())
+        problem = Change(directory, node, start);
+    if (problem.empty())
+        return 0;
+    std::fprintf(stderr, "rsvp_host: cannot %s RSVP on node %u: %s\n", start ? "start" : "stop",
+                 static_cast<unsigned>(node), problem.c_str());
+    return RSVP_MOR_ERR_FAIL;
+}
+
+// One node that fails does not keep the others from being served.
+std::uint32_t ChangeAll(const std::uint16_t *nodes, std::uint32_t count, const char *service, bool start)
+{
+    if (nodes == nullptr && count != 0)
+        return RSVP_MOR_ERR_FAIL;
+    std::uint32_t result = 0;
+    for (std::uint32_t i = 0; i < count; ++i)
+        if (ChangeService(nodes[i], service, start) != 0)
+            result = RSVP_MOR_ERR_FAIL;
+    return result;
+}
+
+} // namespace
+
+} // namespace rsvp_host
+
+extern "C" {
+
+// Asked before nearly every command: a few system calls, no heap. What the selector selects is all the same here.
+std::uint32_t SERVICE_GetStatus(std::uint32_t node, const char *service, std::int32_t, std::uint32_t *status)
+{
+    using namespace rsvp_host;
+    char directory[kDirectoryRoom];
+    Nodes nodes;
+    if (!IsOurs(service) || status == nullptr)
+        return RSVP_MOR_ERR_FAIL;
+    // Where there is no directory yet, nothing has been started.
+    if (const int error = FindDirectory(directory); error != 0 && error != ENOENT)
+        return RSVP_MOR_ERR_FAIL;
+    if (ReadNodes(directory, nodes) != nullptr)
+        return RSVP_MOR_ERR_FAIL;
+    switch (RoleOf(node, nodes)) {
+    case Role::kMaster:
+        *status = DaemonIsUp(directory) ? 1 : 0;
+        return 0;
+    case Role::kStandby:
+        return ReadStandbyStatus(directory, node, *status) ? 0 : RSVP_MOR_ERR_FAIL;
+    case Role::kUnknown:
+        break;
+    }
+    return RSVP_MOR_ERR_FAIL;
+}
+
+std::uint32_t SERVICE_Start(std::uint32_t node, const char *service, std::uint32_t, std::uint32_t)
+{
+    return rsvp_host::ChangeService(node, service, true);
+}
+
+std::uint32_t SERVICE_Stop(std::uint32_t node, const char *service, std::uint32_t, std::uint32_t)
+{
+    return rsvp_host::ChangeService(node, service, false);
+}
+
+std::uint32_t SERVICE_BatchStart(std::uint16_t *nodes, std::uint32_t count, const char *service, std::uint32_t,
+                                 std::uint32_t)
+{
+    return rsvp_host::ChangeAll(nodes, count, service, true);
+}
+
+std::uint32_t SERVICE_BatchStop(std::uint16_t *nodes, std::uint32_t count, const char *service, std::uint32_t,
+                                std::uint32_t)
+{
+    return rsvp_host::ChangeAll(nodes, count, service, false);
+}
+
+} // extern "C"
