@@ -7,13 +7,13 @@ namespace rsvpsimd {
 namespace {
 
 constexpr std::array kHopEntry{U8("kind", 0),
-                               Raw("kindTail", 1, 3),
+                               Raw("reserved0", 1, 3),
                                WhenKind(Ip("address", 4), 1),
                                UnlessKind(Raw("address", 4, 4), 1, 1),
                                WhenKind(U32("label", 8), 3),
                                UnlessKind(Raw("label", 8, 4), 3, 3),
-                               Raw("rest", 12, 24)};
-constexpr std::array kRouteEntry{Raw("head", 0, 4), U32("value", 4), Raw("tail", 8, 4)};
+                               Raw("reserved1", 12, 24)};
+constexpr std::array kRouteEntry{Raw("reserved0", 0, 4), U32("value", 4), Raw("reserved1", 8, 4)};
 constexpr std::array kFilterSpec{Object("filter", 0, kSender), U32("label", 8)};
 constexpr std::array kFlowDescriptor{Object("flowSpec", 0, kFlowSpec)};
 

@@ -47,7 +47,7 @@ inline constexpr std::array kAdspec{Raw("msgHeader", 0, 2),
                                     Objects("loadOverrides", 128, kAdspecParam, 8, 4)};
 
 inline constexpr std::array kLabelRequest{U8("kind", 0),
-                                          Raw("kindTail", 1, 3),
+                                          Raw("reserved0", 1, 3),
                                           U16("reserved", 4),
                                           U16("l3pid", 6),
                                           WhenKind(U16("minVpi", 8), 2),
@@ -58,15 +58,15 @@ inline constexpr std::array kLabelRequest{U8("kind", 0),
                                           WhenKind(U32("maxDlci", 12), 3),
                                           UnlessKind(Raw("rangeBytes", 8, 8), 2, 3)};
 inline constexpr std::array kSessionAttr{U8("kind", 0),
-                                         WhenKind(U32("excludeAny", 4), 1),
-                                         WhenKind(U32("includeAny", 8), 1),
-                                         WhenKind(U32("includeAll", 12), 1),
-                                         WhenKind(U8("setupPriority", 16), 1),
-                                         WhenKind(U8("holdingPriority", 17), 1),
-                                         WhenKind(U8("flags", 18), 1),
-                                         UnlessKind(U8("setupPriority", 4), 1, 1),
-                                         UnlessKind(U8("holdingPriority", 5), 1, 1),
-                                         UnlessKind(U8("flags", 6), 1, 1)};
+                                         WhenKind(U32("affinityForm.excludeAny", 4), 1),
+                                         WhenKind(U32("affinityForm.includeAny", 8), 1),
+                                         WhenKind(U32("affinityForm.includeAll", 12), 1),
+                                         WhenKind(U8("affinityForm.setupPriority", 16), 1),
+                                         WhenKind(U8("affinityForm.holdingPriority", 17), 1),
+                                         WhenKind(U8("affinityForm.flags", 18), 1),
+                                         UnlessKind(U8("shortForm.setupPriority", 4), 1, 1),
+                                         UnlessKind(U8("shortForm.holdingPriority", 5), 1, 1),
+                                         UnlessKind(U8("shortForm.flags", 6), 1, 1)};
 
 inline constexpr std::array kAuthGroup{U32("authWord", 0), Secret("authKey", 4, 68), U32("authLifeTime", 72),
                                        U16("authNumber", 76), Raw("authEndBytes", 78, 2)};
