@@ -1,0 +1,43 @@
+// What a command puts on the wire, for `batch --dry-run` and for the help: the daemon's own terms of class, operation
+// and items, so that a dry run can be laid beside the daemon's trace.
+#ifndef RSVPCTL_WIRE_H
+#define RSVPCTL_WIRE_H
+
+#include <cstdint>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace rsvpctl {
+
+struct WireItem {
+    uint16_t type;
+    std::vector<uint8_t> value;
+    bool secret = false; // its bytes are counted, never shown
+};
+
+struct WireRequest {
+    uint8_t messageClass;
+    uint8_t operation;
+    std::vector<WireItem> items;
+};
+
+/** The four bytes of an item with a 32-bit number. */
+std::vector<uint8_t> WordBytes(uint32_t number);
+/** A 16-bit number in front and two zero bytes. */
+std::vector<uint8_t> ShortBytes(uint16_t number);
+/** Two 16-bit numbers. */
+std::vector<uint8_t> PairBytes(uint16_t first, uint16_t second);
+/** A byte in front and three zero bytes. */
+std::vector<uint8_t> ByteBytes(uint8_t number);
+
+/** {"class":0,"op":0,"items":[{"type":15,"value":"001e0000"}]} */
+nlohmann::ordered_json ToJson(const WireRequest &request);
+
+/** "class 0 op 0 item 15 [4] 001e0000" */
+std::string ToText(const WireRequest &request);
+
+} // namespace rsvpctl
+
+#endif
