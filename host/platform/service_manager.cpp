@@ -27,9 +27,9 @@ constexpr std::chrono::seconds kLockPatience{15};
 // Held while a service is started or stopped, so that two programs that enable at once start one daemon.
 class ManagerLock {
 public:
-    explicit ManagerLock(const std::string &directory)
-        : file_(open((directory + "/service/lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600)),
-          error_(Take())
+    explicit ManagerLock(const std::string &path)
+        : file_(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600)),
+          error_(file_.Get() < 0 ? errno : Take())
     {
     }
     ManagerLock(const ManagerLock &) = delete;
@@ -89,9 +89,10 @@ std::string Change(const std::string &directory, std::uint32_t node, bool start)
     Nodes nodes;
     if (const char *problem = ReadNodes(directory.c_str(), nodes); problem != nullptr)
         return directory + "/nodes " + problem;
-    const ManagerLock lock(directory);
+    const std::string lock_path = directory + "/service/lock";
+    const ManagerLock lock(lock_path);
     if (lock.Error() != 0)
-        return directory + "/service/lock cannot be locked: " + std::strerror(lock.Error());
+        return lock_path + " cannot be locked: " + std::strerror(lock.Error());
     switch (RoleOf(node, nodes)) {
     case Role::kMaster:
         return start ? StartDaemon(directory) : StopDaemon(directory);
