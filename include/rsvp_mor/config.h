@@ -25,8 +25,9 @@ extern "C" {
 /** Bytes of an authentication key. A shorter key is the caller's to pad. */
 #define RSVP_MOR_AUTH_KEY_SIZE 68
 
-/** Debug types that bind a switch to one RSVP session; all others are for the whole daemon. */
+/** The first of two debug types that bind a switch to one RSVP session; all others are for the whole daemon. */
 #define RSVP_MOR_DEBUG_SESSION_A 16u
+/** The second. */
 #define RSVP_MOR_DEBUG_SESSION_B 64u
 
 /* ---- Enabling ---------------------------------------------------------------------------------------------- */

@@ -22,8 +22,9 @@ extern "C" {
 
 /* ---- Lists ---------------------------------------------------------------------------------------------------- */
 
-/** Values of RSVP_MOR_HopEntry.kind: the subobject types of RECORD_ROUTE (RFC 3209). */
-#define RSVP_MOR_HOP_IPV4  1
+/** RSVP_MOR_HopEntry.kind of an address: a subobject type of RECORD_ROUTE (RFC 3209). */
+#define RSVP_MOR_HOP_IPV4 1
+/** RSVP_MOR_HopEntry.kind of a label. */
 #define RSVP_MOR_HOP_LABEL 3
 
 /** One hop of a recorded route: 36 bytes. */
@@ -150,8 +151,9 @@ typedef struct RSVP_MOR_Adspec {
     RSVP_MOR_AdspecParam loadOverrides[4];       /**< the service's overrides of the general parameters */
 } RSVP_MOR_Adspec;
 
-/** Values of RSVP_MOR_LabelRequest.kind: the C-Types of RFC 3209. */
-#define RSVP_MOR_LABEL_REQUEST_ATM         2
+/** RSVP_MOR_LabelRequest.kind with an ATM label range: a C-Type of RFC 3209. */
+#define RSVP_MOR_LABEL_REQUEST_ATM 2
+/** RSVP_MOR_LabelRequest.kind with a frame relay label range. */
 #define RSVP_MOR_LABEL_REQUEST_FRAME_RELAY 3
 
 /** LABEL_REQUEST (RFC 3209): 16 bytes. `kind` tells which range is there, if any. */
