@@ -13,6 +13,9 @@ namespace {
 constexpr std::uint64_t kDebugFirstSession = 16;
 constexpr std::uint64_t kDebugSecondSession = 64;
 
+// A client that sets interface after interface must not fill the memory.
+constexpr std::size_t kMostKeptRows = 100'000;
+
 constexpr std::array kCounts{
     Count{"upLspNumber", 100, "crlsp"},
     Count{"frrIfNum", 109, "interface"},
@@ -131,6 +134,8 @@ std::uint32_t Device::ApplyToRow(const RowKind &kind, const Command &command, st
     if (table.Edit(key) == nullptr) {
         if (op == kUndo)
             return kOk; // what was never set is undone already
+        if (table.Kept() >= kMostKeptRows)
+            return kNoRoom;
         table.Insert(NewRow(kind, number));
     }
     const Layout &layout = LayoutNamed(kind.parts.front().layout);

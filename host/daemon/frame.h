@@ -31,6 +31,7 @@ enum Status : std::uint32_t {
     kBadLength = 0x60010005, // a value is not as long as its type demands
     kBadValue = 0x60010006,  // bytes that must be 0 are not
     kBadItems = 0x60010007,  // the wrong number of items, or the key item is not the first
+    kNoRoom = 0x60010008,    // commands have made as many rows as one table takes
 };
 
 inline constexpr std::size_t kHeaderSize = 8;

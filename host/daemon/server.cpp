@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cerrno>
-#include <cmath>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>

@@ -22,6 +22,7 @@ public:
     explicit Table(const RowKind &kind);
 
     const RowKind &Kind() const { return *kind_; }
+    std::size_t Kept() const { return kept_.size(); }
     std::uint64_t Size() const { return kept_.size() + made_ - replaced_.size(); }
 
     // False if a row with this key is already kept.

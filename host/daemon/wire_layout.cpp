@@ -8,7 +8,6 @@
 #include <arpa/inet.h>
 #include <array>
 #include <bit>
-#include <cmath>
 #include <fmt/format.h>
 #include <stdexcept>
 
