@@ -36,7 +36,7 @@ using std::chrono::milliseconds;
 constexpr milliseconds kStartPatience{5000};
 constexpr milliseconds kTermPatience{3000};
 constexpr milliseconds kKillPatience{2000};
-constexpr int kPauseMilliseconds = 10;
+constexpr milliseconds kPause{10};
 
 // A process that is not this one's child, known by a descriptor where the system has them: a number can come to mean
 // another process, a descriptor cannot.
@@ -44,11 +44,11 @@ class Process {
 public:
     explicit Process(pid_t pid) : pid_(pid), fd_(static_cast<int>(syscall(SYS_pidfd_open, pid, 0))) {}
 
-    // Waits a moment, or less if the process ends.
-    bool EndsWithinPause() const
+    // Waits that long, or less if the process ends.
+    bool EndsWithin(milliseconds time) const
     {
         pollfd watch{fd_.Get(), POLLIN, 0};
-        const bool ready = poll(&watch, 1, kPauseMilliseconds) > 0;
+        const bool ready = poll(&watch, 1, static_cast<int>(time.count())) > 0;
         return fd_.Get() >= 0 ? ready : kill(pid_, 0) != 0 && errno == ESRCH;
     }
 
@@ -194,7 +194,7 @@ std::string WaitForAnswer(const std::string &directory, const Process &process)
     const auto deadline = Clock::now() + kStartPatience;
     while (!DaemonIsUp(directory.c_str()) || !Answers(directory)) {
         // One that somebody starts by hand at this moment may have been faster; then that one is waited for.
-        if (process.EndsWithinPause() && LivingDaemon(directory.c_str()) == 0)
+        if (process.EndsWithin(kPause) && LivingDaemon(directory.c_str()) == 0)
             return "rsvpsimd ended before it answered" + where;
         if (Clock::now() >= deadline)
             return "rsvpsimd did not answer within " + std::to_string(kStartPatience.count() / 1000) + " seconds" +
@@ -209,7 +209,7 @@ bool WaitForEnd(const std::string &directory, const Process &process, millisecon
     while (LivingDaemon(directory.c_str()) != 0) {
         if (Clock::now() >= deadline)
             return false;
-        process.EndsWithinPause();
+        process.EndsWithin(kPause);
     }
     return true;
 }
@@ -259,8 +259,11 @@ std::string StartDaemon(const std::string &directory)
     const Process process(pid);
     std::string problem = WaitForAnswer(directory, process);
     // A start that failed must not succeed behind the caller's back later.
-    if (!problem.empty() && !process.EndsWithinPause() && !process.Signal(SIGKILL))
-        problem += "; it cannot be ended either";
+    if (!problem.empty() && !process.EndsWithin(kPause)) {
+        process.Signal(SIGKILL);
+        if (!process.EndsWithin(kKillPatience))
+            problem += "; it cannot be ended either";
+    }
     return problem;
 }
 
