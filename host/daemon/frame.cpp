@@ -32,7 +32,7 @@ std::optional<Message> ReadMessage(ByteView frame)
         if (rest.size() < kItemHeaderSize)
             return std::nullopt;
         const auto type = static_cast<std::uint16_t>(LoadNet(rest.first(2)));
-        const std::size_t length = LoadNet(rest.subspan(2, 2));
+        const auto length = static_cast<std::size_t>(LoadNet(rest.subspan(2, 2)));
         rest = rest.subspan(kItemHeaderSize);
         if (length > rest.size())
             return std::nullopt;

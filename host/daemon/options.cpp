@@ -11,7 +11,7 @@ namespace rsvpsimd {
 
 namespace {
 
-constexpr auto kVersion = "rsvpsimd 1.0.0";
+constexpr auto kVersion = "rsvpsimd " RSVPSIMD_VERSION;
 
 constexpr auto kFooter = R"(Examples:
   rsvpsimd --scenario demo.toml --trace

@@ -89,7 +89,7 @@ bool Server::Serve(Client &client, short events)
         return events == 0 || Read(client);
     if ((events & (POLLHUP | POLLERR | POLLNVAL)) != 0)
         return false;
-    return Write(client);
+    return (client.blocked && events == 0) || Write(client);
 }
 
 bool Server::Read(Client &client)
