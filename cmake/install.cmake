@@ -1,0 +1,121 @@
+# What an installation holds and how it is cut into Debian packages. Everything in it finds everything else by relative
+# paths, so that a tree can be moved and a prefix may be any folder.
+include(CMakePackageConfigHelpers)
+
+set(RSVP_MOR_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/rsvp_mor)
+set(RSVP_MOR_PKGCONFIG_DIR ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+set(RSVP_MOR_SHARE_DIR ${CMAKE_INSTALL_DATADIR}/rsvp-mor)
+file(RELATIVE_PATH RSVP_MOR_BIN_TO_LIB /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
+file(RELATIVE_PATH RSVP_MOR_PKGCONFIG_TO_PREFIX /${RSVP_MOR_PKGCONFIG_DIR} /)
+
+# ---- The library -------------------------------------------------------------------------------------------------
+
+set(RSVP_MOR_SHARED rsvp_mor)
+set(RSVP_MOR_STATIC rsvp_mor_static)
+set(RSVP_MOR_STATIC_NEEDS ${RSVP_MOR_PLATFORM_LIBRARIES})
+if(RSVP_MOR_PLATFORM STREQUAL "host")
+  # Whoever links the archive must reach the stand-in as the shared library does, and wrap no socket call of his own.
+  # So the archive that is installed names the stand-in's calls in place of the wrapped ones.
+  set(RSVP_MOR_SHARED rsvp_mor rsvp_host)
+  set(RSVP_MOR_STATIC rsvp_mor_static_host)
+  set(RSVP_MOR_STATIC_NEEDS rsvp_host)
+  list(TRANSFORM RSVP_HOST_WRAPS REPLACE "-Wl,--wrap=(.*)" "--redefine-sym=\\1=__wrap_\\1"
+    OUTPUT_VARIABLE RSVP_HOST_RENAMES)
+  add_library(rsvp_mor_static_host STATIC $<TARGET_OBJECTS:rsvp_mor_objects>)
+  set_target_properties(rsvp_mor_static_host PROPERTIES
+    OUTPUT_NAME rsvp_mor
+    ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib/install)
+  add_custom_command(TARGET rsvp_mor_static_host POST_BUILD
+    COMMAND ${CMAKE_OBJCOPY} ${RSVP_HOST_RENAMES} $<TARGET_FILE:rsvp_mor_static_host>)
+endif()
+target_link_libraries(${RSVP_MOR_STATIC} INTERFACE ${RSVP_MOR_STATIC_NEEDS})
+set_target_properties(${RSVP_MOR_STATIC} PROPERTIES EXPORT_NAME rsvp_mor_static)
+set_target_properties(${RSVP_MOR_SHARED} PROPERTIES INSTALL_RPATH "$ORIGIN")
+install(TARGETS ${RSVP_MOR_SHARED} ${RSVP_MOR_STATIC} EXPORT rsvp_mor_targets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
+  INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+
+# ---- What a program is built with --------------------------------------------------------------------------------
+
+install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development FILES_MATCHING PATTERN "*.h")
+install(EXPORT rsvp_mor_targets NAMESPACE rsvp_mor:: DESTINATION ${RSVP_MOR_CMAKE_DIR} COMPONENT development)
+configure_package_config_file(cmake/rsvp_mor-config.cmake.in ${CMAKE_BINARY_DIR}/rsvp_mor-config.cmake
+  INSTALL_DESTINATION ${RSVP_MOR_CMAKE_DIR} NO_SET_AND_CHECK_MACRO NO_CHECK_REQUIRED_COMPONENTS_MACRO)
+write_basic_package_version_file(${CMAKE_BINARY_DIR}/rsvp_mor-config-version.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_BINARY_DIR}/rsvp_mor-config.cmake ${CMAKE_BINARY_DIR}/rsvp_mor-config-version.cmake
+  DESTINATION ${RSVP_MOR_CMAKE_DIR} COMPONENT development)
+
+set(RSVP_MOR_LIBS_PRIVATE ${RSVP_MOR_STATIC_NEEDS})
+list(TRANSFORM RSVP_MOR_LIBS_PRIVATE PREPEND "-l" REGEX "^[^-/]+$")
+list(JOIN RSVP_MOR_LIBS_PRIVATE " " RSVP_MOR_LIBS_PRIVATE)
+configure_file(cmake/rsvp_mor.pc.in ${CMAKE_BINARY_DIR}/rsvp_mor.pc @ONLY)
+install(FILES ${CMAKE_BINARY_DIR}/rsvp_mor.pc DESTINATION ${RSVP_MOR_PKGCONFIG_DIR} COMPONENT development)
+
+install(FILES docs/man/librsvp_mor.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3 COMPONENT development)
+install(DIRECTORY examples docs DESTINATION ${RSVP_MOR_SHARE_DIR} COMPONENT development
+  FILES_MATCHING PATTERN "*.c" PATTERN "*.hpp" PATTERN "*.md"
+  PATTERN "walk.cpp" PATTERN "man" EXCLUDE)
+
+# ---- Programs ----------------------------------------------------------------------------------------------------
+
+if(RSVP_MOR_PLATFORM STREQUAL "host")
+  set_target_properties(rsvpctl rsvpsimd PROPERTIES INSTALL_RPATH "$ORIGIN/${RSVP_MOR_BIN_TO_LIB}")
+  # Both lie in the same folder: the stand-in looks for the daemon on the PATH.
+  install(TARGETS rsvpctl rsvpsimd DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+  install(DIRECTORY host/daemon/scenarios DESTINATION ${RSVP_MOR_SHARE_DIR} COMPONENT tools)
+  install(FILES docs/man/rsvpctl.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+  install(FILES docs/man/rsvpsimd.8 DESTINATION ${CMAKE_INSTALL_MANDIR}/man8 COMPONENT tools)
+endif()
+
+# ---- Debian packages ---------------------------------------------------------------------------------------------
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME rsvp-mor)
+set(CPACK_PACKAGE_VENDOR "rsvp-mor")
+set(CPACK_PACKAGE_CONTACT "rsvp-mor maintainers <rsvp-mor@localhost>")
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+set(CPACK_STRIP_FILES ON)
+set(CPACK_COMPONENTS_ALL library development)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME librsvp-mor${PROJECT_VERSION_MAJOR})
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
+set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "Management library of an RSVP-TE signalling daemon
+ Configures and reads the daemon from a management program: settings, status,
+ LSP state and the tables of the MPLS-TE and fast reroute MIBs.")
+
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME librsvp-mor-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} (= ${PROJECT_VERSION})")
+set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "Headers and examples of the RSVP-TE management library
+ What is needed to build a program: C headers, the link libraries, pkg-config
+ and CMake files, the manual page and examples in C and C++.")
+
+if(RSVP_MOR_PLATFORM STREQUAL "host")
+  list(APPEND CPACK_COMPONENTS_ALL tools)
+  set(CPACK_DEBIAN_LIBRARY_PACKAGE_SUGGESTS rsvp-mor-tools)
+  set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME rsvp-mor-tools)
+  set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION net)
+  set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} (= ${PROJECT_VERSION})")
+  set(CPACK_COMPONENT_TOOLS_DESCRIPTION "Command-line tool and simulated daemon of RSVP-TE management
+ rsvpctl configures and shows an RSVP-TE daemon. rsvpsimd plays the daemon on
+ a machine that has none, from a scenario file.")
+endif()
+
+if(CMAKE_CROSSCOMPILING)
+  # The build machine's package lists say nothing about the libraries of another processor.
+  set(CPACK_DEBIAN_PACKAGE_DEPENDS libc6)
+  if(RSVP_MOR_CROSS_TRIPLET STREQUAL "arm-linux-gnueabihf")
+    set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE armhf)
+  else()
+    string(REGEX REPLACE "-.*" "" CPACK_DEBIAN_PACKAGE_ARCHITECTURE "${RSVP_MOR_CROSS_TRIPLET}")
+  endif()
+else()
+  set(CPACK_DEBIAN_LIBRARY_PACKAGE_SHLIBDEPS ON)
+  set(CPACK_DEBIAN_LIBRARY_PACKAGE_GENERATE_SHLIBS ON)
+  set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
+endif()
+include(CPack)

@@ -1,0 +1,290 @@
+// Prints docs/protocol.md. The daemon's own tables are the source: what the daemon answers by is what the document
+// says, and a test holds the committed file against a fresh one.
+#include "commands.h"
+#include "device.h"
+#include "row_kinds.h"
+
+#include <array>
+#include <fmt/format.h>
+
+using namespace rsvpsimd;
+
+namespace {
+
+constexpr std::string_view kIntroduction =
+    R"(<!-- Made from the simulated daemon's tables. Do not edit: build the target "protocol" instead. -->
+# The management protocol
+
+What travels between the library and the daemon: the frame, every request, and each value byte by byte. The tables
+are those by which the simulated daemon reads requests and builds replies. Where the protocol leaves a meaning to
+the daemon, this is the simulated daemon's choice; [host.md](host.md) lists those choices.
+
+One request is one message and gets one reply. A reply carries no number of its request: order alone pairs them.
+
+)";
+
+constexpr std::string_view kRules =
+    R"(An item type means something only together with the class and the operation of its message. A reply repeats the
+class and the operation of its request. A reply with a status other than 0 has no items.
+
+Numbers are unsigned and in network order. How a field reads:
+
+| Form | Meaning |
+|---|---|
+| number | network order; the library swaps it |
+| address | the same; people write it as dotted IPv4 |
+| byte | one byte, a small number or a switch |
+| bytes | as they stand; nobody swaps them |
+| single | IEEE 754 single precision, most significant byte first |
+| rate | a whole number whose bytes are reversed, then written as a single, least significant byte first |
+
+Bytes of a value that no field names are 0. The simulated daemon refuses a request that has others.
+
+)";
+
+struct Named {
+    std::uint32_t number;
+    std::string_view meaning;
+};
+
+constexpr std::array kStatuses{
+    Named{kOk, "done"},
+    Named{kNoSuchRow, "no row with this key, or no further row: the end of a table"},
+    Named{kMalformed, "the frame or the items do not add up"},
+    Named{kUnknownClass, "unknown class"},
+    Named{kUnknownOp, "the item does not know this operation"},
+    Named{kUnknownItem, "unknown item"},
+    Named{kBadLength, "a value is not as long as its type demands"},
+    Named{kBadValue, "bytes that must be 0 are not"},
+    Named{kBadItems, "the wrong number of items, or the key item is not the first"},
+    Named{kNoRoom, "commands have made as many rows as one table takes"},
+};
+
+std::string Link(std::string_view layout)
+{
+    return layout == "none" ? "empty" : fmt::format("[{0}](#{0})", layout);
+}
+
+// Viewers turn a heading into an anchor in lower case, each by rules of its own; this one is the name as it stands.
+std::string Anchor(std::string_view layout)
+{
+    return fmt::format("<a id=\"{0}\"></a>\n### {0}", layout);
+}
+
+std::string OpNames(std::uint32_t ops)
+{
+    std::string names;
+    for (std::uint8_t op = 0; op <= kHelloTimer; op++)
+        if ((ops >> op & 1) != 0)
+            names += fmt::format("{}{} {}", names.empty() ? "" : ", ", op, OpName(op));
+    return names;
+}
+
+std::string_view FormName(const Field &field)
+{
+    switch (field.order) {
+    case Order::kNetwork:
+        return "number";
+    case Order::kAddress:
+        return "address";
+    case Order::kFloat:
+        return "single";
+    case Order::kRate:
+        return "rate";
+    case Order::kRaw:
+        break;
+    }
+    if (field.secret)
+        return "bytes, never printed";
+    return field.width == 1 ? "byte" : "bytes";
+}
+
+void PrintFrame()
+{
+    fmt::print("## Frame\n\n| Offset | Bytes | Field |\n|---:|---:|---|\n"
+               "| 0 | 1 | class |\n| 1 | 1 | operation |\n"
+               "| 2 | 2 | length of the body in bytes; the header is not counted |\n"
+               "| 4 | 4 | status; 0 in a request |\n| {} | | body: items |\n\n"
+               "A message has at most {} bytes, so that a body has at most {}.\n\n",
+               kHeaderSize, RSVP_MOR_MSG_MAX, kBodyMax);
+    fmt::print("An item, as the simulated platform lays it out; on a router the platform owns this layout:\n\n"
+               "| Offset | Bytes | Field |\n|---:|---:|---|\n| 0 | 2 | type |\n| 2 | 2 | length of the value |\n"
+               "| {} | | value; the next item follows without padding |\n\n",
+               kItemHeaderSize);
+    fmt::print("{}", kRules);
+}
+
+void PrintNumbers()
+{
+    fmt::print("| Class | Name | First item |\n|---:|---|---|\n");
+    for (const std::uint8_t msg_class : {kGlobal, kInterface, kPeer, kShow, kReset}) {
+        const auto key = KeyItemOf(msg_class);
+        fmt::print("| {} | {} | {} |\n", msg_class, ClassName(msg_class),
+                   key ? fmt::format("{}: {}", key->type, Link(key->layout)) : "");
+    }
+    fmt::print("\n| Operation | Name |\n|---:|---|\n");
+    for (const std::uint8_t op :
+         {kSet, kUndo, kGet, kGetFirst, kGetNext, kGetFirstIngress, kGetNextIngress, kHelloTimer})
+        fmt::print("| {} | {} |\n", op, OpName(op));
+    fmt::print("\nStatuses of the simulated daemon:\n\n| Status | Meaning |\n|---|---|\n");
+    for (const Named &status : kStatuses)
+        fmt::print("| 0x{:08x} | {} |\n", status.number, status.meaning);
+    fmt::print("\n");
+}
+
+std::string_view ReadOf(Target target)
+{
+    switch (target) {
+    case Target::kGlobal:
+        return "globalInfo";
+    case Target::kInterface:
+        return "ifInfo";
+    case Target::kNeighbour:
+        return "nbr";
+    case Target::kAuth:
+        return "auth";
+    case Target::kDebug:
+        return "debugInfo";
+    case Target::kResetStatistics:
+    case Target::kResetAuth:
+        break;
+    }
+    return "none";
+}
+
+std::string ShownIn(const Command &command)
+{
+    const std::string_view read = ReadOf(command.target);
+    if (read == "none")
+        return "";
+    if (command.field.empty())
+        return Link(read);
+    const Layout &form = LayoutNamed(command.layout);
+    const std::size_t used =
+        form.fields.empty() ? 1 : form.fields.back().offset + form.fields.back().width * form.fields.back().count;
+    const std::size_t room = ExtentOf(LayoutNamed(read), command.field).size;
+    const std::string part = used < room   ? fmt::format(" from byte {}", command.index)
+                             : used > room ? " and behind it"
+                                           : "";
+    return fmt::format("{} `{}`{}", Link(read), command.field, part);
+}
+
+void PrintCommands()
+{
+    fmt::print(
+        "## Commands\n\nOne item says what is commanded; in the classes interface and peer the key item stands "
+        "before it. The reply is a status alone. The last column is the field of a later read in which the "
+        "setting shows.\n\n"
+        "| Class | Item | Name | Operations | Value | Shows in |\n|---|---:|---|---|---|---|\n");
+    for (const Command &command : AllCommands())
+        fmt::print("| {} | {} | {} | {} | {} | {} |\n", ClassName(command.msg_class), command.item, command.name,
+                   OpNames(command.ops), Link(command.layout), ShownIn(command));
+    fmt::print("\n");
+}
+
+void PrintReads()
+{
+    const auto row = [](std::uint16_t item, std::string_view name, std::string_view layout) {
+        fmt::print("| {} | {} | {} |\n", item, name, Link(layout));
+    };
+    fmt::print("## Reads of one record\n\nClass {} {}, operation {}. The request has one item without a value; the "
+               "reply has one item of the same type.\n\n| Item | Name | Reply |\n|---:|---|---|\n",
+               +kShow, ClassName(kShow), OpNames(1U << kGet));
+    row(kDebugItem, "debug switches", "debugInfo");
+    row(kGlobalItem, "global information", "globalInfo");
+    for (const Count &count : AllCounts())
+        row(count.item, count.name, "count");
+    fmt::print("\n");
+}
+
+void PrintLists(std::span<const ListKind> lists, int depth)
+{
+    for (const ListKind &list : lists) {
+        const std::string indent(static_cast<std::size_t>(2 * depth), ' ');
+        switch (list.shape) {
+        case Shape::kCounted:
+            fmt::print("{}- item {}, if the row has this list: {}\n", indent, list.item, Link(list.layout));
+            break;
+        case Shape::kEach:
+            fmt::print("{}- item {}, one for each entry: {}{}\n", indent, list.item, Link(list.layout),
+                       list.children.empty() ? "" : ", with behind each");
+            break;
+        case Shape::kText:
+            fmt::print("{}- item {}, if there is one: text, the {}, without a closing zero\n", indent, list.item,
+                       list.name);
+            break;
+        }
+        PrintLists(list.children, depth + 1);
+    }
+}
+
+void PrintTables()
+{
+    const std::uint32_t walk = 1U << kGet | 1U << kGetFirst | 1U << kGetNext;
+    const std::uint32_t ingress = 1U << kGetFirstIngress | 1U << kGetNextIngress;
+    fmt::print("## Tables\n\nClass {} {}. The request has one item: the key of the row that is read (get), or of the "
+               "row before (the next forms). The reply has the items listed here, in this order. Rows come in the "
+               "order of their key bytes.\n\n",
+               +kShow, ClassName(kShow));
+    for (const RowKind &kind : AllRowKinds()) {
+        fmt::print("### Table {}\n\n- request: item {}, {}\n- key: {}", kind.name, kind.request_item,
+                   OpNames(walk | (kind.has_ingress_walk ? ingress : 0)), Link(kind.key_layout));
+        std::string_view separator = ", copied from the row's ";
+        for (const std::string_view field : kind.key_fields) {
+            fmt::print("{}`{}`", separator, field);
+            separator = ", ";
+        }
+        fmt::print("\n- the first forms carry {}\n- reply:\n",
+                   kind.first_has_key ? "a key whose content does not matter" : "an item without a value");
+        for (const Part &part : kind.parts)
+            fmt::print("  - item {}: {}\n", part.item, Link(part.layout));
+        PrintLists(kind.lists, 1);
+        fmt::print("\n");
+    }
+}
+
+std::string Condition(const Field &field)
+{
+    if (!field.form)
+        return "";
+    std::string kinds;
+    for (std::size_t i = 0; i < field.form->kinds.size(); i++)
+        if (i == 0 || field.form->kinds[i] != field.form->kinds[i - 1])
+            kinds += fmt::format("{}{}", i == 0 ? "" : " or ", field.form->kinds[i]);
+    return fmt::format("if `{}` is {}{}", field.form->field, field.form->among ? "" : "not ", kinds);
+}
+
+void PrintValues()
+{
+    fmt::print("## Values\n\nFields have the names of the records in the headers.\n\n");
+    for (const Layout &layout : AllLayouts()) {
+        if (layout.fields.empty())
+            continue;
+        fmt::print("{}\n\n{} bytes.\n\n| Offset | Bytes | Field | Form | |\n|---:|---:|---|---|---|\n",
+                   Anchor(layout.name), layout.size);
+        for (const Field &field : layout.fields)
+            fmt::print("| {} | {} | `{}` | {} | {} |\n", field.offset,
+                       field.count == 1 ? fmt::format("{}", field.width)
+                                        : fmt::format("{} x {}", field.count, field.width),
+                       field.name, FormName(field), Condition(field));
+        fmt::print("\n");
+    }
+    fmt::print("## Lists\n\nA count in network order, then as many entries.\n\n");
+    for (const ListLayout &list : AllListLayouts())
+        fmt::print("{}\n\n{} bytes of count, then entries: {}\n\n", Anchor(list.name), list.count_width,
+                   Link(list.entry));
+}
+
+} // namespace
+
+int main()
+{
+    fmt::print("{}", kIntroduction);
+    PrintFrame();
+    PrintNumbers();
+    PrintCommands();
+    PrintReads();
+    PrintTables();
+    PrintValues();
+    return std::fflush(stdout) == 0 ? 0 : 1;
+}
