@@ -40,6 +40,7 @@ struct HostPlatform : testing::Test {
         base = mkdtemp(name);
         chmod(name, 0755);
         setenv("RSVP_SIMD", RSVPSIMD_PATH, 0);
+        setenv("RSVP_HOST_RUNNER", TEST_RUNNER, 0);
         Use("device");
     }
     void TearDown() override
@@ -287,7 +288,7 @@ TEST_F(HostPlatform, ManyProgramsAndTwoDevices)
 TEST_F(HostPlatform, DaemonsThatNeverAnswer)
 {
     const std::string real = getenv("RSVP_SIMD");
-    std::string runner = getenv("RSVP_HOST_RUNNER") != nullptr ? getenv("RSVP_HOST_RUNNER") : "";
+    const std::string runner = getenv("RSVP_HOST_RUNNER");
     unsetenv("RSVP_HOST_RUNNER"); // scripts run without one
     for (const auto &[script, said] : {std::pair("echo bad luck; exit 3", "ended before"),
                                        {"echo $$ > $2/pid; exec sleep 60", "did not answer"}}) {
@@ -306,8 +307,7 @@ TEST_F(HostPlatform, DaemonsThatNeverAnswer)
     stat >> word >> word >> state;
     EXPECT_TRUE(state == "gone" || state == "Z") << state;
     setenv("RSVP_SIMD", real.c_str(), 1);
-    if (!runner.empty())
-        setenv("RSVP_HOST_RUNNER", runner.c_str(), 1);
+    setenv("RSVP_HOST_RUNNER", runner.c_str(), 1);
 }
 
 TEST_F(HostPlatform, NodesAsAPersonWritesThem)

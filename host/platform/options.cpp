@@ -53,7 +53,7 @@ bool ReadPair(std::string_view pair, const HostOption *table, char *target)
     if (equals == std::string_view::npos)
         return false;
     const HostOption *option = FindOption(table, pair.substr(0, equals));
-    std::uint32_t number;
+    std::uint32_t number = 0;
     if (option == nullptr || !ReadNumber(pair.substr(equals + 1), number))
         return false;
     if (target != nullptr)
