@@ -1,0 +1,21 @@
+#!/bin/sh
+# The shared library shows exactly the listed names, all under one version, and asks for no C++ runtime. The stripped
+# size is printed at every run, so that growth is seen.
+set -eu
+nm=$1 readelf=$2 strip=$3 library=$4 list=$5
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+sed 's/$/@@RSVP_MOR_1/' "$list" | sort >"$work/listed"
+"$nm" -D --defined-only "$library" | awk '$2 != "A" { print $3 }' | sort >"$work/shown"
+diff "$work/listed" "$work/shown" || { echo "the names shown (>) are not those listed (<)"; exit 1; }
+
+"$readelf" -d "$library" | grep NEEDED >"$work/needed"
+if grep -E 'libstdc\+\+|libc\+\+' "$work/needed"; then
+  echo "the library must not need a C++ runtime"
+  exit 1
+fi
+"$readelf" -d "$library" | grep -q 'SONAME.*librsvp_mor\.so\.1\]' || { echo "wrong SONAME"; exit 1; }
+
+"$strip" -o "$work/stripped" "$library"
+echo "stripped size of $(basename "$library"): $(wc -c <"$work/stripped") bytes"
