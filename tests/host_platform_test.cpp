@@ -325,7 +325,7 @@ TEST_F(HostPlatform, NodesAsAPersonWritesThem)
                 {"master 0\n", 0, {}},
                 {"master 65536\n", 0, {}},
                 {"master 1x\n", 0, {}},
-                {"slave 1\n", 0, {}},
+                {"primary 1\n", 0, {}},
                 {"", 0, {}}};
     for (const auto &row : rows) {
         Write("nodes", row.text);
