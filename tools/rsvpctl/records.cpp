@@ -53,11 +53,6 @@ std::string HexText(const void *bytes, uint32_t count)
     return text;
 }
 
-std::string DottedText(uint32_t address)
-{
-    return fmt::format("{}.{}.{}.{}", address >> 24, address >> 16 & 255, address >> 8 & 255, address & 255);
-}
-
 // JSON has no word for what is no number, and a float turned into a double would show digits that it never had.
 Json FloatToJson(float value)
 {
@@ -72,33 +67,10 @@ Json FloatToJson(float value)
     return sameDigits;
 }
 
-float LoadNetFloat(const void *at)
-{
-    const auto bytes = Load<std::array<uint8_t, 4>>(at);
-    return std::bit_cast<float>(uint32_t{bytes[0]} << 24 | uint32_t{bytes[1]} << 16 | uint32_t{bytes[2]} << 8 |
-                                bytes[3]);
-}
-
 Json SecretToJson(const void *at, uint32_t width)
 {
     const auto *bytes = static_cast<const uint8_t *>(at);
     return std::any_of(bytes, bytes + width, [](uint8_t byte) { return byte != 0; }) ? "hidden" : "";
-}
-
-// The daemon's names are bytes of any kind; JSON text is UTF-8. Whatever is not printable ASCII is written as \xNN.
-Json TextToJson(const char *text)
-{
-    if (text == nullptr)
-        return nullptr;
-    std::string out;
-    for (; *text != '\0'; ++text) {
-        const auto byte = static_cast<uint8_t>(*text);
-        if (byte >= 0x20 && byte < 0x7f)
-            out += *text;
-        else
-            out += fmt::format("\\x{:02x}", byte);
-    }
-    return out;
 }
 
 Json ElementToJson(const Field &field, const void *element)
@@ -145,6 +117,31 @@ void AddLeaves(const RecordDescription &description, const std::string &prefix, 
 
 } // namespace
 
+std::string DottedText(uint32_t address)
+{
+    return fmt::format("{}.{}.{}.{}", address >> 24, address >> 16 & 255, address >> 8 & 255, address & 255);
+}
+
+float NetFloat(const void *at)
+{
+    const auto bytes = Load<std::array<uint8_t, 4>>(at);
+    return std::bit_cast<float>(uint32_t{bytes[0]} << 24 | uint32_t{bytes[1]} << 16 | uint32_t{bytes[2]} << 8 |
+                                bytes[3]);
+}
+
+std::string PrintableText(const char *text)
+{
+    std::string out;
+    for (; *text != '\0'; ++text) {
+        const auto byte = static_cast<uint8_t>(*text);
+        if (byte >= 0x20 && byte < 0x7f)
+            out += *text;
+        else
+            out += fmt::format("\\x{:02x}", byte);
+    }
+    return out;
+}
+
 std::span<const RecordDescription *const> AllRecords()
 {
 #define RSVPCTL_DESCRIPTION(Type) &Describe<Type>(),
@@ -176,13 +173,13 @@ Json ScalarToJson(const Field &field, const void *element)
     case FieldKind::Address:
         return DottedText(Load<uint32_t>(element));
     case FieldKind::Rate:
-        return FloatToJson(LoadNetFloat(element));
+        return FloatToJson(NetFloat(element));
     case FieldKind::Float:
         return FloatToJson(Load<float>(element));
     case FieldKind::Secret:
         return SecretToJson(element, field.width);
     case FieldKind::Text:
-        return TextToJson(Load<const char *>(element));
+        return Load<const char *>(element) == nullptr ? Json() : Json(PrintableText(Load<const char *>(element)));
     default:
         return HexText(element, field.width);
     }

@@ -136,6 +136,15 @@ const RecordDescription *FindRecord(std::string_view name);
 /** Tells whether the record's tag lets the field be there. */
 bool IsPresent(const Field &field, const void *record);
 
+/** An IPv4 address in dotted form. */
+std::string DottedText(uint32_t address);
+
+/** The number in four bytes, most significant first, as an IEEE single. */
+float NetFloat(const void *at);
+
+/** The daemon's names are bytes of any kind; what is not printable ASCII is written as \xNN. */
+std::string PrintableText(const char *text);
+
 /** One element of a number, address, bytes, rate, float, secret or text field that lies at `element`. */
 nlohmann::ordered_json ScalarToJson(const Field &field, const void *element);
 
