@@ -10,8 +10,6 @@ namespace rsvpsimd {
 
 namespace {
 
-using Names = std::string_view;
-
 constexpr std::array kRro{ListKind{"rro", 7, Shape::kCounted, "hopList"}};
 constexpr std::array kFilterSpecs{ListKind{"fsList", 13, Shape::kEach, "filterSpec"}};
 constexpr std::array kSubLspHops{ListKind{"hopList", 33, Shape::kCounted, "hopList"}};
@@ -55,21 +53,21 @@ constexpr std::array kExtArHopParts{Part{107, "extArHop"}};
 constexpr std::array kFacilityParts{Part{108, "facility"}};
 constexpr std::array kIfConfigParts{Part{112, "ifConfig"}};
 
-constexpr std::array<Names, 2> kAuthKey{"authEntryWord0", "authEntryWord1"};
-constexpr std::array<Names, 1> kCrlspKey{"key"};
-constexpr std::array<Names, 2> kNbrKey{"nbrWord0", "nbrWord1"};
-constexpr std::array<Names, 2> kPhsbKey{"session", "hop"};
-constexpr std::array<Names, 3> kRsbKey{"session", "hop", "filter"};
-constexpr std::array<Names, 1> kIfInfoKey{"ifWord1"};
-constexpr std::array<Names, 2> kPsbKey{"session", "sender"};
-constexpr std::array<Names, 4> kTunnelKey{"tunnelWord0", "tunnelWord1", "tunnelWord2", "tunnelWord3"};
-constexpr std::array<Names, 1> kResourceKey{"resourceIndex"};
-constexpr std::array<Names, 2> kHopKey{"hopListIndex", "hopIndex"};
-constexpr std::array<Names, 3> kGeneralKey{"frrWord0", "frrWord1", "frrWord2"};
-constexpr std::array<Names, 2> kExtArHopKey{"extArHopWord0", "extArHopWord1"};
-constexpr std::array<Names, 6> kFacilityKey{"facilityWord0", "facilityWord1", "facilityWord2",
-                                            "facilityWord3", "facilityWord4", "facilityWord5"};
-constexpr std::array<Names, 1> kIfConfigKey{"ifIndex"};
+constexpr std::array<std::string_view, 2> kAuthKey{"authEntryWord0", "authEntryWord1"};
+constexpr std::array<std::string_view, 1> kCrlspKey{"key"};
+constexpr std::array<std::string_view, 2> kNbrKey{"nbrWord0", "nbrWord1"};
+constexpr std::array<std::string_view, 2> kPhsbKey{"session", "hop"};
+constexpr std::array<std::string_view, 3> kRsbKey{"session", "hop", "filter"};
+constexpr std::array<std::string_view, 1> kIfInfoKey{"ifWord1"};
+constexpr std::array<std::string_view, 2> kPsbKey{"session", "sender"};
+constexpr std::array<std::string_view, 4> kTunnelKey{"tunnelWord0", "tunnelWord1", "tunnelWord2", "tunnelWord3"};
+constexpr std::array<std::string_view, 1> kResourceKey{"resourceIndex"};
+constexpr std::array<std::string_view, 2> kHopKey{"hopListIndex", "hopIndex"};
+constexpr std::array<std::string_view, 3> kGeneralKey{"frrWord0", "frrWord1", "frrWord2"};
+constexpr std::array<std::string_view, 2> kExtArHopKey{"extArHopWord0", "extArHopWord1"};
+constexpr std::array<std::string_view, 6> kFacilityKey{"facilityWord0", "facilityWord1", "facilityWord2",
+                                                       "facilityWord3", "facilityWord4", "facilityWord5"};
+constexpr std::array<std::string_view, 1> kIfConfigKey{"ifIndex"};
 
 constexpr bool kEmpty = false;
 constexpr bool kZeros = true;
