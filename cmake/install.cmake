@@ -68,6 +68,12 @@ if(RSVP_MOR_PLATFORM STREQUAL "host")
   install(FILES docs/man/rsvpsimd.8 DESTINATION ${CMAKE_INSTALL_MANDIR}/man8 COMPONENT tools)
 endif()
 
+# A program that is built against the installation has no sanitizers of its own, and no emulator runs it.
+if(RSVP_MOR_TESTS AND RSVP_MOR_PLATFORM STREQUAL "host" AND CMAKE_BUILD_TYPE STREQUAL "Release"
+   AND NOT CMAKE_CROSSCOMPILING)
+  add_test(NAME install COMMAND ${PROJECT_SOURCE_DIR}/tests/install_test.sh ${CMAKE_BINARY_DIR})
+endif()
+
 # ---- Debian packages ---------------------------------------------------------------------------------------------
 
 set(CPACK_GENERATOR DEB)
@@ -119,3 +125,4 @@ else()
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 endif()
 include(CPack)
+

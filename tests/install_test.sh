@@ -1,0 +1,86 @@
+#!/bin/bash
+# Installs a build into a prefix with a space in it, builds the examples against that installation by pkg-config, by
+# CMake and with the archive, and runs all of them: what a user does who is given the packages.
+#
+#     install_test.sh BUILD_DIRECTORY
+set -euo pipefail
+source=$(cd "$(dirname "$0")/.." && pwd)
+build=$1
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+prefix="$work/an odd prefix"
+
+step() {
+  printf -- '-- %s\n' "$*"
+}
+
+step "installing"
+cmake --install "$build" --prefix "$prefix" >"$work/install.log"
+# Nothing may need the place where it was first put.
+mv "$prefix" "$prefix moved"
+prefix="$prefix moved"
+share="$prefix/share/rsvp-mor"
+library=$(dirname "$(find "$prefix" -name librsvp_mor.so.1)")
+for file in "$library/librsvp_mor.a" "$prefix/bin/rsvpctl" "$prefix/bin/rsvpsimd" \
+  "$prefix/share/man/man1/rsvpctl.1" "$prefix/share/man/man3/librsvp_mor.3" "$prefix/share/man/man8/rsvpsimd.8" \
+  "$share/scenarios/demo.toml" "$share/docs/writing-a-manager.md"; do
+  [ -f "$file" ] || {
+    echo "not installed: $file"
+    exit 1
+  }
+done
+if grep -rlF "$source" "$prefix/include" "$share" "$library/cmake" "$library/pkgconfig"; then
+  echo "these files name the place of the source"
+  exit 1
+fi
+readelf -d "$library/librsvp_mor.so.1" | grep -q 'SONAME.*\[librsvp_mor.so.1\]'
+
+export PKG_CONFIG_PATH="$library/pkgconfig"
+read_flags() {
+  # pkg-config escapes the spaces of a folder for a shell that reads its words once more.
+  eval "flags=($(pkg-config --cflags --libs "$@" rsvp_mor))"
+}
+examples=$share/examples
+
+step "pkg-config"
+mkdir "$work/pkgconfig"
+read_flags
+cc -Wall -Wextra -Werror "$examples/walk.c" "${flags[@]}" -o "$work/pkgconfig/walk"
+cc -Wall -Wextra -Werror "$examples/row_cache.c" "${flags[@]}" -pthread -o "$work/pkgconfig/row_cache"
+c++ -std=c++20 -Wall -Wextra -Werror "$examples/walk.cpp" "${flags[@]}" -o "$work/pkgconfig/walk_cpp"
+LD_LIBRARY_PATH="$library" "$source/tests/examples_test.sh" "$work/pkgconfig" "$prefix/bin/rsvpsimd" \
+  "$share/scenarios/demo.toml"
+
+step "CMake"
+mkdir "$work/project"
+cat >"$work/project/CMakeLists.txt" <<'CMAKE'
+cmake_minimum_required(VERSION 3.25)
+project(user LANGUAGES C CXX)
+set(CMAKE_CXX_STANDARD 20)
+find_package(rsvp_mor 1 REQUIRED)
+find_package(Threads REQUIRED)
+add_executable(walk ${EXAMPLES}/walk.c)
+add_executable(walk_cpp ${EXAMPLES}/walk.cpp)
+add_executable(row_cache ${EXAMPLES}/row_cache.c)
+target_link_libraries(walk PRIVATE rsvp_mor::rsvp_mor_static)
+target_link_libraries(walk_cpp PRIVATE rsvp_mor::rsvp_mor)
+target_link_libraries(row_cache PRIVATE rsvp_mor::rsvp_mor Threads::Threads)
+CMAKE
+cmake -S "$work/project" -B "$work/project/build" -DCMAKE_PREFIX_PATH="$prefix" -DEXAMPLES="$examples" \
+  >"$work/project/configure.log"
+cmake --build "$work/project/build" >"$work/project/build.log" || {
+  cat "$work/project/build.log"
+  exit 1
+}
+if readelf -d "$work/project/build/walk" | grep librsvp_mor; then
+  echo "walk was to carry the library in it"
+  exit 1
+fi
+"$source/tests/examples_test.sh" "$work/project/build" "$prefix/bin/rsvpsimd" "$share/scenarios/demo.toml"
+
+step "the installed tool starts the installed daemon"
+export RSVP_HOST_DIR="$work/device"
+"$prefix/bin/rsvpctl" enable
+ps -o args= -p "$(cat "$RSVP_HOST_DIR/rsvpsimd.lock")" | grep -F "$prefix"
+"$prefix/bin/rsvpctl" set interface 3
+"$prefix/bin/rsvpctl" disable
