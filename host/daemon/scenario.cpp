@@ -133,7 +133,10 @@ template <typename Parse> bool Read(Daemon &daemon, const std::string &file_name
     try {
         return ReadTop(daemon, parse());
     } catch (const toml::parse_error &error) {
-        throw ScenarioError(fmt::format("{}:{}: {}", file_name, error.source().begin.line, error.description()));
+        // A file that cannot be opened has no line that is wrong.
+        const auto line = error.source().begin.line;
+        const std::string where = line != 0 ? fmt::format("{}:{}", file_name, line) : file_name;
+        throw ScenarioError(fmt::format("{}: {}", where, error.description()));
     } catch (const ScenarioError &error) {
         throw ScenarioError(fmt::format("{}:{}", file_name, error.what()));
     }
