@@ -18,7 +18,12 @@ namespace rsvpctl {
 
 /** Arguments that cannot be taken; the text says which and why. */
 struct UsageError : std::runtime_error {
-    using std::runtime_error::runtime_error;
+    explicit UsageError(const std::string &text, std::string command_ = {}, std::string hint_ = {})
+        : std::runtime_error(text), command(std::move(command_)), hint(std::move(hint_))
+    {
+    }
+    std::string command; // whose arguments they are, where that is known
+    std::string hint;    // where to read on; for people
 };
 
 /** A decimal or 0x number; nothing if the text is anything else, or no 64 bits hold it. */

@@ -50,7 +50,7 @@ std::optional<Exit> RunLine(Output &out, CommandLine &line, const std::string &t
         const std::vector<std::string> words = SplitWords(text);
         return words.empty() ? std::nullopt : std::optional(RunWords(out, line, words, options));
     } catch (const UsageError &error) {
-        return out.WrongUsage("batch", error.what());
+        return out.WrongUsage(error.command.empty() ? "batch" : error.command, error);
     }
 }
 
@@ -86,7 +86,8 @@ Exit RunBatch(Output &out, CommandLine &line, std::istream &input, const std::st
         complete = exit == Exit::Done || options.keepGoing || options.dryRun;
     }
     if (input.bad()) {
-        worst = std::max(worst, out.WrongUsage("batch", std::string("cannot be read: ") + std::strerror(errno)));
+        worst = std::max(worst,
+                         out.WrongUsage("batch", UsageError(std::string("cannot be read: ") + std::strerror(errno))));
         complete = false;
     }
     return out.EndBatch(complete, StatusOf(worst), worst);

@@ -28,15 +28,15 @@ std::string Joined(const std::vector<std::string> &words, size_t count)
 
 [[noreturn]] void Refuse(const std::string &name, const std::string &problem)
 {
-    const std::string space = name.empty() ? "" : " ";
-    throw UsageError(
-        fmt::format("{}{}{}\n  see 'rsvpctl{}{} --help'", name, name.empty() ? "" : ": ", problem, space, name));
+    throw UsageError(name.empty() ? problem : name + ": " + problem, name,
+                     fmt::format("see 'rsvpctl{}{} --help'", name.empty() ? "" : " ", name));
 }
 
-// CLI11 begins a validator's message with the option's name; for an argument that is the name in lower case already.
-std::string Problem(const CLI::ParseError &error)
+// A word that no parser took says more than the parser's complaint about what is missing behind it.
+std::string Problem(const CLI::App &top, const CLI::ParseError &error)
 {
-    return error.what();
+    const std::vector<std::string> left = top.remaining(true);
+    return left.empty() ? error.what() : fmt::format("'{}' is not expected here", left.back());
 }
 
 CLI::App *Deepest(CLI::App &app)
@@ -105,7 +105,7 @@ Command *CommandLine::Parse(const std::vector<std::string> &words, std::string &
         help = root_.help();
         return nullptr;
     } catch (const CLI::ParseError &error) {
-        Refuse(PathOf(*Deepest(root_)), Problem(error));
+        Refuse(PathOf(*Deepest(root_)), Problem(root_, error));
     }
     return commands_.at(PathOf(*Deepest(root_))).get();
 }
@@ -126,7 +126,7 @@ Command &CommandLine::ParseLine(const std::vector<std::string> &words)
         } catch (const CLI::CallForHelp &) {
             Refuse(command.name, "--help cannot stand in a batch");
         } catch (const CLI::ParseError &error) {
-            Refuse(command.name, Problem(error));
+            Refuse(command.name, Problem(*command.parser, error));
         }
         return command;
     }
@@ -171,7 +171,7 @@ int RunProgram(const std::vector<std::string> &words)
         command = line.Parse(words, help);
     } catch (const UsageError &error) {
         Output out(WantsJson(words) ? Style::Json : Style::Table, Color::Auto);
-        return static_cast<int>(out.Finish(out.WrongUsage("usage", error.what())));
+        return static_cast<int>(out.Finish(out.WrongUsage(error.command.empty() ? "usage" : error.command, error)));
     }
     Output out(line.ChosenStyle(), line.ChosenColor());
     if (command == nullptr)
@@ -179,7 +179,7 @@ int RunProgram(const std::vector<std::string> &words)
     try {
         return static_cast<int>(out.Finish(command->run(out)));
     } catch (const UsageError &error) {
-        return static_cast<int>(out.Finish(out.WrongUsage(command->name, error.what())));
+        return static_cast<int>(out.Finish(out.WrongUsage(command->name, error)));
     }
 }
 

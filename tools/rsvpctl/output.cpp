@@ -176,12 +176,14 @@ Exit Output::Failed(const Failure &failure)
     return text.exit;
 }
 
-Exit Output::WrongUsage(const std::string &operation, const std::string &message)
+Exit Output::WrongUsage(const std::string &operation, const UsageError &error)
 {
-    Complain(message);
+    Complain(error.what());
+    if (!error.hint.empty())
+        Message("  " + error.hint);
     OpenDocument(operation);
     if (IsJson())
-        Member("error", message);
+        Member("error", error.what());
     // The library's code for a bad argument; the exit status tells it from a failed exchange.
     CloseDocument(RSVP_MOR_ERR_FAIL, Exit::Usage);
     return Exit::Usage;
@@ -193,6 +195,7 @@ Exit Output::WrongUsage(const std::string &operation, const std::string &message
 void Output::BeginList(const std::string &operation)
 {
     rows_ = 0;
+    layout_.reset();
     OpenDocument(operation);
     if (IsJson())
         text_ += ",\"rows\":[";
@@ -219,12 +222,13 @@ Exit Output::EndList()
     return Exit::Done;
 }
 
-void Output::BeginRows(const std::string &operation, const RecordDescription &description)
+void Output::BeginRows(const std::string &operation, const RecordDescription &description,
+                       std::span<const char *const> keyColumns)
 {
     BeginList(operation);
     description_ = &description;
     if (style_ == Style::Table)
-        layout_.emplace(description, LineWidth(document_));
+        layout_.emplace(description, keyColumns, LineWidth(document_));
 }
 
 bool Output::Row(const void *record)

@@ -3,6 +3,7 @@
 #ifndef RSVPCTL_OUTPUT_H
 #define RSVPCTL_OUTPUT_H
 
+#include "arguments.h"
 #include "render.h"
 #include "statuses.h"
 
@@ -53,10 +54,11 @@ public:
     Exit Failed(const Failure &failure);
 
     /** Arguments that cannot be taken; nothing was sent. */
-    Exit WrongUsage(const std::string &operation, const std::string &message);
+    Exit WrongUsage(const std::string &operation, const UsageError &error);
 
     /** The rows of a walk: begin, any number of rows, end. Row gives false when the document cannot be written. */
-    void BeginRows(const std::string &operation, const RecordDescription &description);
+    void BeginRows(const std::string &operation, const RecordDescription &description,
+                   std::span<const char *const> keyColumns);
     bool Row(const void *record);
     Exit EndRows(const WalkResult &result);
 

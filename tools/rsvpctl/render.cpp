@@ -80,10 +80,15 @@ void AddLines(const Json &value, const std::string &path, Lines &lines)
 
 } // namespace
 
-TableLayout::TableLayout(const RecordDescription &description, size_t lineWidth)
+TableLayout::TableLayout(const RecordDescription &description, std::span<const char *const> keyColumns,
+                         size_t lineWidth)
 {
+    std::vector<Leaf> leaves = Leaves(description);
+    std::stable_partition(leaves.begin(), leaves.end(), [&](const Leaf &leaf) {
+        return std::find(keyColumns.begin(), keyColumns.end(), leaf.path) != keyColumns.end();
+    });
     size_t used = 0;
-    for (Leaf &leaf : Leaves(description)) {
+    for (Leaf &leaf : leaves) {
         const size_t width = std::max(WidestText(*leaf.field), std::strlen(leaf.field->name));
         if (hiddenFields_ != 0 || (!columns_.empty() && used + width > lineWidth)) {
             ++hiddenFields_;

@@ -10,11 +10,11 @@
 
 namespace rsvpctl {
 
-/** The columns that fit into a line, from the first field on. Widths come from the fields' types, not from the rows,
- * so that a row can be printed when it comes. */
+/** The columns that fit into a line: the fields of `keyColumns`, then the others in their order. Widths come from the
+ * fields' types, not from the rows, so that a row can be printed when it comes. */
 class TableLayout {
 public:
-    TableLayout(const RecordDescription &description, size_t lineWidth);
+    TableLayout(const RecordDescription &description, std::span<const char *const> keyColumns, size_t lineWidth);
 
     std::string Header() const;
     std::string Row(const void *record) const;

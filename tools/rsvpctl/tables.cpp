@@ -45,6 +45,7 @@ constexpr Table<RSVP_MOR_IfInfo, InterfaceIndex> interfaces{
     .getFunction = "RSVP_MOR_GetIfInfo",
     .get = [](int32_t fd, const InterfaceIndex &key,
               RSVP_MOR_IfInfo *row) { return RSVP_MOR_GetIfInfo(fd, key.ifIndex, row); },
+    .keyColumns = {"ifWord1", ""},
 };
 
 constexpr Table<RSVP_MOR_IfConfig, InterfaceIndex> interfaceConfig{
@@ -84,6 +85,7 @@ constexpr Table<RSVP_MOR_ReplyAuth, RSVP_MOR_AuthWalkKey> authentication{
         [](const RSVP_MOR_ReplyAuth &row) {
             return RSVP_MOR_AuthWalkKey{row.authEntryWord0, row.authEntryWord1};
         },
+    .keyColumns = {"authEntryWord0", "authEntryWord1"},
 };
 
 // The message operations of the facility table, which the library leaves to its caller.
@@ -157,6 +159,7 @@ constexpr Table<RSVP_MOR_ReplyCHop, HopIndex> computedHops{
         },
     .getFunction = "RSVP_GetCHop",
     .get = [](int32_t, const HopIndex &key, RSVP_MOR_ReplyCHop *row) { return ReadHop(RSVP_GetCHop, key, row); },
+    .keyColumns = {"hopListIndex", "hopIndex"},
 };
 
 constexpr Table<RSVP_MOR_ReplyArHop, HopIndex> actualHops{
@@ -172,6 +175,7 @@ constexpr Table<RSVP_MOR_ReplyArHop, HopIndex> actualHops{
         },
     .getFunction = "RSVP_GetArHop",
     .get = [](int32_t, const HopIndex &key, RSVP_MOR_ReplyArHop *row) { return ReadHop(RSVP_GetArHop, key, row); },
+    .keyColumns = {"hopListIndex", "hopIndex"},
 };
 
 constexpr Table<RSVP_MOR_ReplyExtArHop, HopIndex> extendedHops{

@@ -6,6 +6,7 @@
 
 #include "command_line.h"
 
+#include <array>
 #include <chrono>
 #include <cstring>
 #include <type_traits>
@@ -46,7 +47,8 @@ template <typename Row, typename Key> struct Table {
     Key (*keyOf)(const Row &row);
     const char *getFunction = nullptr; // null where a row cannot be asked for by its key
     uint32_t (*get)(int32_t fd, const Key &key, Row *row) = nullptr;
-    void (*release)(Row *row) = nullptr; // null where a row owns nothing
+    void (*release)(Row *row) = nullptr;               // null where a row owns nothing
+    std::array<const char *, 2> keyColumns = {"", ""}; // fields of the key that do not stand in front of the row
 };
 
 /** Finds a key that comes back, at once or after a round of any length, with two keys for memory: the one before, and
@@ -163,7 +165,7 @@ Exit ShowTable(Output &out, const std::string &operation, const Table<Row, Key> 
     Key afterKey{};
     if (!after.empty())
         RequireKey(Describe<Key>(), after, &afterKey);
-    out.BeginRows(operation, Describe<Row>());
+    out.BeginRows(operation, Describe<Row>(), table.keyColumns);
     const Session session(table.held);
     if (session.IsMissing())
         return out.EndRows({WalkEnd::Broken, 0, RSVP_MOR_ERR_LIPC, "RSVP_MOR_LIPCOpen", ""});
