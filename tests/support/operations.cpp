@@ -31,15 +31,23 @@ template <auto Function> void Free(Record record)
     Function(record);
 }
 
+#define CALL(function, ...) #function, Call < function __VA_OPT__(, ) __VA_ARGS__>
+
+constexpr uint32_t IF = 0x03000102;
+constexpr uint32_t PEER = 0x0a000009;
+
 // The pair is the one argument that is written to; its own test stands with the requests.
 uint32_t SetReduction(uint32_t op, Record)
 {
     uint16_t pair[2] = {258, 772};
-    return RSVP_MOR_SetReduction(op, 0x03000102, pair);
+    return RSVP_MOR_SetReduction(op, IF, pair);
 }
 
-constexpr uint32_t IF = 0x03000102;
-constexpr uint32_t PEER = 0x0a000009;
+uint32_t SetIfCapability(uint32_t op, Record)
+{
+    return RSVP_SetIfCapability(IF, op == 1 ? 0 : 1);
+}
+
 constexpr uint8_t KEY[68] = {1, 0, 2, 0xff, 0}; // zero bytes inside do not end it
 const std::string KEY_HEX = "010002ff" + std::string(128, '0');
 
@@ -65,6 +73,13 @@ constexpr RSVP_MOR_CrlspKey crlspKey = {1, 2, 3, 4, 5, {6, 7, 8, 9}};
 constexpr RSVP_MOR_P2mpStateKey stateKey = {1,  2,  3,        {4, 5, 6, 7}, 8,  9,  10, 11, 12,
                                             13, 14, {15, 16}, 17,           18, 19, 20, 21};
 constexpr RSVP_MOR_P2mpCrlspKey p2mpCrlspKey = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11};
+
+// Only the low half of the item type is sent.
+uint32_t GetP2mpPsbInfo(uint32_t op, Record record)
+{
+    return RSVP_MOR_GetP2mpPsbInfo(HELD, 0x1000b, op, &stateKey, record);
+}
+
 const std::string CRLSP_KEY_HEX = "00000001 00000002 00000003 0004 0005 06070809";
 const std::string STATE_KEY_HEX =
     "00000001 00000002 00000003 04050607 0008 0009 0000000a 0000000b 000c 000d 000e 0f10"
@@ -102,122 +117,130 @@ const Answer p2mpCrlsp = {LISTS, sizeof(RSVP_MOR_P2mpCrlspInfo), "31 32=1 33x2 3
 
 } // namespace
 
-// clang-format off
 const std::vector<Operation> &Operations()
 {
     static const std::vector<Operation> operations = {
-        {"RSVP_MOR_GetFrrIfNum", PLAIN, "03 03 0004 00000000 006d 0000", Call<RSVP_MOR_GetFrrIfNum>, count},
-        {"RSVP_MOR_GetFrrActiveIfNum", PLAIN, "03 03 0004 00000000 006e 0000", Call<RSVP_MOR_GetFrrActiveIfNum>, count},
-        {"RSVP_MOR_GetActBypassTunnels", PLAIN, "03 03 0004 00000000 006f 0000", Call<RSVP_MOR_GetActBypassTunnels>, count},
-        {"RSVP_GetUpLspNumber", COUNTED, "03 03 0004 00000000 0064 0000", Call<RSVP_GetUpLspNumber>, upLspCount},
+        {CALL(RSVP_MOR_GetFrrIfNum), PLAIN, "03 03 0004 00000000 006d 0000", count},
+        {CALL(RSVP_MOR_GetFrrActiveIfNum), PLAIN, "03 03 0004 00000000 006e 0000", count},
+        {CALL(RSVP_MOR_GetActBypassTunnels), PLAIN, "03 03 0004 00000000 006f 0000", count},
+        {CALL(RSVP_GetUpLspNumber), COUNTED, "03 03 0004 00000000 0064 0000", upLspCount},
 
-        {"RSVP_MOR_SetMplsRsvp", DISABLES, "00 01 0004 00000000 0014 0000", Call<RSVP_MOR_SetMplsRsvp, 1u>},
-        {"RSVP_SetGlobalCapability", DISABLES, "00 01 0004 00000000 0014 0000", Call<RSVP_SetGlobalCapability, 0u>},
-        {"RSVP_MOR_SetRsvpEnable", GATED, "01 00 000c 00000000 0001 0004 03000102 0012 0000", Call<RSVP_MOR_SetRsvpEnable, IF>},
-        {"RSVP_SetIfCapability", GATED, "01 00 000c 00000000 0001 0004 03000102 0012 0000",
-         [](uint32_t op, Record) { return RSVP_SetIfCapability(IF, op == 1 ? 0 : 1 + op); }},
-        {"RSVP_MOR_SetRsvpPeer", SENDS_OP, "02 00 000c 00000000 0000 0004 0a000009 000d 0000", Call<RSVP_MOR_SetRsvpPeer, PEER>},
+        {CALL(RSVP_MOR_SetMplsRsvp, 1u), DISABLES, "00 01 0004 00000000 0014 0000"},
+        {CALL(RSVP_SetGlobalCapability, 0u), DISABLES, "00 01 0004 00000000 0014 0000"},
+        {CALL(RSVP_MOR_SetRsvpEnable, IF), GATED, "01 00 000c 00000000 0001 0004 03000102 0012 0000"},
+        {"RSVP_SetIfCapability", SetIfCapability, GATED, "01 00 000c 00000000 0001 0004 03000102 0012 0000"},
+        {CALL(RSVP_MOR_SetRsvpPeer, PEER), SENDS_OP, "02 00 000c 00000000 0000 0004 0a000009 000d 0000"},
 
-        {"RSVP_MOR_SetRefreshInterval", PLAIN, "00 00 0008 00000000 000f 0004 01020000", Call<RSVP_MOR_SetRefreshInterval, uint16_t{258}>},
-        {"RSVP_MOR_SetKeepMultiplier", PLAIN, "00 00 0008 00000000 000c 0004 a5000000", Call<RSVP_MOR_SetKeepMultiplier, uint8_t{0xa5}>},
-        {"RSVP_MOR_SetHelloInterval", PLAIN, "00 08 0008 00000000 000a 0004 a5000000", Call<RSVP_MOR_SetHelloInterval, uint8_t{0xa5}>},
-        {"RSVP_MOR_SetHelloLost", PLAIN, "00 08 0008 00000000 000b 0004 a5000000", Call<RSVP_MOR_SetHelloLost, uint8_t{0xa5}>},
-        {"RSVP_MOR_SetDscpValue", PLAIN, "00 00 0008 00000000 0013 0004 00000001", Call<RSVP_MOR_SetDscpValue, 1u>},
-        {"RSVP_MOR_SetGrEnable", SENDS_OP, "00 00 0004 00000000 0008 0000", Call<RSVP_MOR_SetGrEnable>},
-        {"RSVP_MOR_SetHelloEnable", GATED, "01 00 000c 00000000 0001 0004 03000102 0009 0000", Call<RSVP_MOR_SetHelloEnable, IF>},
-        {"RSVP_MOR_SetBfdEnable", GATED, "01 00 000c 00000000 0001 0004 03000102 0006 0000", Call<RSVP_MOR_SetBfdEnable, IF>},
-        {"RSVP_MOR_SetReduction", GATED, "01 00 0010 00000000 0001 0004 03000102 000e 0004 01020304", SetReduction},
-        {"RSVP_MOR_SetRetransInterval", GATED_ONLY, "01 00 0010 00000000 0001 0004 03000102 0010 0004 01020000",
-         Call<RSVP_MOR_SetRetransInterval, IF, uint16_t{258}>},
-        {"RSVP_MOR_SetRetransIncrement", GATED_ONLY, "01 00 0010 00000000 0001 0004 03000102 0011 0004 a5000000",
-         Call<RSVP_MOR_SetRetransIncrement, IF, uint8_t{0xa5}>},
+        {CALL(RSVP_MOR_SetRefreshInterval, uint16_t{258}), PLAIN, "00 00 0008 00000000 000f 0004 01020000"},
+        {CALL(RSVP_MOR_SetKeepMultiplier, uint8_t{0xa5}), PLAIN, "00 00 0008 00000000 000c 0004 a5000000"},
+        {CALL(RSVP_MOR_SetHelloInterval, uint8_t{0xa5}), PLAIN, "00 08 0008 00000000 000a 0004 a5000000"},
+        {CALL(RSVP_MOR_SetHelloLost, uint8_t{0xa5}), PLAIN, "00 08 0008 00000000 000b 0004 a5000000"},
+        {CALL(RSVP_MOR_SetDscpValue, 1u), PLAIN, "00 00 0008 00000000 0013 0004 00000001"},
+        {CALL(RSVP_MOR_SetGrEnable), SENDS_OP, "00 00 0004 00000000 0008 0000"},
+        {CALL(RSVP_MOR_SetHelloEnable, IF), GATED, "01 00 000c 00000000 0001 0004 03000102 0009 0000"},
+        {CALL(RSVP_MOR_SetBfdEnable, IF), GATED, "01 00 000c 00000000 0001 0004 03000102 0006 0000"},
+        {"RSVP_MOR_SetReduction", SetReduction, GATED, "01 00 0010 00000000 0001 0004 03000102 000e 0004 01020304"},
+        {CALL(RSVP_MOR_SetRetransInterval, IF, uint16_t{258}), GATED_ONLY,
+         "01 00 0010 00000000 0001 0004 03000102 0010 0004 01020000"},
+        {CALL(RSVP_MOR_SetRetransIncrement, IF, uint8_t{0xa5}), GATED_ONLY,
+         "01 00 0010 00000000 0001 0004 03000102 0011 0004 a5000000"},
 
-        {"RSVP_MOR_SetAuthKey", SENDS_OP, "00 00 0048 00000000 0003 0044" + KEY_HEX, Call<RSVP_MOR_SetAuthKey, KEY>},
-        {"RSVP_MOR_SetAuthChallenge", SENDS_OP, "00 00 0004 00000000 0002 0000", Call<RSVP_MOR_SetAuthChallenge>},
-        {"RSVP_MOR_SetAuthLifeTime", PLAIN, "00 00 0008 00000000 0004 0004 00000102", Call<RSVP_MOR_SetAuthLifeTime, 258u>},
-        {"RSVP_MOR_SetAuthWindowSize", PLAIN, "00 00 0008 00000000 0005 0004 a5000000", Call<RSVP_MOR_SetAuthWindowSize, uint8_t{0xa5}>},
-        {"RSVP_MOR_SetIntfAuthKey", GATED, "01 00 0050 00000000 0001 0004 03000102 0003 0044" + KEY_HEX, Call<RSVP_MOR_SetIntfAuthKey, IF, KEY>},
-        {"RSVP_MOR_SetIntfAuthChallenge", GATED, "01 00 000c 00000000 0001 0004 03000102 0002 0000", Call<RSVP_MOR_SetIntfAuthChallenge, IF>},
-        {"RSVP_MOR_SetIntfAuthLifeTime", GATED_ONLY, "01 00 0010 00000000 0001 0004 03000102 0004 0004 00000102",
-         Call<RSVP_MOR_SetIntfAuthLifeTime, IF, 258u>},
-        {"RSVP_MOR_SetIntfAuthWindowSize", GATED_ONLY, "01 00 0010 00000000 0001 0004 03000102 0005 0004 a5000000",
-         Call<RSVP_MOR_SetIntfAuthWindowSize, IF, uint8_t{0xa5}>},
-        {"RSVP_MOR_SetPeerAuthKey", SENDS_OP, "02 00 0050 00000000 0000 0004 0a000009 0003 0044" + KEY_HEX, Call<RSVP_MOR_SetPeerAuthKey, PEER, KEY>},
-        {"RSVP_MOR_SetPeerAuthChallenge", SENDS_OP, "02 00 000c 00000000 0000 0004 0a000009 0002 0000", Call<RSVP_MOR_SetPeerAuthChallenge, PEER>},
-        {"RSVP_MOR_SetPeerAuthLifeTime", PLAIN, "02 00 0010 00000000 0000 0004 0a000009 0004 0004 00000102",
-         Call<RSVP_MOR_SetPeerAuthLifeTime, PEER, 258u>},
-        {"RSVP_MOR_SetPeerAuthWindowSize", PLAIN, "02 00 0010 00000000 0000 0004 0a000009 0005 0004 a5000000",
-         Call<RSVP_MOR_SetPeerAuthWindowSize, PEER, uint8_t{0xa5}>},
-        {"RSVP_MOR_ResetAuth", REFUSED, "05 00 0010 00000000 0000 000c 00000001 00000002 0003 0004", Call<RSVP_MOR_ResetAuth, &authEntryKey>},
+        {CALL(RSVP_MOR_SetAuthKey, KEY), SENDS_OP, "00 00 0048 00000000 0003 0044" + KEY_HEX},
+        {CALL(RSVP_MOR_SetAuthChallenge), SENDS_OP, "00 00 0004 00000000 0002 0000"},
+        {CALL(RSVP_MOR_SetAuthLifeTime, 258u), PLAIN, "00 00 0008 00000000 0004 0004 00000102"},
+        {CALL(RSVP_MOR_SetAuthWindowSize, uint8_t{0xa5}), PLAIN, "00 00 0008 00000000 0005 0004 a5000000"},
+        {CALL(RSVP_MOR_SetIntfAuthKey, IF, KEY), GATED, "01 00 0050 00000000 0001 0004 03000102 0003 0044" + KEY_HEX},
+        {CALL(RSVP_MOR_SetIntfAuthChallenge, IF), GATED, "01 00 000c 00000000 0001 0004 03000102 0002 0000"},
+        {CALL(RSVP_MOR_SetIntfAuthLifeTime, IF, 258u), GATED_ONLY,
+         "01 00 0010 00000000 0001 0004 03000102 0004 0004 00000102"},
+        {CALL(RSVP_MOR_SetIntfAuthWindowSize, IF, uint8_t{0xa5}), GATED_ONLY,
+         "01 00 0010 00000000 0001 0004 03000102 0005 0004 a5000000"},
+        {CALL(RSVP_MOR_SetPeerAuthKey, PEER, KEY), SENDS_OP,
+         "02 00 0050 00000000 0000 0004 0a000009 0003 0044" + KEY_HEX},
+        {CALL(RSVP_MOR_SetPeerAuthChallenge, PEER), SENDS_OP, "02 00 000c 00000000 0000 0004 0a000009 0002 0000"},
+        {CALL(RSVP_MOR_SetPeerAuthLifeTime, PEER, 258u), PLAIN,
+         "02 00 0010 00000000 0000 0004 0a000009 0004 0004 00000102"},
+        {CALL(RSVP_MOR_SetPeerAuthWindowSize, PEER, uint8_t{0xa5}), PLAIN,
+         "02 00 0010 00000000 0000 0004 0a000009 0005 0004 a5000000"},
+        {CALL(RSVP_MOR_ResetAuth, &authEntryKey), REFUSED,
+         "05 00 0010 00000000 0000 000c 00000001 00000002 0003 0004"},
 
-        {"RSVP_MOR_SetDebug", GATED, "00 00 0014 00000000 0007 0010 0a000001 0000 0405 0a000006 00000010", Call<RSVP_MOR_SetDebug, &debugA>},
-        {"RSVP_MOR_SetDebug", GATED, "00 00 0014 00000000 0007 0010 0a000001 0000 0405 0a000006 00000040", Call<RSVP_MOR_SetDebug, &debugB>},
-        {"RSVP_MOR_SetDebug", GATED, "00 00 0014 00000000 0007 0010" + ZEROS_12 + "00000020", Call<RSVP_MOR_SetDebug, &debugPlain>},
-        {"RSVP_MOR_SetDebug", GATED, "00 00 0014 00000000 0007 0010" + ZEROS_12 + "00000050", Call<RSVP_MOR_SetDebug, &debugBothBits>},
-        {"RSVP_MOR_GetRsvpDebug", ON_HELD, "03 03 0004 00000000 0002 0000", Call<RSVP_MOR_GetRsvpDebug>, debugInfo},
-        {"RSVP_MOR_ResetStatistics", ON_HELD, "05 00 000c 00000000 0001 0008 00000001 0002 0000", Call<RSVP_MOR_ResetStatistics, HELD, &statisticsKey>},
+        {CALL(RSVP_MOR_SetDebug, &debugA), GATED,
+         "00 00 0014 00000000 0007 0010 0a000001 0000 0405 0a000006 00000010"},
+        {CALL(RSVP_MOR_SetDebug, &debugB), GATED,
+         "00 00 0014 00000000 0007 0010 0a000001 0000 0405 0a000006 00000040"},
+        {CALL(RSVP_MOR_SetDebug, &debugPlain), GATED, "00 00 0014 00000000 0007 0010" + ZEROS_12 + "00000020"},
+        {CALL(RSVP_MOR_SetDebug, &debugBothBits), GATED, "00 00 0014 00000000 0007 0010" + ZEROS_12 + "00000050"},
+        {CALL(RSVP_MOR_GetRsvpDebug), ON_HELD, "03 03 0004 00000000 0002 0000", debugInfo},
+        {CALL(RSVP_MOR_ResetStatistics, HELD, &statisticsKey), ON_HELD,
+         "05 00 000c 00000000 0001 0008 00000001 0002 0000"},
 
-        {"RSVP_MOR_GetGlobalInfo", ON_HELD, "03 03 0004 00000000 0006 0000", Call<RSVP_MOR_GetGlobalInfo>, globalInfo},
-        {"RSVP_MOR_GetIfInfo", ON_HELD, "03 03 0008 00000000 0007 0004 03000102", Call<RSVP_MOR_GetIfInfo, IF>, ifInfo},
-        {"RSVP_MOR_GetFirstIfInfo", ON_HELD, "03 04 0004 00000000 0007 0000", Call<RSVP_MOR_GetFirstIfInfo>, ifInfo},
-        {"RSVP_MOR_GetNextIfInfo", ON_HELD, "03 05 0008 00000000 0007 0004 03000102", Call<RSVP_MOR_GetNextIfInfo, IF>, ifInfo},
-        {"RSVP_GetIfConfig", PLAIN, "03 03 0008 00000000 0070 0004 03000102", Call<RSVP_GetIfConfig, IF>, ifConfig},
-        {"RSVP_GetFirstIfConfig", PLAIN, "03 04 0008 00000000 0070 0004 00000000", Call<RSVP_GetFirstIfConfig>, ifConfig},
-        {"RSVP_GetNextIfConfig", PLAIN, "03 05 0008 00000000 0070 0004 03000102", Call<RSVP_GetNextIfConfig, IF>, ifConfig},
-        {"RSVP_MOR_GetFirstNbr", ON_HELD, "03 04 0004 00000000 0003 0000", Call<RSVP_MOR_GetFirstNbr>, nbr},
-        {"RSVP_MOR_GetNextNbr", ON_HELD, "03 05 000c 00000000 0003 0008 0a000001 00000002", Call<RSVP_MOR_GetNextNbr, &nbrKey>, nbr},
-        {"RSVP_MOR_GetFirstAuth", ON_HELD, "03 04 0004 00000000 0000 0000", Call<RSVP_MOR_GetFirstAuth>, authEntry},
-        {"RSVP_MOR_GetNextAuth", ON_HELD, "03 05 000c 00000000 0000 0008 0a000001 00000002", Call<RSVP_MOR_GetNextAuth, &authWalkKey>, authEntry},
-        {"RSVP_MOR_GetFrrFacilityDBTbl", PLAIN, "03 03 001c 00000000 006c 0018 04030201 00000002 00000003 00000004 11121314 05060708",
-         Call<RSVP_MOR_GetFrrFacilityDBTbl, 3u, &facilityKey>, facility},
-        {"RSVP_MOR_GetFrrFacilityDBTbl", PLAIN, "03 04 0004 00000000 006c 0000", Call<RSVP_MOR_GetFrrFacilityDBTbl, 4u, nullptr>, facility},
-        {"RSVP_MOR_GetFrrFacilityDBTbl", PLAIN, "03 05 001c 00000000 006c 0018 04030201 00000002 00000003 00000004 11121314 05060708",
-         Call<RSVP_MOR_GetFrrFacilityDBTbl, 5u, &facilityKey>, facility},
-        {"RSVP_MOR_GetFrrGeneralTbl", PLAIN, "03 03 0010 00000000 006a 000c 04030201 00000002 00000003", Call<RSVP_MOR_GetFrrGeneralTbl, &generalKey>, general},
-        {"RSVP_MOR_GetFirstFrrGeneralTbl", PLAIN, "03 04 0010 00000000 006a 000c" + ZEROS_12, Call<RSVP_MOR_GetFirstFrrGeneralTbl>, general},
-        {"RSVP_MOR_GetNextFrrGeneralTbl", PLAIN, "03 05 0010 00000000 006a 000c 04030201 00000002 00000003",
-         Call<RSVP_MOR_GetNextFrrGeneralTbl, &generalKey>, general},
-        {"RSVP_MOR_GetExtArHop", PLAIN, "03 03 0010 00000000 006b 000c 00000102 00000304 00000000", Call<RSVP_MOR_GetExtArHop, 0x102u, 0x304u>, extArHop},
-        {"RSVP_MOR_GetFirstExtArHop", PLAIN, "03 04 0010 00000000 006b 000c" + ZEROS_12, Call<RSVP_MOR_GetFirstExtArHop>, extArHop},
-        {"RSVP_MOR_GetNextExtArHop", PLAIN, "03 05 0010 00000000 006b 000c 00000102 00000304 00000000",
-         Call<RSVP_MOR_GetNextExtArHop, 0x102u, 0x304u>, extArHop},
+        {CALL(RSVP_MOR_GetGlobalInfo), ON_HELD, "03 03 0004 00000000 0006 0000", globalInfo},
+        {CALL(RSVP_MOR_GetIfInfo, IF), ON_HELD, "03 03 0008 00000000 0007 0004 03000102", ifInfo},
+        {CALL(RSVP_MOR_GetFirstIfInfo), ON_HELD, "03 04 0004 00000000 0007 0000", ifInfo},
+        {CALL(RSVP_MOR_GetNextIfInfo, IF), ON_HELD, "03 05 0008 00000000 0007 0004 03000102", ifInfo},
+        {CALL(RSVP_GetIfConfig, IF), PLAIN, "03 03 0008 00000000 0070 0004 03000102", ifConfig},
+        {CALL(RSVP_GetFirstIfConfig), PLAIN, "03 04 0008 00000000 0070 0004 00000000", ifConfig},
+        {CALL(RSVP_GetNextIfConfig, IF), PLAIN, "03 05 0008 00000000 0070 0004 03000102", ifConfig},
+        {CALL(RSVP_MOR_GetFirstNbr), ON_HELD, "03 04 0004 00000000 0003 0000", nbr},
+        {CALL(RSVP_MOR_GetNextNbr, &nbrKey), ON_HELD, "03 05 000c 00000000 0003 0008 0a000001 00000002", nbr},
+        {CALL(RSVP_MOR_GetFirstAuth), ON_HELD, "03 04 0004 00000000 0000 0000", authEntry},
+        {CALL(RSVP_MOR_GetNextAuth, &authWalkKey), ON_HELD, "03 05 000c 00000000 0000 0008 0a000001 00000002",
+         authEntry},
+        {CALL(RSVP_MOR_GetFrrFacilityDBTbl, 3u, &facilityKey), PLAIN,
+         "03 03 001c 00000000 006c 0018 04030201 00000002 00000003 00000004 11121314 05060708", facility},
+        {CALL(RSVP_MOR_GetFrrFacilityDBTbl, 4u, nullptr), PLAIN, "03 04 0004 00000000 006c 0000", facility},
+        {CALL(RSVP_MOR_GetFrrFacilityDBTbl, 5u, &facilityKey), PLAIN,
+         "03 05 001c 00000000 006c 0018 04030201 00000002 00000003 00000004 11121314 05060708", facility},
+        {CALL(RSVP_MOR_GetFrrGeneralTbl, &generalKey), PLAIN,
+         "03 03 0010 00000000 006a 000c 04030201 00000002 00000003", general},
+        {CALL(RSVP_MOR_GetFirstFrrGeneralTbl), PLAIN, "03 04 0010 00000000 006a 000c" + ZEROS_12, general},
+        {CALL(RSVP_MOR_GetNextFrrGeneralTbl, &generalKey), PLAIN,
+         "03 05 0010 00000000 006a 000c 04030201 00000002 00000003", general},
+        {CALL(RSVP_MOR_GetExtArHop, 0x102u, 0x304u), PLAIN,
+         "03 03 0010 00000000 006b 000c 00000102 00000304 00000000", extArHop},
+        {CALL(RSVP_MOR_GetFirstExtArHop), PLAIN, "03 04 0010 00000000 006b 000c" + ZEROS_12, extArHop},
+        {CALL(RSVP_MOR_GetNextExtArHop, 0x102u, 0x304u), PLAIN,
+         "03 05 0010 00000000 006b 000c 00000102 00000304 00000000", extArHop},
 
-        {"RSVP_MOR_GetFirstPsbInfo", ON_HELD, "03 04 0004 00000000 0008 0000", Call<RSVP_MOR_GetFirstPsbInfo>, psb},
-        {"RSVP_MOR_GetNextPsbInfo", ON_HELD, "03 05 0018 00000000 0008 0014" + SESSION_HEX + SENDER_HEX,
-         Call<RSVP_MOR_GetNextPsbInfo, &session, &sender>, psb},
-        {"RSVP_MOR_GetFirstRsbInfo", ON_HELD, "03 04 0004 00000000 0005 0000", Call<RSVP_MOR_GetFirstRsbInfo>, rsb},
-        {"RSVP_MOR_GetNextRsbInfo", ON_HELD, "03 05 0020 00000000 0005 001c" + SESSION_HEX + HOP_HEX + SENDER_HEX,
-         Call<RSVP_MOR_GetNextRsbInfo, &session, &hop, &sender>, rsb},
-        {"RSVP_MOR_GetFirstPhsbInfo", ON_HELD, "03 04 0004 00000000 0004 0000", Call<RSVP_MOR_GetFirstPhsbInfo>, phsb},
-        {"RSVP_MOR_GetNextPhsbInfo", ON_HELD, "03 05 0018 00000000 0004 0014" + SESSION_HEX + HOP_HEX,
-         Call<RSVP_MOR_GetNextPhsbInfo, &session, &hop>, phsb},
-        {"RSVP_MOR_GetFirstCrlsp", ON_HELD, "03 04 0004 00000000 0001 0000", Call<RSVP_MOR_GetFirstCrlsp>, crlsp},
-        {"RSVP_MOR_GetNextCrlsp", ON_HELD, "03 05 0018 00000000 0001 0014" + CRLSP_KEY_HEX, Call<RSVP_MOR_GetNextCrlsp, &crlspKey>, crlsp},
-        {"RSVP_MOR_GetP2mpPsbInfo", ON_HELD_OP, "03 00 003c 00000000 000b 0038" + STATE_KEY_HEX, // the low half of the item type
-         [](uint32_t op, Record record) { return RSVP_MOR_GetP2mpPsbInfo(HELD, 0x1000b, op, &stateKey, record); }, p2mpPsb},
-        {"RSVP_MOR_GetP2mpRsbInfo", ON_HELD_OP, "03 00 003c 00000000 000a 0038" + STATE_KEY_HEX, Call<RSVP_MOR_GetP2mpRsbInfo, &stateKey>, p2mpRsb},
-        {"RSVP_MOR_GetP2mpCrlsp", ON_HELD_OP, "03 00 0028 00000000 0009 0024" + P2MP_CRLSP_KEY_HEX, Call<RSVP_MOR_GetP2mpCrlsp, &p2mpCrlspKey>, p2mpCrlsp},
+        {CALL(RSVP_MOR_GetFirstPsbInfo), ON_HELD, "03 04 0004 00000000 0008 0000", psb},
+        {CALL(RSVP_MOR_GetNextPsbInfo, &session, &sender), ON_HELD,
+         "03 05 0018 00000000 0008 0014" + SESSION_HEX + SENDER_HEX, psb},
+        {CALL(RSVP_MOR_GetFirstRsbInfo), ON_HELD, "03 04 0004 00000000 0005 0000", rsb},
+        {CALL(RSVP_MOR_GetNextRsbInfo, &session, &hop, &sender), ON_HELD,
+         "03 05 0020 00000000 0005 001c" + SESSION_HEX + HOP_HEX + SENDER_HEX, rsb},
+        {CALL(RSVP_MOR_GetFirstPhsbInfo), ON_HELD, "03 04 0004 00000000 0004 0000", phsb},
+        {CALL(RSVP_MOR_GetNextPhsbInfo, &session, &hop), ON_HELD,
+         "03 05 0018 00000000 0004 0014" + SESSION_HEX + HOP_HEX, phsb},
+        {CALL(RSVP_MOR_GetFirstCrlsp), ON_HELD, "03 04 0004 00000000 0001 0000", crlsp},
+        {CALL(RSVP_MOR_GetNextCrlsp, &crlspKey), ON_HELD, "03 05 0018 00000000 0001 0014" + CRLSP_KEY_HEX, crlsp},
+        {"RSVP_MOR_GetP2mpPsbInfo", GetP2mpPsbInfo, ON_HELD_OP, "03 00 003c 00000000 000b 0038" + STATE_KEY_HEX,
+         p2mpPsb},
+        {CALL(RSVP_MOR_GetP2mpRsbInfo, &stateKey), ON_HELD_OP, "03 00 003c 00000000 000a 0038" + STATE_KEY_HEX,
+         p2mpRsb},
+        {CALL(RSVP_MOR_GetP2mpCrlsp, &p2mpCrlspKey), ON_HELD_OP, "03 00 0028 00000000 0009 0024" + P2MP_CRLSP_KEY_HEX,
+         p2mpCrlsp},
 
-        {"RSVP_GetTunnel", PLAIN, "03 03 0014 00000000 0065 0010 04030201 00000002 00000003 00000004", Call<RSVP_GetTunnel, &tunnelKey>, tunnel},
-        {"RSVP_GetFirstTunnel", PLAIN, "03 04 0014 00000000 0065 0010" + ZEROS_16, Call<RSVP_GetFirstTunnel>, tunnel},
-        {"RSVP_GetNextTunnel", PLAIN, "03 05 0014 00000000 0065 0010 04030201 00000002 00000003 00000004", Call<RSVP_GetNextTunnel, &tunnelKey>, tunnel},
-        {"RSVP_GetFirstIngressTunnel", PLAIN, "03 06 0014 00000000 0065 0010" + ZEROS_16, Call<RSVP_GetFirstIngressTunnel>, tunnel},
-        {"RSVP_GetNextIngressTunnel", PLAIN, "03 07 0014 00000000 0065 0010 04030201 00000002 00000003 00000004",
-         Call<RSVP_GetNextIngressTunnel, &tunnelKey>, tunnel},
-        {"RSVP_GetCHop", PLAIN, "03 03 0010 00000000 0069 000c 11223305 11223306 00000000", Call<RSVP_GetCHop>, cHop},
-        {"RSVP_GetFirstCHop", PLAIN, "03 04 0010 00000000 0069 000c" + ZEROS_12, Call<RSVP_GetFirstCHop>, cHop},
-        {"RSVP_GetNextCHop", PLAIN, "03 05 0010 00000000 0069 000c 11223305 11223306 00000000", Call<RSVP_GetNextCHop>, cHop},
-        {"RSVP_GetArHop", PLAIN, "03 03 0010 00000000 0068 000c 11223305 11223306 00000000", Call<RSVP_GetArHop>, arHop},
-        {"RSVP_GetFirstArHop", PLAIN, "03 04 0010 00000000 0068 000c" + ZEROS_12, Call<RSVP_GetFirstArHop>, arHop},
-        {"RSVP_GetNextArHop", PLAIN, "03 05 0010 00000000 0068 000c 11223305 11223306 00000000", Call<RSVP_GetNextArHop>, arHop},
-        {"RSVP_GetResource", PLAIN, "03 03 0008 00000000 0067 0004 11223300", Call<RSVP_GetResource>, resource},
-        {"RSVP_GetFirstResource", PLAIN, "03 04 0004 00000000 0067 0000", Call<RSVP_GetFirstResource>, resource},
-        {"RSVP_GetNextResource", PLAIN, "03 05 0008 00000000 0067 0004 11223300", Call<RSVP_GetNextResource>, resource},
+        {CALL(RSVP_GetTunnel, &tunnelKey), PLAIN, "03 03 0014 00000000 0065 0010 04030201 00000002 00000003 00000004",
+         tunnel},
+        {CALL(RSVP_GetFirstTunnel), PLAIN, "03 04 0014 00000000 0065 0010" + ZEROS_16, tunnel},
+        {CALL(RSVP_GetNextTunnel, &tunnelKey), PLAIN,
+         "03 05 0014 00000000 0065 0010 04030201 00000002 00000003 00000004", tunnel},
+        {CALL(RSVP_GetFirstIngressTunnel), PLAIN, "03 06 0014 00000000 0065 0010" + ZEROS_16, tunnel},
+        {CALL(RSVP_GetNextIngressTunnel, &tunnelKey), PLAIN,
+         "03 07 0014 00000000 0065 0010 04030201 00000002 00000003 00000004", tunnel},
+        {CALL(RSVP_GetCHop), PLAIN, "03 03 0010 00000000 0069 000c 11223305 11223306 00000000", cHop},
+        {CALL(RSVP_GetFirstCHop), PLAIN, "03 04 0010 00000000 0069 000c" + ZEROS_12, cHop},
+        {CALL(RSVP_GetNextCHop), PLAIN, "03 05 0010 00000000 0069 000c 11223305 11223306 00000000", cHop},
+        {CALL(RSVP_GetArHop), PLAIN, "03 03 0010 00000000 0068 000c 11223305 11223306 00000000", arHop},
+        {CALL(RSVP_GetFirstArHop), PLAIN, "03 04 0010 00000000 0068 000c" + ZEROS_12, arHop},
+        {CALL(RSVP_GetNextArHop), PLAIN, "03 05 0010 00000000 0068 000c 11223305 11223306 00000000", arHop},
+        {CALL(RSVP_GetResource), PLAIN, "03 03 0008 00000000 0067 0004 11223300", resource},
+        {CALL(RSVP_GetFirstResource), PLAIN, "03 04 0004 00000000 0067 0000", resource},
+        {CALL(RSVP_GetNextResource), PLAIN, "03 05 0008 00000000 0067 0004 11223300", resource},
     };
     return operations;
 }
-// clang-format on
-
 const std::set<std::string> &Silent()
 {
     static const std::set<std::string> names = {"RSVP_MOR_LIPCOpen",           "RSVP_MOR_LIPCClose",

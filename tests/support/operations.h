@@ -45,9 +45,9 @@ struct Answer {
 
 struct Operation {
     const char *name;
+    uint32_t (*call)(uint32_t op, Record record);
     Manner manner;
     std::string request; // hex text, with `op` 0
-    uint32_t (*call)(uint32_t op, Record record);
     Answer answer = {};
 };
 
