@@ -1,5 +1,5 @@
 #!/bin/bash
-# Makes the Debian packages and says what they hold. With "try" also installs them, runs the quick start of the README
+# Makes the Debian packages and says what they hold. With "try" also installs them, runs docs/quick-start.md
 # from them and removes them again, which needs root.
 #
 #     package.sh OUTPUT_FOLDER [try]

@@ -59,11 +59,14 @@ run rsvpctl enable
 run rsvpctl status
 run rsvpctl show counters
 
+say "The service manager keeps a file for each standby node: 1 is running."
+run grep . "$device/service/2" "$device/service/3"
+
 say "Switch RSVP on for an interface and configure a peer. Each is one request and one confirmation."
 run rsvpctl set interface 3
 run rsvpctl set peer 10.0.0.9
 
-say "Both can be seen again."
+say "Both can be seen again. The first word of a neighbour is its address: 167772169 is 10.0.0.9."
 run rsvpctl show interface-config
 run rsvpctl show neighbours
 
@@ -84,6 +87,7 @@ say "Switch it off: the daemon is told, the standby nodes stop, the master last.
 run rsvpctl disable
 enabled=
 run_refused 5 rsvpctl status
+run grep . "$device/service/2" "$device/service/3"
 
 say "Nothing is left behind."
 for process in /proc/[0-9]*; do
