@@ -36,7 +36,7 @@ std::string Joined(const std::vector<std::string> &words, size_t count)
 std::string Problem(const CLI::App &top, const CLI::ParseError &error)
 {
     const std::vector<std::string> left = top.remaining(true);
-    return left.empty() ? error.what() : fmt::format("'{}' is not expected here", left.back());
+    return left.empty() ? error.what() : fmt::format("'{}' is not expected here", left.front());
 }
 
 CLI::App *Deepest(CLI::App &app)

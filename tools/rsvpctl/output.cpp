@@ -102,7 +102,7 @@ void Output::OpenDocument(const std::string &operation)
     if (!IsJson())
         return;
     if (inBatch_)
-        text_ += fmt::format("{}{{\"line\":{},", batchDocuments_++ == 0 ? "\n" : ",\n", batchLine_);
+        text_ += fmt::format("{}{{\"line\":{},", batchDocuments_++ == 0 ? "" : ",", batchLine_);
     else
         text_ += fmt::format("{{\"schemaVersion\":{},", schemaVersion);
     text_ += fmt::format("\"operation\":{}", Json(operation).dump());
@@ -119,7 +119,7 @@ void Output::CloseDocument(uint32_t status, Exit exit)
         Member("status", status);
         Member("statusName", Explain(status).name);
         Member("exitStatus", static_cast<int>(exit));
-        text_ += inBatch_ ? "}" : "}\n";
+        text_ += "}\n";
     }
     Flush();
 }
@@ -198,13 +198,13 @@ void Output::BeginList(const std::string &operation)
     layout_.reset();
     OpenDocument(operation);
     if (IsJson())
-        text_ += ",\"rows\":[";
+        text_ += ",\"rows\":[\n";
 }
 
 bool Output::ListRow(const Json &row, const std::string &text)
 {
     if (IsJson())
-        text_ += (rows_ == 0 ? "\n" : ",\n") + row.dump();
+        text_ += (rows_ == 0 ? "" : ",") + row.dump() + "\n";
     else
         text_ += text;
     ++rows_;
@@ -214,7 +214,7 @@ bool Output::ListRow(const Json &row, const std::string &text)
 Exit Output::EndList()
 {
     if (IsJson()) {
-        text_ += "\n]";
+        text_ += "]";
         Member("count", rows_);
         Member("complete", true);
     }
@@ -263,13 +263,13 @@ Exit Output::EndRows(const WalkResult &result)
                              Advice("the table changed in mid-walk, or the daemon does not advance",
                                     "try again; if it stays so, look at the daemon's log")));
     } else if (!IsJson()) {
-        const size_t hidden = layout_ && style_ == Style::Table ? layout_->HiddenFields() : 0;
+        const size_t hidden = layout_ && result.rows != 0 ? layout_->HiddenFields() : 0;
         const std::string more =
             hidden == 0 ? "" : fmt::format("; --detail shows {} more of each", CountText(hidden, "field"));
         Message(count + ", end of table" + more);
     }
     if (IsJson()) {
-        text_ += "\n]";
+        text_ += "]";
         Member("count", result.rows);
         Member("complete", result.end == WalkEnd::EndOfTable);
         Member("end", EndName(result.end));
@@ -287,7 +287,7 @@ void Output::BeginBatch(const std::string &file)
     OpenDocument("batch");
     if (IsJson()) {
         Member("file", file);
-        text_ += ",\"rows\":[";
+        text_ += ",\"rows\":[\n";
     }
     batchFile_ = file;
     batchDocuments_ = 0;
@@ -303,7 +303,7 @@ Exit Output::EndBatch(bool complete, uint32_t status, Exit exit)
 {
     inBatch_ = false;
     if (IsJson()) {
-        text_ += "\n]";
+        text_ += "]";
         Member("count", batchDocuments_);
         Member("complete", complete);
     }
