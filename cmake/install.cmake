@@ -6,7 +6,7 @@ set(RSVP_MOR_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/rsvp_mor)
 set(RSVP_MOR_PKGCONFIG_DIR ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 set(RSVP_MOR_SHARE_DIR ${CMAKE_INSTALL_DATADIR}/rsvp-mor)
 file(RELATIVE_PATH RSVP_MOR_BIN_TO_LIB /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
-file(RELATIVE_PATH RSVP_MOR_PKGCONFIG_TO_PREFIX /${RSVP_MOR_PKGCONFIG_DIR} /)
+file(RELATIVE_PATH RSVP_MOR_PKGCONFIG_TO_PREFIX /prefix/${RSVP_MOR_PKGCONFIG_DIR} /prefix)
 
 # ---- The library -------------------------------------------------------------------------------------------------
 
@@ -19,6 +19,7 @@ if(RSVP_MOR_PLATFORM STREQUAL "host")
   set(RSVP_MOR_SHARED rsvp_mor rsvp_host)
   set(RSVP_MOR_STATIC rsvp_mor_static_host)
   set(RSVP_MOR_STATIC_NEEDS rsvp_host)
+  set_target_properties(${RSVP_MOR_SHARED} PROPERTIES INSTALL_RPATH "$ORIGIN")
   list(TRANSFORM RSVP_HOST_WRAPS REPLACE "-Wl,--wrap=(.*)" "--redefine-sym=\\1=__wrap_\\1"
     OUTPUT_VARIABLE RSVP_HOST_RENAMES)
   add_library(rsvp_mor_static_host STATIC $<TARGET_OBJECTS:rsvp_mor_objects>)
@@ -30,11 +31,9 @@ if(RSVP_MOR_PLATFORM STREQUAL "host")
 endif()
 target_link_libraries(${RSVP_MOR_STATIC} INTERFACE ${RSVP_MOR_STATIC_NEEDS})
 set_target_properties(${RSVP_MOR_STATIC} PROPERTIES EXPORT_NAME rsvp_mor_static)
-set_target_properties(${RSVP_MOR_SHARED} PROPERTIES INSTALL_RPATH "$ORIGIN")
 install(TARGETS ${RSVP_MOR_SHARED} ${RSVP_MOR_STATIC} EXPORT rsvp_mor_targets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development
-  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
-  INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
 
 # ---- What a program is built with --------------------------------------------------------------------------------
 
@@ -88,16 +87,14 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME librsvp-mor${PROJECT_VERSION_MAJOR})
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
-set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "Management library of an RSVP-TE signalling daemon
- Configures and reads the daemon from a management program: settings, status,
- LSP state and the tables of the MPLS-TE and fast reroute MIBs.")
+set(CPACK_COMPONENT_LIBRARY_DESCRIPTION
+  "The shared library: settings, status, LSP state, and the tables of the MPLS-TE and fast reroute MIBs.")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME librsvp-mor-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} (= ${PROJECT_VERSION})")
-set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "Headers and examples of the RSVP-TE management library
- What is needed to build a program: C headers, the link libraries, pkg-config
- and CMake files, the manual page and examples in C and C++.")
+set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
+  "To build programs: C headers, link libraries, pkg-config and CMake files, documents, examples in C and C++.")
 
 if(RSVP_MOR_PLATFORM STREQUAL "host")
   list(APPEND CPACK_COMPONENTS_ALL tools)
@@ -105,9 +102,8 @@ if(RSVP_MOR_PLATFORM STREQUAL "host")
   set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME rsvp-mor-tools)
   set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION net)
   set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} (= ${PROJECT_VERSION})")
-  set(CPACK_COMPONENT_TOOLS_DESCRIPTION "Command-line tool and simulated daemon of RSVP-TE management
- rsvpctl configures and shows an RSVP-TE daemon. rsvpsimd plays the daemon on
- a machine that has none, from a scenario file.")
+  set(CPACK_COMPONENT_TOOLS_DESCRIPTION
+    "rsvpctl, which configures and shows the daemon, and rsvpsimd, which plays it on a machine that has none.")
 endif()
 
 if(CMAKE_CROSSCOMPILING)
