@@ -82,18 +82,10 @@ TEST_F(Decoders, RefuseBadArgumentsWithoutASession)
 {
     alignas(16) uint8_t memory[1024] = {};
     const Record here = {memory}; // any key and any record
+    for (const Operation &operation : Operations())
+        EXPECT_TRUE(!OwnSession(operation) || operation.answer.size == 0 || operation.call(0, {nullptr}) == FAIL)
+            << operation.name << " without a record";
     const uint32_t statuses[] = {
-        // no room for the answer
-        RSVP_MOR_GetFrrIfNum(nullptr), RSVP_MOR_GetFrrActiveIfNum(nullptr), RSVP_MOR_GetActBypassTunnels(nullptr),
-        RSVP_GetUpLspNumber(nullptr), RSVP_GetIfConfig(1, nullptr), RSVP_GetFirstIfConfig(nullptr),
-        RSVP_GetNextIfConfig(1, nullptr), RSVP_MOR_GetFrrFacilityDBTbl(3, here, nullptr),
-        RSVP_MOR_GetFrrGeneralTbl(here, nullptr), RSVP_MOR_GetFirstFrrGeneralTbl(nullptr),
-        RSVP_MOR_GetNextFrrGeneralTbl(here, nullptr), RSVP_MOR_GetExtArHop(1, 2, nullptr),
-        RSVP_MOR_GetFirstExtArHop(nullptr), RSVP_MOR_GetNextExtArHop(1, 2, nullptr), RSVP_GetTunnel(here, nullptr),
-        RSVP_GetFirstTunnel(nullptr), RSVP_GetNextTunnel(here, nullptr), RSVP_GetFirstIngressTunnel(nullptr),
-        RSVP_GetNextIngressTunnel(here, nullptr), RSVP_GetCHop(nullptr), RSVP_GetFirstCHop(nullptr),
-        RSVP_GetNextCHop(nullptr), RSVP_GetArHop(nullptr), RSVP_GetFirstArHop(nullptr), RSVP_GetNextArHop(nullptr),
-        RSVP_GetResource(nullptr), RSVP_GetFirstResource(nullptr), RSVP_GetNextResource(nullptr),
         // no key
         RSVP_MOR_GetFrrFacilityDBTbl(3, nullptr, here), RSVP_MOR_GetFrrFacilityDBTbl(5, nullptr, here),
         RSVP_MOR_GetFrrGeneralTbl(nullptr, here), RSVP_MOR_GetNextFrrGeneralTbl(nullptr, here),
@@ -123,59 +115,46 @@ TEST_F(Decoders, RefuseBadArgumentsWithoutASession)
 
 // ---- Lists ----
 
+// The layout is that of the entries; null for a value that is refused, which must leave the slot as it was.
+template <typename List>
+void ExpectList(uint32_t (*decode)(const uint8_t *, uint32_t, List *), size_t countWidth, const Bytes &wire,
+                const char *layout)
+{
+    SCOPED_TRACE(ToHex(wire));
+    const std::vector<uint8_t> value(wire.begin(), wire.end()); // a block of its own size: no byte behind is read
+    std::remove_pointer_t<decltype(List::entries)> old;
+    List list = {&old, 9};
+    EXPECT_EQ(decode(value.data(), static_cast<uint32_t>(value.size()), &list), layout == nullptr ? FAIL : 0);
+    EXPECT_EQ(world.blocks.size(), layout == nullptr ? 0u : 1u);
+    if (layout == nullptr) {
+        EXPECT_TRUE(list.entries == &old && list.count == 9);
+        return;
+    }
+    const Bytes entries = wire.substr(countWidth);
+    EXPECT_EQ(list.count * sizeof old, entries.size());
+    EXPECT_EQ(world.blocks[list.entries], entries.size());
+    EXPECT_EQ(ToHex(Bytes(reinterpret_cast<char *>(list.entries), entries.size())), ToHex(ToHost(layout, entries)));
+    free(list.entries);
+}
+
 TEST_F(Decoders, TakeAListWholeOrNotAtAll)
 {
-    enum { HOPS, ROUTES_16, ROUTES_32 };
     const auto list = [](const char *word) { return Body(word).substr(4); };
-    const struct {
-        int decoder;
-        Bytes value;
-        int count;          // -1: refused
-        const char *layout; // of the entries
-    } rows[] = {
-        {HOPS, list("7x3"), 3, "r4 4 r28 r8 4 r24 r36"}, // an address, a label, another kind
-        {HOPS, Hex("0000"), 0, ""},
-        {HOPS, list("7x1/37"), -1, ""},
-        {HOPS, list("7x1/39"), -1, ""},
-        {HOPS, "\1", -1, ""},
-        {HOPS, "", -1, ""},
-        {ROUTES_16, list("3x2"), 2, "r4 4 r8 4 r4"},
-        {ROUTES_16, list("3x1/13"), -1, ""},
-        {ROUTES_16, list("3x1/15"), -1, ""},
-        {ROUTES_16, Hex("8000") + Pattern(24), -1, ""},
-        {ROUTES_32, list("6x2"), 2, "r4 4 r8 4 r4"},
-        {ROUTES_32, Hex("00010002") + Pattern(24), 2, "r4 4 r8 4 r4"}, // the high half is not looked at
-        {ROUTES_32, Hex("0002"), -1, ""},
-        {ROUTES_32, list("6x2/29"), -1, ""},
-    };
-    for (const auto &row : rows) {
-        SCOPED_TRACE(ToHex(row.value));
-        const std::vector<uint8_t> value(row.value.begin(),
-                                         row.value.end()); // of its own size: no byte behind is read
-        const uint32_t length = static_cast<uint32_t>(value.size());
-        RSVP_MOR_HopEntry oldHop;
-        RSVP_MOR_HopList hops = {&oldHop, 9};
-        RSVP_MOR_RouteEntry oldRoute;
-        RSVP_MOR_RouteList routes = {&oldRoute, 9};
-        const uint32_t status = row.decoder == HOPS ? rsvp_mor_DecodeHopList(value.data(), length, &hops)
-                                : row.decoder == ROUTES_16
-                                    ? rsvp_mor_DecodeEntryList16(value.data(), length, &routes)
-                                    : rsvp_mor_DecodeEntryList32(value.data(), length, &routes);
-        EXPECT_EQ(status, row.count < 0 ? FAIL : RSVP_MOR_OK);
-        EXPECT_EQ(world.blocks.size(), row.count < 0 ? 0u : 1u);
-        EXPECT_EQ(row.decoder == HOPS ? hops.count : routes.count, row.count < 0 ? 9 : row.count);
-        void *entries = row.decoder == HOPS ? static_cast<void *>(hops.entries) : routes.entries;
-        EXPECT_EQ(entries == &oldHop || entries == &oldRoute, row.count < 0);
-        if (row.count >= 0) {
-            const Bytes wire = row.value.substr(row.decoder == ROUTES_32 ? 4 : 2);
-            EXPECT_EQ(world.blocks[entries], wire.size());
-            EXPECT_EQ(ToHex(Bytes(static_cast<char *>(entries), wire.size())), ToHex(ToHost(row.layout, wire)));
-            free(entries);
-        }
-    }
-    world.failingAllocation = world.allocations + 1; // an empty list needs its block as well
-    RSVP_MOR_HopList hops = {};
-    EXPECT_EQ(rsvp_mor_DecodeHopList(reinterpret_cast<const uint8_t *>("\0\0"), 2, &hops), FAIL);
+    const char *hops = "r4 4 r28 r8 4 r24 r36"; // an address, a label, another kind
+    const char *routes = "r4 4 r8 4 r4";
+    ExpectList(rsvp_mor_DecodeHopList, 2, list("7x3"), hops);
+    ExpectList(rsvp_mor_DecodeHopList, 2, Hex("0000"), "");
+    for (const Bytes &value : {list("7x1/37"), list("7x1/39"), Hex("01"), Hex("")})
+        ExpectList(rsvp_mor_DecodeHopList, 2, value, nullptr);
+    ExpectList(rsvp_mor_DecodeEntryList16, 2, list("3x2"), routes);
+    for (const Bytes &value : {list("3x1/13"), list("3x1/15"), Hex("8000") + Pattern(24), Hex("00")})
+        ExpectList(rsvp_mor_DecodeEntryList16, 2, value, nullptr);
+    ExpectList(rsvp_mor_DecodeEntryList32, 4, list("6x2"), routes);
+    ExpectList(rsvp_mor_DecodeEntryList32, 4, Hex("00010002") + Pattern(24), routes); // the low half counts
+    for (const Bytes &value : {list("6x2/27"), list("6x2/29"), Hex("0002"), Hex("")})
+        ExpectList(rsvp_mor_DecodeEntryList32, 4, value, nullptr);
+    world.failingAllocation = world.allocations + 1; // a list of no entries needs its block as well
+    ExpectList(rsvp_mor_DecodeHopList, 2, Hex("0000"), nullptr);
 }
 
 TEST_F(Decoders, TakeANameToItsFirstNul)
