@@ -146,7 +146,7 @@ Exit ShowLsps(Output &out, const Command &command, const Table<Row, Key> &table,
             if (Takes(filter, row)) {
                 progress.BeforeRow();
                 written = out.ListRow(out.IsJson() ? ToJson(Describe<Row>(), &row) : nlohmann::ordered_json(),
-                                      RowText(view, style, shown == 0, row));
+                                      RowText(view, out.IsJson() ? Style::Json : style, shown == 0, row));
                 ++shown;
             }
             progress.AfterRow(++rows);

@@ -1,0 +1,50 @@
+// One poll of a `show` in a child process. The library restarts a wait that a signal interrupts, so the waiting is
+// done by a process that can be ended at any moment; its session is closed with it, and no late answer meets a new
+// question.
+#ifndef RSVPCTL_POLLING_H
+#define RSVPCTL_POLLING_H
+
+#include "command_line.h"
+
+#include <csignal>
+#include <functional>
+
+namespace rsvpctl {
+
+/** What ended a wait. */
+enum class Wake : uint8_t { Ready, TimeOut, Interrupted, ReaderGone };
+
+/** Waits that a signal to end (Ctrl-C among them) or the end of the document's reader cuts short. */
+class Waiter {
+public:
+    Waiter();
+    ~Waiter();
+    Waiter(const Waiter &) = delete;
+    Waiter &operator=(const Waiter &) = delete;
+
+    /** Until `fd` (-1: none) can be read or the time is over (-1: no limit). */
+    Wake Wait(int fd, int milliseconds) const;
+
+    /** Lets signals end the calling process again. */
+    void GiveSignalsBack() const;
+
+private:
+    sigset_t before_;
+    int signals_;
+};
+
+struct PollResult {
+    Wake end = Wake::Ready;          // other than Ready: the poll was cut short
+    nlohmann::ordered_json document; // what was said beside the rows
+    bool complete = false;           // all rows were there
+    Exit exit = Exit::Exchange;
+};
+
+using OnRow = std::function<void(const nlohmann::ordered_json &row)>;
+
+/** Runs the command in a child; each row, or the one record, goes to `onRow` as it comes. */
+PollResult RunPoll(const Waiter &waiter, const std::function<Exit(Output &)> &run, const OnRow &onRow);
+
+} // namespace rsvpctl
+
+#endif

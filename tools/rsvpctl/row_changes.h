@@ -1,0 +1,61 @@
+// What changed between two polls of the same `show`: rows by key, fields by path, counters as rates. No clock and no
+// input of its own, so that it can be tried with any rows at any times.
+#ifndef RSVPCTL_ROW_CHANGES_H
+#define RSVPCTL_ROW_CHANGES_H
+
+#include <cstdint>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace rsvpctl {
+
+struct FieldChange {
+    std::string field;               // as a JSON pointer
+    nlohmann::ordered_json before;   // null for what was not there
+    nlohmann::ordered_json after;    // null for what is gone
+    std::optional<double> perSecond; // of a counter that went up
+};
+
+struct RowEvent {
+    enum class Kind : uint8_t { Added, Changed, Removed };
+    Kind kind;
+    nlohmann::ordered_json key; // the key fields of the row
+    nlohmann::ordered_json row; // as it is now, or was last
+    std::vector<FieldChange> changes;
+};
+
+class RowChanges {
+public:
+    explicit RowChanges(std::span<const std::string_view> keyFields);
+
+    void BeginPoll();
+
+    /** A row that was read at `seconds`; an event unless it is as it was. */
+    std::optional<RowEvent> Row(const nlohmann::ordered_json &row, double seconds);
+
+    /** Rows that are gone. Only a poll that saw the whole table can tell. */
+    std::vector<RowEvent> EndPoll(bool complete);
+
+    size_t Rows() const { return rows_.size(); }
+
+private:
+    struct Known {
+        std::string row; // its text, which is a fraction of the parsed row in memory
+        double seconds;
+        uint64_t poll;
+    };
+    nlohmann::ordered_json KeyOf(const nlohmann::ordered_json &row) const;
+
+    std::vector<std::string> keyFields_;
+    std::map<std::string, Known, std::less<>> rows_;
+    uint64_t poll_ = 0;
+};
+
+} // namespace rsvpctl
+
+#endif

@@ -1,0 +1,201 @@
+// `watch show ...`: the same `show` again and again, of which only what changed is printed. It stands in the command
+// tree as a second `show`, so that each takes its own options there, and help and completion know them.
+#include "polling.h"
+#include "row_changes.h"
+#include "shows.h"
+
+#include <chrono>
+#include <ctime>
+#include <fmt/chrono.h>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+namespace rsvpctl {
+namespace {
+
+using Json = nlohmann::ordered_json;
+using SystemClock = std::chrono::system_clock;
+
+constexpr double defaultInterval = 2;
+
+struct WatchOptions {
+    const CLI::Option *interval;
+    const CLI::Option *count;
+    const CLI::Option *initial;
+};
+
+const char *NameOf(RowEvent::Kind kind)
+{
+    switch (kind) {
+    case RowEvent::Kind::Added:
+        return "added";
+    case RowEvent::Kind::Changed:
+        return "changed";
+    default:
+        return "removed";
+    }
+}
+
+std::string TimeForPrograms(SystemClock::time_point now)
+{
+    return fmt::format("{:%FT%T}Z", fmt::gmtime(std::chrono::floor<std::chrono::seconds>(now)));
+}
+
+std::string TimeForPeople(SystemClock::time_point now)
+{
+    return fmt::format("{:%T}", fmt::localtime(SystemClock::to_time_t(now)));
+}
+
+/** Prints the events of one watch. */
+class Reporter {
+public:
+    Reporter(Output &out, std::string operation) : out_(out), operation_(std::move(operation)) {}
+
+    bool Report(const RowEvent &event)
+    {
+        Json line = Head(NameOf(event.kind));
+        line["key"] = event.key;
+        std::string text =
+            fmt::format("{} {:<8} {}\n", TimeForPeople(SystemClock::now()), NameOf(event.kind), KeyWords(event.key));
+        if (event.kind == RowEvent::Kind::Changed) {
+            line["changes"] = Json::array();
+            for (const FieldChange &change : event.changes) {
+                line["changes"].push_back({{"field", change.field},
+                                           {"before", change.before},
+                                           {"after", change.after},
+                                           {"perSecond", change.perSecond ? Json(*change.perSecond) : Json()}});
+                text += ChangeText(change);
+            }
+        }
+        line["row"] = event.row;
+        return out_.Line(line, text);
+    }
+
+    /** Tells of a failure when it begins and of its end, not at each poll in between. */
+    bool ReportState(const PollResult &poll)
+    {
+        const uint32_t status =
+            poll.document.is_object() ? poll.document.value("status", RSVP_MOR_OK) : RSVP_MOR_ERR_FAIL;
+        if (status == std::exchange(lastStatus_, status))
+            return true;
+        const bool failed = status != RSVP_MOR_OK;
+        Json line = Head(failed ? "failed" : "recovered");
+        line["status"] = status;
+        line["statusName"] = Explain(status).name;
+        if (!out_.IsJson())
+            out_.Message(failed ? fmt::format("{} failed   {:#010x} {}: {}", TimeForPeople(SystemClock::now()),
+                                              status, Explain(status).name, Explain(status).cause)
+                                : fmt::format("{} recovered", TimeForPeople(SystemClock::now())));
+        return out_.Line(line, "");
+    }
+
+private:
+    Json Head(const char *event) const
+    {
+        return {{"schemaVersion", schemaVersion},
+                {"operation", operation_},
+                {"time", TimeForPrograms(SystemClock::now())},
+                {"event", event}};
+    }
+
+    // "tunnelEndpoint=10.0.0.4 tunnelId=100": the last word of a path is enough inside a key.
+    static std::string KeyWords(const Json &key)
+    {
+        std::string text;
+        for (const auto &[path, value] : key.flatten().items()) {
+            if (!value.is_null())
+                text += fmt::format("{}{}={}", text.empty() ? "" : " ", path.substr(path.rfind('/') + 1),
+                                    ValueText(value));
+        }
+        return text;
+    }
+
+    static std::string ValueText(const Json &value)
+    {
+        return value.is_string() ? value.get<std::string>() : value.is_null() ? "none" : value.dump();
+    }
+
+    static std::string ChangeText(const FieldChange &change)
+    {
+        std::string rate;
+        if (change.perSecond)
+            rate = fmt::format("  ({:.1f}/s)", *change.perSecond);
+        return fmt::format("           {}  {} -> {}{}\n", change.field.substr(1), ValueText(change.before),
+                           ValueText(change.after), rate);
+    }
+
+    Output &out_;
+    std::string operation_;
+    uint32_t lastStatus_ = RSVP_MOR_OK;
+};
+
+double SecondsNow()
+{
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+Exit Watch(Output &out, const Command &command, const std::function<Exit(Output &)> &show,
+           const WatchOptions &options)
+{
+    const double interval = options.interval->count() == 0 ? defaultInterval : options.interval->as<double>();
+    const uint64_t last = options.count->count() == 0 ? 0 : NumberValue(options.count);
+    const Waiter waiter;
+    RowChanges changes(FindShow(command.name)->keyFields);
+    Reporter reporter(out, command.name);
+    bool print = options.initial->count() != 0;
+    for (uint64_t poll = 1;; ++poll) {
+        bool written = true;
+        changes.BeginPoll();
+        const PollResult result = RunPoll(waiter, show, [&](const Json &row) {
+            const auto event = changes.Row(row, SecondsNow());
+            if (event && print)
+                written = reporter.Report(*event) && written;
+        });
+        if (result.end != Wake::Ready)
+            return Exit::Done;
+        if (result.exit == Exit::Usage)
+            throw UsageError(result.document.value("error", "the arguments cannot be taken"));
+        for (const RowEvent &event : changes.EndPoll(result.complete))
+            written = reporter.Report(event) && written;
+        written = reporter.ReportState(result) && written;
+        if (!written || poll == last)
+            return result.exit;
+        // The rows of a poll that failed half way are no base to tell changes from.
+        if (!print && result.complete) {
+            print = true;
+            if (!out.IsJson())
+                out.Message(fmt::format("{}; what changes is printed every {} s, until Ctrl-C",
+                                        CountText(changes.Rows(), "row"), interval));
+        }
+        if (waiter.Wait(-1, static_cast<int>(interval * 1000)) != Wake::TimeOut)
+            return Exit::Done;
+    }
+}
+
+} // namespace
+
+void AddWatchCommands(CommandLine &line)
+{
+    CLI::App &watch =
+        line.AddGroup(line.Root(), "watch", "Repeat a show and print rows that were added, changed or removed",
+                      "  rsvpctl watch show psb\n"
+                      "  rsvpctl watch show interfaces --interval 10       counters as rates\n"
+                      "  rsvpctl watch show psb --initial --json           one object a line");
+    const WatchOptions options{watch.add_option("--interval")
+                                   ->description(fmt::format("Seconds between polls (default {})", defaultInterval))
+                                   ->type_name("SECONDS")
+                                   ->check(CLI::Range(0.1, 86400.0)),
+                               AddNumber(watch, "--count", UINT32_MAX, "Polls after which it ends; 0 for no end"),
+                               watch.add_flag("--initial")
+                                   ->description("Begin with the rows that are there, as "
+                                                 "added")};
+    AddShowCommands(line, watch);
+    for (Command *command : line.CommandsBelow(PathOf(watch))) {
+        command->inBatch = false;
+        command->run = [command, show = command->run, options](Output &out) {
+            return Watch(out, *command, show, options);
+        };
+    }
+}
+
+} // namespace rsvpctl
