@@ -1,0 +1,497 @@
+// rsvpctl as its users meet it: a program with a command line, two streams and an exit status, in front of a real
+// daemon that is well, that misbehaves, or that is not there.
+#include "batch.h"
+#include "command_line.h"
+#include "frame.h"
+#include "instance.h"
+#include "settings.h"
+#include "support/program.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <fmt/format.h>
+#include <functional>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <set>
+#include <sstream>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+using nlohmann::json;
+using program::HostDirectory;
+using program::Result;
+
+Result Ctl(const HostDirectory &directory, const std::string &line, const std::string &input = "",
+           bool closed = false)
+{
+    std::vector<std::string> words = rsvpctl::SplitWords(line);
+    words.insert(words.begin(), RSVPCTL_PATH);
+    return program::Run(directory, words, input, closed);
+}
+
+// One document, in which the exit status stands as well.
+json Document(const Result &result)
+{
+    json document = json::parse(result.out, nullptr, false);
+    EXPECT_TRUE(document.is_object()) << result.out << result.err;
+    if (!document.is_object())
+        return json::object();
+    EXPECT_EQ(document["schemaVersion"], 1);
+    EXPECT_EQ(document["exitStatus"], result.exit);
+    EXPECT_TRUE(document["operation"].is_string() && document["status"].is_number()) << document;
+    EXPECT_EQ(result.exit == 0 || document["operation"] == "status", result.err.empty()) << result.err;
+    return document;
+}
+
+json CtlJson(const HostDirectory &directory, const std::string &line, const std::string &input = "")
+{
+    SCOPED_TRACE(line);
+    return Document(Ctl(directory, line + " --json", input));
+}
+
+constexpr auto kRows = R"(
+trace = true
+[rows]
+interface = 2
+ifconfig = 2
+nbr = 2
+auth = 2
+facility = 2
+general = 2
+tunnel = 3
+chop = 2
+arhop = 2
+exthop = 2
+resource = 2
+psb = 2
+rsb = 2
+phsb = 2
+crlsp = 2
+p2mpPsb = 2
+p2mpRsb = 2
+p2mpCrlsp = 2
+[[refuse]]
+class = 0
+item = 19
+status = 0x60010006
+[[fault]]
+kind = "close"
+class = 0
+item = 15
+)";
+
+TEST(Rsvpctl, SaysWhatItDidAndWhyNot)
+{
+    const HostDirectory directory(kRows);
+    directory.Write("key.txt", "short key");
+    const struct {
+        const char *line;
+        int exit;
+        const char *out;
+        const char *err;
+    } cases[] = {
+        {"status", 5, "stopped", ""},
+        {"show global", 3, "", "RSVP_MOR_LIPCOpen gave 0x2001000e"},
+        {"show tunnels", 3, "", "broken after 0 rows"},
+        {"set dscp 5", 3, "", "RSVP_MOR_ERR_LIPC"},
+        {"set bfd --interface 3", 5, "", "0x6001001a RSVP_MOR_ERR_NOT_ENABLED"},
+        {"undo bfd --interface 3", 0, "done", ""},
+        {"enable", 0, "done", ""},
+        {"status", 0, "running", ""},
+        {"set interface 3", 0, "set interface 3: done", ""},
+        {"show interfaces 3 --detail", 0, "ifWord1", ""},
+        {"show interfaces 99", 1, "", "0x40010005 RSVP_MOR_ERR_NOT_EXIST"},
+        {"undo interface 3", 0, "done", ""},
+        {"show interfaces 3", 1, "", "likely cause"},
+        {"set peer 10.0.0.9", 0, "done", ""},
+        {"show neighbours", 0, "nbrWord0", "3 rows, end of table"},
+        {"set dscp 5", 1, "", "set dscp: RSVP_MOR_SetDscpValue for 5 gave 0x60010006"},
+        {"set refresh-interval 30", 4, "", "0x40010001 RSVP_MOR_ERR_FAIL"},
+        {"set hello-interval 300", 2, "", "interval: takes a number from 0 to 255, not '300'"},
+        {"set bfd", 2, "", "--interface"},
+        {"set bfd --interface 3 --interface 4", 2, "", "--interface"},
+        {"set auth-window 5 --interface 3 --peer 10.0.0.9", 2, "", "--peer"},
+        {"set peer 10.0.0", 2, "", "10.0.0.9"},
+        {"set auth-key --key-file nothing.txt", 2, "", "nothing.txt"},
+        {"undo dscp", 2, "", "cannot take it back"},
+        {"debug set 16", 2, "", "--endpoint"},
+        {"debug set 16 --endpoint 10.0.0.4 --tunnel-id 7 --extended-tunnel-id 10.0.0.1", 0, "type 16", ""},
+        {"debug show --detail", 0, "10.0.0.4", ""},
+        {"debug undo 16 --endpoint 10.0.0.4 --tunnel-id 65536 --extended-tunnel-id 10.0.0.1", 2, "", "65535"},
+        {"show tunnels", 0, "tunnelWord0", "3 rows, end of table"},
+        {"show tunnels 1,2", 2, "", "tunnelIndex,tunnelInstance,ingressLsrId,egressLsrId"},
+        {"show tunnels --key tunnelIndex=1,size=2,ingressLsrId=3,egressLsrId=4", 2, "", "size=2"},
+        {"show tunnels --after 4294967295,0,0.0.0.0,0", 0, "", "0 rows, end of table"},
+        {"show tunnels --json --detail", 2, "\"exitStatus\":2", "--json"},
+        {"show counters", 0, "upLsps", ""},
+        {"reset statistics 0,0", 0, "done", ""},
+        {"reset statistics 77,0", 1, "", "RSVP_MOR_ResetStatistics"},
+        {"capability interface 4 on", 0, "done", ""},
+        {"options", 1, "", "/etc/te.conf"},
+        {"explain 0x6001001A", 0, "RSVP_MOR_ERR_NOT_ENABLED", ""},
+        {"explain 4294967296", 2, "", "4294967295"},
+        {"batch nothing.txt", 2, "", "nothing.txt"},
+        {"", 2, "", "subcommand"},
+        {"sett", 2, "", "sett"},
+        {"--help", 0, "Exit status", ""},
+        {"set --help", 0, "Examples:", ""},
+        {"set auth-key --help", 0, "--key-file FILE", ""},
+        {"disable", 0, "done", ""},
+        {"status", 5, "stopped", ""},
+    };
+    for (const auto &row : cases) {
+        const Result result = Ctl(directory, row.line);
+        EXPECT_EQ(result.exit, row.exit) << row.line << "\n" << result.err;
+        EXPECT_NE(result.out.find(row.out), std::string::npos) << row.line << "\n" << result.out;
+        EXPECT_NE(result.err.find(row.err), std::string::npos) << row.line << "\n" << result.err;
+    }
+}
+
+// Every command there is, with nothing behind it and as in each of its own examples.
+std::set<std::string> EveryLine()
+{
+    rsvpctl::CommandLine line;
+    AddCommands(line);
+    std::set<std::string> lines;
+    const std::function<void(const CLI::App &)> visit = [&](const CLI::App &app) {
+        const auto subcommands = app.get_subcommands([](const CLI::App *) { return true; });
+        for (const CLI::App *subcommand : subcommands)
+            visit(*subcommand);
+        if (!subcommands.empty())
+            return;
+        lines.insert(rsvpctl::PathOf(app));
+        std::istringstream footer(app.get_footer());
+        for (std::string text; std::getline(footer, text);)
+            if (text.starts_with("  rsvpctl "))
+                lines.insert(text.substr(10, text.find("  ", 10) - 10));
+    };
+    visit(line.Root());
+    // What has no end, what changes the service under the other lines, and what is a script and no document.
+    std::erase_if(lines, [](const std::string &text) {
+        return text.starts_with("watch") || text.starts_with("completion") || text.starts_with("enable") ||
+               text.starts_with("disable") || text.starts_with("capability global") ||
+               text.find('|') != std::string::npos;
+    });
+    return lines;
+}
+
+TEST(Rsvpctl, EveryCommandGivesOneJsonDocument)
+{
+    const HostDirectory directory(kRows);
+    directory.Write("key.txt", "short key");
+    directory.Write("settings.txt", "set interface 3\n");
+    std::string documents;
+    std::set<int> exits;
+    const auto run_all = [&] {
+        for (const std::string &line : EveryLine()) {
+            const json document = CtlJson(directory, line);
+            documents += document.dump() + "\n";
+            exits.insert(document.value("exitStatus", -1));
+        }
+    };
+    run_all();
+    ASSERT_EQ(Ctl(directory, "enable").exit, 0);
+    run_all();
+    EXPECT_EQ(exits, (std::set<int>{0, 1, 2, 3, 4, 5}));
+
+    // The schema is the promise to programs; where no validator is installed, the rest of this test has to do.
+    directory.Write("documents", documents);
+    directory.Write("validate.py", "import json, sys, jsonschema\n"
+                                   "schema = json.load(open(sys.argv[1]))\n"
+                                   "for line in open(sys.argv[2]):\n"
+                                   "    document = json.loads(line)\n"
+                                   "    for error in jsonschema.Draft7Validator(schema).iter_errors(document):\n"
+                                   "        sys.exit(document['operation'] + ': ' + error.message)\n");
+    if (access(SCHEMA_PATH, R_OK) != 0 || system("python3 -c 'import jsonschema' 2>/dev/null") != 0)
+        GTEST_SKIP() << "no schema or no validator";
+    const std::string validate = "python3 " + directory.PathOf("validate.py") + " " + SCHEMA_PATH + " ";
+    EXPECT_EQ(system((validate + directory.PathOf("documents")).c_str()), 0);
+}
+
+TEST(Rsvpctl, TellsTheEndsOfAWalkApart)
+{
+    const struct {
+        const char *fault;
+        int exit;
+        size_t rows;
+        const char *end;
+        const char *message;
+    } cases[] = {
+        {"", 0, 3, "end of table", "3 rows, end of table"},
+        {"kind = \"close\"", 4, 1, "broken", "walk broken after 1 row"},
+        {"kind = \"short\"", 4, 1, "broken", "walk broken after 1 row"},
+        {"kind = \"wrong-body-length\"", 4, 1, "broken", "walk broken after 1 row"},
+        {"kind = \"exit\"", 4, 1, "broken", "walk broken after 1 row"},
+        {"kind = \"status\"\nnumber = 0x60010099", 1, 1, "broken", "0x60010099"},
+        {"kind = \"stuck\"", 4, 1, "stuck", "walk stuck after 1 row"},
+        {"kind = \"shifting\"\nonce = true", 0, 2, "end of table", "2 rows, end of table"},
+    };
+    for (const auto &row : cases) {
+        for (const auto &[table, item, key] :
+             {std::tuple("tunnels", 101, "tunnelWord0"), std::tuple("interfaces", 7, "ifWord1")}) {
+            SCOPED_TRACE(std::string(table) + ": " + row.fault);
+            const std::string fault =
+                *row.fault == '\0' ? ""
+                                   : fmt::format("[[fault]]\nclass = 3\nop = 5\nitem = {}\n{}\n", item, row.fault);
+            for (const bool as_json : {false, true}) {
+                const HostDirectory directory("[rows]\ntunnel = 3\ninterface = 3\n" + fault);
+                ASSERT_EQ(Ctl(directory, "enable").exit, 0);
+                const Result result = Ctl(directory, fmt::format("show {}{}", table, as_json ? " --json" : ""));
+                EXPECT_EQ(result.exit, row.exit);
+                if (!as_json) {
+                    EXPECT_NE(result.err.find(row.message), std::string::npos) << result.err;
+                    EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), row.rows + 1) << result.out;
+                    continue;
+                }
+                const json document = Document(result);
+                EXPECT_EQ(document["rows"].size(), row.rows);
+                EXPECT_EQ(document["count"], row.rows);
+                EXPECT_EQ(document["end"], row.end);
+                EXPECT_EQ(document["complete"], row.end == std::string("end of table"));
+                EXPECT_EQ(document["rows"][0][key], 1);
+            }
+        }
+    }
+}
+
+TEST(Rsvpctl, BatchNamesTheLineAndStopsWhereItIsTold)
+{
+    const std::string text = "# what the line numbers count\n\nset interface 3\nset interface 4 # and a comment\n\n"
+                             "set peer '10.0.0.9'\nset hello-interval 300\nset interface 5\nshow interfaces 77\n";
+    const struct {
+        const char *options;
+        int exit;
+        const char *stopped_behind; // line numbers that have a document
+        size_t interfaces;
+    } cases[] = {
+        {"", 2, "[3,4,6,7]", 2},
+        {"--keep-going", 2, "[3,4,6,7,8,9]", 3},
+        {"--dry-run", 2, "[3,4,6,7,8,9]", 0},
+    };
+    for (const auto &row : cases) {
+        SCOPED_TRACE(row.options);
+        const HostDirectory directory;
+        directory.Write("commands", text);
+        ASSERT_EQ(Ctl(directory, "enable").exit, 0);
+        const json document = CtlJson(directory, fmt::format("batch commands {}", row.options));
+        json lines = json::array();
+        for (const json &line : document["rows"])
+            lines.push_back(line["line"]);
+        EXPECT_EQ(document["exitStatus"], row.exit);
+        EXPECT_EQ(lines.dump(), row.stopped_behind);
+        EXPECT_EQ(document["rows"][3]["exitStatus"], 2);
+        EXPECT_EQ(CtlJson(directory, "show interfaces")["rows"].size(), row.interfaces);
+        const Result plain = Ctl(directory, fmt::format("batch - {}", row.options), text);
+        EXPECT_NE(plain.err.find("standard input:7: set hello-interval"), std::string::npos) << plain.err;
+    }
+}
+
+// A daemon that says yes to everything and keeps what it was sent.
+class Recorder {
+public:
+    explicit Recorder(const std::string &directory) : instance_(directory), thread_([this] { Serve(); }) {}
+    ~Recorder() { Stop(); }
+
+    std::vector<rsvpsimd::Bytes> Stop()
+    {
+        if (thread_.joinable()) {
+            eventfd_write(stop_, 1);
+            thread_.join();
+            close(stop_);
+        }
+        return frames_;
+    }
+
+private:
+    void Serve()
+    {
+        pollfd watched[] = {{instance_.Listener(), POLLIN, 0}, {stop_, POLLIN, 0}};
+        while (poll(watched, 2, -1) > 0 && watched[1].revents == 0) {
+            const int client = accept(instance_.Listener(), nullptr, nullptr);
+            rsvpsimd::Bytes frame(RSVP_MOR_MSG_MAX);
+            for (ssize_t got; (got = recv(client, frame.data(), frame.size(), 0)) > 0;) {
+                frames_.emplace_back(frame.begin(), frame.begin() + got);
+                const rsvpsimd::Bytes reply = rsvpsimd::BuildFrame(frame[0], frame[1], 0, {});
+                send(client, reply.data(), reply.size(), MSG_NOSIGNAL);
+            }
+            close(client);
+        }
+    }
+
+    rsvpsimd::Instance instance_;
+    int stop_ = eventfd(0, 0);
+    std::vector<rsvpsimd::Bytes> frames_;
+    std::thread thread_;
+};
+
+// A line for each setting at each level, and for each way of taking it back.
+std::string EverySetting()
+{
+    std::string lines;
+    for (const rsvpctl::Setting &setting : rsvpctl::AllSettings()) {
+        const std::string_view name = setting.name;
+        std::string where;
+        if (setting.level == rsvpctl::Level::Interface)
+            where = name == "interface" ? " 66051" : " --interface 66051";
+        else if (setting.level == rsvpctl::Level::Peer)
+            where = name == "peer" ? " 10.0.0.9" : " --peer 10.0.0.9";
+        constexpr const char *kValues[] = {"", " 0xab", " 0x1234", " 0x12345678", " 0x1234 0x5678"};
+        const std::string value = setting.kind == rsvpctl::ValueKind::Key
+                                      ? " --key-file key.txt"
+                                      : kValues[static_cast<size_t>(setting.kind)];
+        lines += fmt::format("set {}{}{}\n", name, value, where);
+        if (setting.undo != rsvpctl::Undo::None)
+            lines += fmt::format("undo {}{}{}\n", name, value, where);
+    }
+    return lines;
+}
+
+TEST(Rsvpctl, ADryRunPrintsWhatIsSent)
+{
+    const HostDirectory directory;
+    directory.Write("key.txt", "a key that nobody sees\n");
+    const std::string session = " --endpoint 10.0.0.4 --tunnel-id 4660 --extended-tunnel-id 10.0.0.1\n";
+    directory.Write("commands", EverySetting() + "debug set 4\ndebug undo 0x12345678\ndebug set 16" + session +
+                                    "debug undo 64" + session +
+                                    "capability interface 66051 on\ncapability interface 66051 off\n"
+                                    "reset statistics 66051,4660\nreset auth 66051,66052,4660,4661\n");
+    const std::string batch = "batch commands";
+    const json planned = CtlJson(directory, batch + " --dry-run"); // nobody is there to be asked
+
+    std::vector<rsvpsimd::Bytes> frames;
+    {
+        Recorder recorder(directory.PathOf(""));
+        EXPECT_EQ(CtlJson(directory, batch)["exitStatus"], 0);
+        frames = recorder.Stop();
+    }
+    ASSERT_GE(frames.size(), 2 * rsvpctl::AllSettings().size() - 12);
+    ASSERT_EQ(planned["rows"].size(), frames.size());
+    for (size_t i = 0; i < frames.size(); i++) {
+        const auto message = rsvpsimd::ReadMessage(frames[i]);
+        ASSERT_TRUE(message) << i;
+        json items = json::array();
+        for (const rsvpsimd::Item &item : message->items) {
+            const bool key = item.value.size() == RSVP_MOR_AUTH_KEY_SIZE;
+            items.push_back({{"type", item.type},
+                             {"length", item.value.size()},
+                             {"value", key ? "hidden" : fmt::format("{:02x}", fmt::join(item.value, ""))}});
+        }
+        const json sent = {{"class", message->msg_class}, {"op", message->op}, {"items", items}};
+        EXPECT_EQ(planned["rows"][i]["requests"], json::array({sent})) << planned["rows"][i];
+    }
+}
+
+TEST(Rsvpctl, KeysAreNeverSeen)
+{
+    const HostDirectory directory("trace = true");
+    const std::string secret = "hunter2-hunter2";
+    directory.Write("key.txt", secret + "\n");
+    std::string seen;
+    for (const std::string line :
+         {"enable", "set auth-key --key-file key.txt", "set interface 3",
+          "set auth-key --interface 3 --key-file key.txt", "set auth-key --peer 10.0.0.9 --key-file -", "show global",
+          "show interfaces", "show auth", "undo auth-key --key-file key.txt"}) {
+        for (const char *style : {"", " --json", " --detail"}) {
+            const Result result = Ctl(directory, line + style, secret);
+            EXPECT_EQ(result.exit, 0) << line << result.err;
+            seen += result.out + result.err;
+        }
+    }
+    seen += Ctl(directory, "batch - --dry-run", "set auth-key --key-file key.txt\n").out;
+    EXPECT_NE(seen.find("hidden"), std::string::npos);
+    seen += directory.Read("rsvpsimd.log");
+    EXPECT_NE(seen.find("authKey=********"), std::string::npos);
+    EXPECT_EQ(seen.find(secret.substr(0, 7)), std::string::npos);
+    EXPECT_EQ(seen.find("68756e746572"), std::string::npos); // the same in hex
+
+    // A key goes in through a file alone, is padded with zeros, and is refused if it is too long or missing.
+    EXPECT_EQ(Ctl(directory, "set auth-key " + secret).exit, 2);
+    EXPECT_EQ(Ctl(directory, "set auth-key --key-file -", std::string(69, 'x')).exit, 2);
+    EXPECT_EQ(Ctl(directory, "set auth-key --key-file -", "\n").exit, 2);
+    for (const std::string &key : {secret, std::string(68, 'y')}) {
+        EXPECT_EQ(Ctl(directory, "set auth-key --key-file -", key + "\n").exit, 0);
+        const int32_t fd = RSVP_MOR_LIPCOpen();
+        RSVP_MOR_GlobalInfo info;
+        EXPECT_EQ(RSVP_MOR_GetGlobalInfo(fd, &info), RSVP_MOR_OK);
+        RSVP_MOR_LIPCClose(fd);
+        EXPECT_EQ(std::string(info.authKey, std::end(info.authKey)), key + std::string(68 - key.size(), '\0'));
+    }
+}
+
+TEST(Rsvpctl, NumbersThatDoNotFitAreRefusedBeforeAnythingIsSent)
+{
+    const HostDirectory directory; // without a daemon: whatever is sent would fail in another way
+    std::string lines;
+    std::string fitting;
+    size_t count = 0;
+    for (const rsvpctl::Setting &setting : rsvpctl::AllSettings()) {
+        if (setting.argument == nullptr)
+            continue;
+        const uint64_t most = rsvpctl::MaximumOf(setting.kind);
+        const std::string where = setting.level == rsvpctl::Level::Interface ? " --interface 3"
+                                  : setting.level == rsvpctl::Level::Peer    ? " --peer 10.0.0.9"
+                                                                             : "";
+        const bool pair = setting.kind == rsvpctl::ValueKind::Pair;
+        for (const std::string &value : {std::to_string(most + 1), fmt::format("{:#x}", most + 1), std::string("-1"),
+                                         std::string("1x"), std::string("0x"), std::string("18446744073709551616")}) {
+            lines += fmt::format("set {} {}{}{}\n", setting.name, pair ? "1 " : "", value, where);
+            count++;
+        }
+        fitting += fmt::format("set {} {}{}{}\n", setting.name, pair ? "1 " : "", most, where);
+    }
+    lines += "set bfd --interface 4294967296\nset peer 10.0.0.256\nset peer 1.2.3\n";
+    const json refused = CtlJson(directory, "batch - --keep-going", lines);
+    ASSERT_EQ(refused["rows"].size(), count + 3);
+    for (const json &row : refused["rows"])
+        EXPECT_EQ(row["exitStatus"], 2) << row;
+    for (const json &row : CtlJson(directory, "batch - --keep-going", fitting)["rows"])
+        EXPECT_TRUE(row["exitStatus"] == 3 || row["exitStatus"] == 5) << row;
+}
+
+TEST(Rsvpctl, EnablesAndDisablesTheNodesOfOneDeviceAlone)
+{
+    const HostDirectory device;
+    const HostDirectory other;
+    device.Write("nodes", "master 7\nstandby 8 9\n");
+    EXPECT_EQ(Ctl(device, "enable").exit, 0);
+    EXPECT_EQ(Ctl(device, "enable").exit, 0); // all of it is done already
+    EXPECT_EQ(device.Read("service/8") + device.Read("service/9"), "1\n1\n");
+    const std::string pid = device.Read("rsvpsimd.lock");
+    EXPECT_EQ(Ctl(other, "status").exit, 5);
+
+    EXPECT_EQ(Ctl(other, "enable").exit, 0);
+    EXPECT_EQ(Ctl(device, "set interface 3").exit, 0);
+    EXPECT_EQ(CtlJson(device, "show interfaces")["rows"].size(), 1U);
+    EXPECT_EQ(CtlJson(other, "show interfaces")["rows"].size(), 0U);
+    EXPECT_EQ(Ctl(other, "disable").exit, 0);
+    EXPECT_EQ(Ctl(device, "status").exit, 0);
+    EXPECT_EQ(device.Read("rsvpsimd.lock"), pid);
+
+    EXPECT_EQ(Ctl(device, "disable").exit, 0);
+    EXPECT_EQ(device.Read("service/8") + device.Read("service/9"), "0\n0\n");
+    EXPECT_NE(access(device.PathOf("lipc-0ae18000").c_str(), F_OK), 0);
+    const json status = CtlJson(device, "status");
+    EXPECT_EQ(status["record"]["service"], "stopped");
+    EXPECT_EQ(status["status"], RSVP_MOR_ERR_NOT_ENABLED);
+}
+
+TEST(Rsvpctl, AReaderThatGoesAwayIsNoFailure)
+{
+    const HostDirectory directory("[rows]\ntunnel = 1000\n");
+    ASSERT_EQ(Ctl(directory, "enable").exit, 0);
+    for (const char *line : {"show tunnels", "show tunnels --json", "show global", "batch -"}) {
+        const Result result = Ctl(directory, line, "show tunnels\nshow global\n", true);
+        EXPECT_EQ(result.exit, 0) << line;
+        EXPECT_EQ(result.err, "") << line;
+    }
+    // The walk was given up at its first rows, not carried to its end.
+    const json counts = CtlJson(directory, "show global")["record"];
+    EXPECT_LT(counts["statWord3"], 100);
+}
+
+} // namespace
