@@ -56,7 +56,11 @@ std::vector<std::string> PlatformCalls();
 class WorldTest : public ::testing::Test {
 protected:
     void SetUp() override { Reset(); }
-    void TearDown() override { EXPECT_TRUE(Clean()); }
+    void TearDown() override
+    {
+        EXPECT_TRUE(Clean());
+        Reset();
+    }
 };
 
 } // namespace scripted
