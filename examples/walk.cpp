@@ -9,11 +9,12 @@
 
 namespace {
 
+// Records hold addresses as numbers in host order.
 std::string Dotted(std::uint32_t address)
 {
-    std::string text;
-    for (int shift = 24; shift >= 0; shift -= 8)
-        text += (text.empty() ? "" : ".") + std::to_string(address >> shift & 0xFF);
+    char text[sizeof("255.255.255.255")];
+    std::snprintf(text, sizeof(text), "%u.%u.%u.%u", address >> 24, address >> 16 & 0xFF, address >> 8 & 0xFF,
+                  address & 0xFF);
     return text;
 }
 
