@@ -1,0 +1,394 @@
+// The benchmark: one table, one row a promise, with the bound next to what was measured. Exit status 1 if a bound
+// that does not depend on the machine's load is broken.
+#include "calls.h"
+
+#include "rsvp_mor.h"
+
+#include <algorithm>
+#include <benchmark/benchmark.h>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <spawn.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using benchmark::State;
+using rsvpsimd::Bytes;
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Words = std::vector<std::string>;
+
+std::string programs; // folder of the programs of this build
+std::string arm_library;
+std::string directory;
+
+double Since(Clock::time_point start)
+{
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+template <typename Function> double Time(const Function &function)
+{
+    const auto start = Clock::now();
+    function();
+    return Since(start);
+}
+
+double Percentile(std::vector<double> times, double part)
+{
+    const auto at = times.begin() + static_cast<std::ptrdiff_t>(part * static_cast<double>(times.size() - 1));
+    std::nth_element(times.begin(), at, times.end());
+    return *at;
+}
+
+// One row of the table: what was measured, what it is compared with, the number that the bound is for.
+void Row(State &state, double measured, double against, double result, double bound, bool exact = false)
+{
+    state.counters["measured"] = measured;
+    state.counters["against"] = against;
+    state.counters["result"] = result;
+    state.counters["bound"] = bound;
+    state.counters["exact"] = exact; // the same on every run of one build
+}
+
+// A program's run: its standard output goes to a file.
+struct Outcome {
+    double seconds;
+    long resident; // KiB at most
+};
+
+Outcome RunProgram(const Words &words, const std::string &output)
+{
+    std::vector<char *> arguments;
+    for (const std::string &word : words)
+        arguments.push_back(const_cast<char *>(word.c_str()));
+    arguments.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    const auto start = Clock::now();
+    pid_t child;
+    int status = 0;
+    rusage usage{};
+    if (posix_spawnp(&child, arguments[0], &actions, nullptr, arguments.data(), environ) != 0)
+        bench::Fail("cannot run " + words[0]);
+    wait4(child, &status, 0, &usage);
+    posix_spawn_file_actions_destroy(&actions);
+    if (status != 0)
+        bench::Fail(words[0] + " ended with status " + std::to_string(WEXITSTATUS(status)));
+    return {Since(start), usage.ru_maxrss};
+}
+
+void Pairs(State &state, bench::Kind kind)
+{
+    const bench::Call call = bench::CallOf(kind);
+    const bench::Child server(bench::StartCannedServer(directory, call.body));
+    const int fd = call.own_session ? -1 : RSVP_MOR_LIPCOpen();
+    std::vector<double> library;
+    std::vector<double> raw;
+    for (auto _ : state) {
+        library.push_back(Time([&] { call.library(fd); }));
+        raw.push_back(
+            Time([&] { call.own_session ? bench::RawOwn(call.request) : bench::RawHeld(fd, call.request); }));
+        state.SetIterationTime(library.back());
+    }
+    if (!call.own_session)
+        RSVP_MOR_LIPCClose(fd);
+    Row(state, 1e6 * Percentile(library, 0.1), 1e6 * Percentile(raw, 0.1),
+        Percentile(library, 0.1) / Percentile(raw, 0.1), 1.05);
+    state.counters["median"] = Percentile(library, 0.5) / Percentile(raw, 0.5);
+}
+
+// A reply of so many bytes, of which nothing is kept.
+void ReplySize(State &state)
+{
+    Bytes body;
+    rsvpsimd::AppendItem(body, 99, Bytes(static_cast<std::size_t>(state.range(0)) - 12));
+    const bench::Child server(bench::StartCannedServer(directory, body));
+    const int fd = RSVP_MOR_LIPCOpen();
+    const Bytes request = rsvpsimd::BuildFrame(rsvpsimd::kShow, rsvpsimd::kGetFirst, 0, Bytes{0, 1, 0, 0});
+    std::vector<double> library;
+    std::vector<double> raw;
+    for (auto _ : state) {
+        RSVP_MOR_ReplyCrlsp record{};
+        library.push_back(Time([&] { RSVP_MOR_GetFirstCrlsp(fd, &record); }));
+        raw.push_back(Time([&] { bench::RawHeld(fd, request); }));
+        state.SetIterationTime(library.back());
+    }
+    RSVP_MOR_LIPCClose(fd);
+    Row(state, 1e6 * Percentile(library, 0.1), 1e6 * Percentile(raw, 0.1),
+        Percentile(library, 0.1) / Percentile(raw, 0.1), 1.05);
+}
+
+// Times of the calls of one walk over the daemon's path state blocks.
+void Walk(std::vector<double> &times)
+{
+    const int fd = RSVP_MOR_LIPCOpen();
+    RSVP_MOR_ReplyPsb record{};
+    uint32_t status = RSVP_MOR_GetFirstPsbInfo(fd, &record);
+    while (status == RSVP_MOR_OK) {
+        RSVP_MOR_FreeReplyPsb(&record);
+        times.push_back(
+            Time([&] { status = RSVP_MOR_GetNextPsbInfo(fd, &record.session, &record.sender, &record); }));
+    }
+    RSVP_MOR_LIPCClose(fd);
+}
+
+void Growth(State &state)
+{
+    const auto rows = static_cast<std::size_t>(state.range(0));
+    std::vector<double> few;
+    std::vector<double> many;
+    for (auto _ : state) {
+        for (std::vector<double> *times : {&few, &many}) {
+            const std::size_t count = times == &few ? 10 : rows;
+            const bench::Child daemon(
+                bench::StartDaemon(programs + "/rsvpsimd", "psb-plain=" + std::to_string(count)));
+            while (times->size() < 100'000 && times->size() < rows)
+                Walk(*times);
+        }
+        state.SetIterationTime(1);
+    }
+    Row(state, 1e6 * Percentile(many, 0.1), 1e6 * Percentile(few, 0.1), Percentile(many, 0.1) / Percentile(few, 0.1),
+        1.05);
+}
+
+void Batch(State &state)
+{
+    constexpr int kCommands = 1000;
+    const std::string file = directory + "/batch";
+    std::ofstream lines(file);
+    for (int i = 0; i < kCommands; i++)
+        lines << "set dscp 48\n";
+    lines.close();
+    const Bytes request = bench::CallOf(bench::Kind::COMMAND).request;
+    const bench::Child daemon(bench::StartDaemon(programs + "/rsvpsimd", "tunnel=1"));
+    std::vector<double> tool;
+    std::vector<double> raw;
+    for (auto _ : state) {
+        tool.push_back(RunProgram({programs + "/rsvpctl", "batch", file}, "/dev/null").seconds);
+        raw.push_back(Time([&] {
+            for (int i = 0; i < kCommands; i++)
+                bench::RawOwn(request);
+        }));
+        state.SetIterationTime(tool.back());
+    }
+    Row(state, 1e3 * Percentile(tool, 0.5), 1e3 * Percentile(raw, 0.5), Percentile(tool, 0.5) / Percentile(raw, 0.5),
+        2);
+}
+
+void TunnelWalk()
+{
+    RSVP_MOR_ReplyTunnel row;
+    for (uint32_t status = RSVP_GetFirstTunnel(&row); status == RSVP_MOR_OK;) {
+        const RSVP_MOR_TunnelKey key{row.tunnelWord0, row.tunnelWord1, row.tunnelWord2, row.tunnelWord3};
+        status = RSVP_GetNextTunnel(&key, &row);
+    }
+}
+
+void ShowTunnels(State &state)
+{
+    constexpr int kRows = 20'000;
+    const bench::Child daemon(bench::StartDaemon(programs + "/rsvpsimd", "tunnel=" + std::to_string(kRows)));
+    std::vector<double> tool;
+    std::vector<double> walk;
+    for (auto _ : state) {
+        tool.push_back(RunProgram({programs + "/rsvpctl", "show", "tunnels", "--json"}, "/dev/null").seconds);
+        walk.push_back(Time(TunnelWalk));
+        state.SetIterationTime(tool.back());
+    }
+    Row(state, kRows / Percentile(tool, 0.5), kRows / Percentile(walk, 0.5),
+        Percentile(tool, 0.5) / Percentile(walk, 0.5), 1.3);
+}
+
+void Memory(State &state)
+{
+    std::vector<double> resident;
+    for (auto _ : state) {
+        for (const char *rows : {"tunnel=100", "tunnel=100000"}) {
+            const bench::Child daemon(bench::StartDaemon(programs + "/rsvpsimd", rows));
+            resident.push_back(static_cast<double>(
+                RunProgram({programs + "/rsvpctl", "show", "tunnels", "--json"}, "/dev/null").resident));
+        }
+        state.SetIterationTime(1);
+    }
+    Row(state, resident[1], resident[0], resident[1] / resident[0], 1.05); // pages come and go by the handful
+}
+
+// What a tool counts in a run of one_call, per call: two runs of different length, so that all else falls out.
+template <typename Count> double PerCall(const std::string &kind, const Words &tool, const Count &count)
+{
+    const bench::Call call = bench::CallOf(static_cast<bench::Kind>(std::atoi(kind.c_str())));
+    const bench::Child server(bench::StartCannedServer(directory, call.body));
+    double counts[2];
+    for (const int times : {100, 300}) {
+        Words words = tool;
+        words.insert(words.end(), {programs + "/one_call", kind, std::to_string(times)});
+        RunProgram(words, directory + "/output");
+        counts[times == 300] = count();
+    }
+    return (counts[1] - counts[0]) / 200;
+}
+
+double Instructions(const std::string &kind)
+{
+    const std::string file = directory + "/callgrind";
+    // A string instruction counts once for each byte: with this, the C library zeroes by plain stores.
+    setenv("GLIBC_TUNABLES", "glibc.cpu.x86_rep_stosb_threshold=1000000", 1);
+    return PerCall(kind, {"valgrind", "-q", "--tool=callgrind", "--callgrind-out-file=" + file}, [&] {
+        std::ifstream lines(file);
+        double total = 0;
+        for (std::string word; lines >> word;)
+            if (word == "summary:")
+                lines >> total;
+        return total;
+    });
+}
+
+void CallInstructions(State &state, bench::Kind kind)
+{
+    double library = 0;
+    double floor = 0;
+    for (auto _ : state) {
+        library = Instructions(std::to_string(static_cast<int>(kind)));
+        floor = Instructions("floor");
+        state.SetIterationTime(1);
+    }
+    // The floor is that of the read without lists; the others are told for the record.
+    Row(state, library, floor, library / floor, kind == bench::Kind::PATH_STATE ? 1.3 : 0, true);
+}
+
+void SystemCalls(State &state, bench::Kind kind)
+{
+    double calls = 0;
+    const std::string file = directory + "/strace";
+    for (auto _ : state) {
+        calls = PerCall(std::to_string(static_cast<int>(kind)), {"strace", "-qq", "-o", file}, [&] {
+            std::ifstream lines(file);
+            return static_cast<double>(std::count(std::istreambuf_iterator<char>(lines), {}, '\n'));
+        });
+        state.SetIterationTime(1);
+    }
+    const double wanted = bench::CallOf(kind).own_session ? 7 : 2;
+    Row(state, calls, wanted, calls, wanted, true);
+}
+
+void HeapAndStack(State &state, bench::Kind kind, bool heap)
+{
+    const bench::Call call = bench::CallOf(kind);
+    double blocks = 0;
+    double stack = 0;
+    for (auto _ : state) {
+        const bench::Child server(bench::StartCannedServer(directory, call.body));
+        RunProgram({programs + "/one_call", std::to_string(static_cast<int>(kind)), "100", "measure"},
+                   directory + "/output");
+        std::ifstream(directory + "/output") >> blocks >> stack;
+        state.SetIterationTime(1);
+    }
+    if (heap)
+        Row(state, blocks, 0, blocks, kind == bench::Kind::PATH_STATE_LISTS ? 2 : 0, true);
+    else
+        Row(state, stack, 2 * RSVP_MOR_MSG_MAX, stack / (2 * RSVP_MOR_MSG_MAX), 0, true);
+}
+
+void ArmSize(State &state)
+{
+    double size = 0;
+    for (auto _ : state) {
+        size = static_cast<double>(std::filesystem::file_size(arm_library));
+        state.SetIterationTime(1);
+    }
+    Row(state, size, 24'000, size, 28'000, true);
+}
+
+// Prints the table while the JSON file is written by the framework.
+class Table : public benchmark::BenchmarkReporter {
+public:
+    bool ReportContext(const Context &) override
+    {
+        std::printf("%-52s %12s %12s %10s %8s\n", "what", "measured", "against", "result", "bound");
+        return true;
+    }
+
+    void ReportRuns(const std::vector<Run> &runs) override
+    {
+        for (const Run &run : runs) {
+            std::string name = run.run_name.function_name;
+            if (!run.run_name.args.empty())
+                name += " " + run.run_name.args;
+            const auto number = [&](const char *key) { return run.counters.at(key).value; };
+            const bool bounded = number("bound") != 0 || number("against") == 0;
+            const bool broken = bounded && number("result") > number("bound") + 1e-9;
+            std::printf("%-52s %12.2f %12.2f %10.3f ", name.c_str(), number("measured"), number("against"),
+                        number("result"));
+            std::printf(bounded ? "%8.2f  %s\n" : "       -\n", number("bound"), broken ? "NOT MET" : "met");
+            std::fflush(stdout);
+            broken_ = broken_ || (broken && number("exact") != 0);
+        }
+    }
+
+    bool Broken() const { return broken_; }
+
+private:
+    bool broken_ = false;
+};
+
+benchmark::internal::Benchmark *Add(const std::string &name, const std::function<void(State &)> &function,
+                                    int iterations)
+{
+    return benchmark::RegisterBenchmark(name.c_str(), [function](State &state) { function(state); })
+        ->UseManualTime()
+        ->Iterations(iterations);
+}
+
+void AddAll()
+{
+    using bench::Kind;
+    const Kind kinds[] = {Kind::PATH_STATE, Kind::PATH_STATE_LISTS, Kind::GLOBAL_RECORD, Kind::TUNNEL_ROW,
+                          Kind::COMMAND};
+    const auto each = [&](const std::string &what, const std::function<void(State &, Kind)> &function,
+                          int iterations) {
+        for (const Kind kind : kinds)
+            Add(
+                what + bench::CallOf(kind).name, [=](State &state) { function(state, kind); }, iterations);
+    };
+    each("us: ", Pairs, 20'000);
+    Add("us: reply of bytes", ReplySize, 5000)->Arg(64)->Arg(512)->Arg(2048)->Arg(8192);
+    Add("us a row, against 10 rows: rows", Growth, 1)->Arg(1000)->Arg(100'000)->Arg(1'000'000);
+    Add("ms: rsvpctl batch, 1000 commands", Batch, 9);
+    Add("rows/s: rsvpctl show tunnels --json", ShowTunnels, 5);
+    Add("KiB: rsvpctl, 100000 tunnels against 100", Memory, 1);
+    each("instructions: ", CallInstructions, 1);
+    each("system calls: ", SystemCalls, 1);
+    each(
+        "heap blocks: ", [](State &state, Kind kind) { HeapAndStack(state, kind, true); }, 1);
+    each(
+        "stack bytes, against two areas: ", [](State &state, Kind kind) { HeapAndStack(state, kind, false); }, 1);
+    if (!arm_library.empty())
+        Add("bytes of the stripped ARM library, against the aim", ArmSize, 1);
+}
+
+} // namespace
+
+int main(int count, char **words)
+{
+    benchmark::Initialize(&count, words);
+    if (count < 2)
+        bench::Fail("usage: rsvp_mor_bench PROGRAMS [ARM_LIBRARY] [--benchmark_...]");
+    programs = words[1];
+    arm_library = count > 2 ? words[2] : "";
+    const bench::HostDirectory host;
+    directory = host.Path();
+    AddAll();
+    Table table;
+    benchmark::RunSpecifiedBenchmarks(&table);
+    return table.Broken() ? 1 : 0;
+}

@@ -1,0 +1,226 @@
+// Builds the canned messages and runs the processes of the benchmark.
+#include "calls.h"
+
+#include "channel/message.h"
+#include "rsvp_mor.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <spawn.h>
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+using namespace rsvpsimd;
+
+namespace bench {
+
+namespace {
+
+constexpr std::size_t kPathState = 440;
+
+sockaddr_un Address()
+{
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::snprintf(address.sun_path, sizeof(address.sun_path), "%s/lipc-0ae18000", getenv("RSVP_HOST_DIR"));
+    return address;
+}
+
+void Check(std::uint32_t status)
+{
+    if (status != RSVP_MOR_OK)
+        Fail("a call of the library gave " + std::to_string(status));
+}
+
+void PathState(int fd)
+{
+    static const RSVP_MOR_Session session{};
+    static const RSVP_MOR_Sender sender{};
+    RSVP_MOR_ReplyPsb record{};
+    Check(RSVP_MOR_GetNextPsbInfo(fd, &session, &sender, &record));
+    RSVP_MOR_FreeReplyPsb(&record);
+}
+
+void GlobalRecord(int fd)
+{
+    RSVP_MOR_GlobalInfo record;
+    Check(RSVP_MOR_GetGlobalInfo(fd, &record));
+}
+
+void TunnelRow(int)
+{
+    static const RSVP_MOR_TunnelKey key{};
+    RSVP_MOR_ReplyTunnel record;
+    Check(RSVP_GetNextTunnel(&key, &record));
+}
+
+void Command(int)
+{
+    Check(RSVP_MOR_SetDscpValue(48));
+}
+
+Bytes Item(std::uint16_t type, const Bytes &value)
+{
+    Bytes body;
+    AppendItem(body, type, value);
+    return body;
+}
+
+// A path state block, and if asked for a route of three elements and a recorded route of three hops.
+Bytes PathStateBody(bool lists)
+{
+    Bytes body = Item(15, Bytes(kPathState, 1));
+    if (!lists)
+        return body;
+    for (const auto &[type, entry] : {std::pair{3, 12}, std::pair{7, 36}}) {
+        Bytes list{0, 3};
+        list.resize(list.size() + 3 * static_cast<std::size_t>(entry), 1);
+        AppendItem(body, static_cast<std::uint16_t>(type), list);
+    }
+    return body;
+}
+
+void Answer(int client, const Bytes &body)
+{
+    std::array<std::uint8_t, RSVP_MOR_MSG_MAX> request;
+    const Bytes read = BuildFrame(kShow, kGetNext, kOk, body);
+    const Bytes command = BuildFrame(kGlobal, kSet, kOk, {});
+    for (;;) {
+        const ssize_t got = recv(client, request.data(), request.size(), 0);
+        if (got <= 0)
+            return;
+        const Bytes &reply = request[0] == kShow ? read : command;
+        send(client, reply.data(), reply.size(), MSG_NOSIGNAL);
+    }
+}
+
+} // namespace
+
+void Fail(const std::string &what)
+{
+    std::fprintf(stderr, "bench: %s (%s)\n", what.c_str(), std::strerror(errno));
+    std::exit(1);
+}
+
+Call CallOf(Kind kind)
+{
+    const Bytes next = BuildFrame(kShow, kGetNext, kOk, Item(8, Bytes(20)));
+    switch (kind) {
+    case Kind::PATH_STATE:
+        return {"path state block, held", false, PathState, next, PathStateBody(false)};
+    case Kind::PATH_STATE_LISTS:
+        return {"path state block, two lists, held", false, PathState, next, PathStateBody(true)};
+    case Kind::GLOBAL_RECORD:
+        return {"record of 680 bytes, held", false, GlobalRecord, BuildFrame(kShow, kGet, kOk, Item(6, {})),
+                Item(6, Bytes(680, 1))};
+    case Kind::TUNNEL_ROW:
+        return {"row of 60 bytes, own session", true, TunnelRow,
+                BuildFrame(kShow, kGetNext, kOk, Item(101, Bytes(16))), Item(101, Bytes(60, 1))};
+    case Kind::COMMAND:
+        return {
+            "command, own session", true, Command, BuildFrame(kGlobal, kSet, kOk, Item(19, Bytes{0, 0, 0, 48})), {}};
+    }
+    Fail("no such call");
+}
+
+void RawHeld(int fd, const Bytes &request)
+{
+    std::array<std::uint8_t, RSVP_MOR_MSG_MAX> reply;
+    if (send(fd, request.data(), request.size(), MSG_NOSIGNAL) != static_cast<ssize_t>(request.size()) ||
+        recv(fd, reply.data(), reply.size(), MSG_WAITALL) < static_cast<ssize_t>(kHeaderSize))
+        Fail("the raw exchange failed");
+}
+
+void RawOwn(const Bytes &request)
+{
+    static const sockaddr_un address = Address();
+    const timeval ten_seconds{10, 0};
+    const int fd = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0);
+    if (setsockopt(fd, SOL_SOCKET, SO_SNDTIMEO, &ten_seconds, sizeof(ten_seconds)) != 0 ||
+        setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &ten_seconds, sizeof(ten_seconds)) != 0 ||
+        connect(fd, reinterpret_cast<const sockaddr *>(&address), sizeof(address)) != 0)
+        Fail("the raw session failed");
+    RawHeld(fd, request);
+    close(fd);
+}
+
+void Floor()
+{
+    rsvp_mor::Request request{}; // the library's own areas, so that both are zeroed in the same way
+    rsvp_mor::Reply reply{};
+    static volatile std::uint8_t source = 1;
+    static std::array<std::uint32_t, kPathState / 4> record;
+    for (std::size_t i = 0; i < 12; i++)
+        request.area[i] = source;
+    asm volatile("" ::"r"(&request), "r"(&reply) : "memory"); // here the system calls would be
+    std::memcpy(record.data(), reply.area + 12, kPathState);
+    for (std::size_t i = 0; i < 90; i++)
+        record[i] = __builtin_bswap32(record[i]);
+    asm volatile("" ::"r"(record.data()) : "memory");
+}
+
+HostDirectory::HostDirectory()
+{
+    char path[] = "/tmp/rsvp-bench-XXXXXX";
+    if (mkdtemp(path) == nullptr)
+        Fail("no folder for the run");
+    path_ = path;
+    setenv("RSVP_HOST_DIR", path, 1);
+}
+
+HostDirectory::~HostDirectory()
+{
+    std::filesystem::remove_all(path_);
+}
+
+Child::~Child()
+{
+    kill(pid_, SIGTERM);
+    waitpid(pid_, nullptr, 0);
+}
+
+pid_t StartCannedServer(const std::string &directory, const Bytes &body)
+{
+    const sockaddr_un address = Address();
+    const int listener = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0);
+    unlink((directory + "/lipc-0ae18000").c_str());
+    if (bind(listener, reinterpret_cast<const sockaddr *>(&address), sizeof(address)) != 0 ||
+        listen(listener, 16) != 0)
+        Fail("the server cannot listen");
+    const pid_t child = fork();
+    if (child != 0) {
+        close(listener);
+        return child;
+    }
+    for (;;) {
+        const int client = accept(listener, nullptr, nullptr);
+        Answer(client, body);
+        close(client);
+    }
+}
+
+pid_t StartDaemon(const std::string &program, const std::string &rows)
+{
+    const char *words[] = {program.c_str(), "--rows", rows.c_str(), nullptr};
+    pid_t child;
+    if (posix_spawn(&child, words[0], nullptr, nullptr, const_cast<char **>(words), environ) != 0)
+        Fail("cannot start " + program);
+    for (int tries = 0; tries < 1000; tries++) {
+        if (const int fd = RSVP_MOR_LIPCOpen(); fd >= 0) {
+            RSVP_MOR_LIPCClose(fd);
+            return child;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    Fail(program + " does not answer");
+}
+
+} // namespace bench

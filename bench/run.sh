@@ -1,0 +1,15 @@
+#!/bin/sh
+# Prints the benchmark's table and writes it as JSON. With a third argument, the folder of a build for the router, the
+# size of its library is held against its bound too, and its functions are listed by size next to the JSON.
+set -eu
+build=$1
+json=$2
+router=${3:-}
+library=
+if [ -n "$router" ]; then
+  library=$json.so
+  arm-linux-gnueabihf-strip -o "$library" "$router/lib/librsvp_mor.so.1.0.0"
+  arm-linux-gnueabihf-nm --size-sort --reverse-sort --print-size --demangle --radix=d "$router/lib/librsvp_mor.so.1.0.0" |
+    grep -i ' t ' | cut -d' ' -f2,4- | sed 's/^0*//' >"$json.functions"
+fi
+exec "$build/bin/rsvp_mor_bench" "$build/bin" $library --benchmark_out="$json" --benchmark_out_format=json
