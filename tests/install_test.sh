@@ -7,7 +7,7 @@ set -euo pipefail
 source=$(cd "$(dirname "$0")/.." && pwd)
 build=$1
 work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+trap '[ ! -d "$work/device" ] || "$prefix/bin/rsvpctl" disable >/dev/null; rm -rf "$work"' EXIT
 prefix="$work/an odd prefix"
 
 step() {
@@ -81,6 +81,5 @@ fi
 step "the installed tool starts the installed daemon"
 export RSVP_HOST_DIR="$work/device"
 "$prefix/bin/rsvpctl" enable
-ps -o args= -p "$(cat "$RSVP_HOST_DIR/rsvpsimd.lock")" | grep -F "$prefix"
+tr '\0' ' ' <"/proc/$(cat "$RSVP_HOST_DIR/rsvpsimd.lock")/cmdline" | grep -F "$prefix" >/dev/null
 "$prefix/bin/rsvpctl" set interface 3
-"$prefix/bin/rsvpctl" disable
