@@ -1,6 +1,8 @@
 // Parsing of command lines, and the way from a parsed one to its exit status.
 #include "command_line.h"
 
+#include "pager.h"
+
 #include <algorithm>
 #include <fmt/format.h>
 
@@ -73,7 +75,8 @@ CommandLine::CommandLine() : root_("Configures and reads the RSVP-TE daemon.", "
     detail_ = root_.add_flag("--detail")->description("Every field of a row, one a line")->excludes(json_);
     color_ = root_.add_option("--color", "Colour: auto (only on a terminal, and without NO_COLOR), always, never")
                  ->check(CLI::IsMember({"auto", "always", "never"}))
-                 ->type_name("WHEN");
+                 ->type_name("auto|always|never");
+    noPager_ = root_.add_flag("--no-pager")->description("Long output straight to the terminal, not through $PAGER");
 }
 
 CLI::App &CommandLine::AddGroup(CLI::App &parent, const std::string &word, const std::string &help,
@@ -146,19 +149,45 @@ Color CommandLine::ChosenColor() const
     return when == "always" ? Color::Always : when == "never" ? Color::Never : Color::Auto;
 }
 
-void AddCommands(CommandLine &line)
+bool CommandLine::MayUsePager() const
 {
-    AddServiceCommands(line);
-    AddSettingCommands(line);
-    AddDebugCommands(line);
-    CLI::App &show = line.AddGroup(line.Root(), "show", "Read settings, counters, tables and state",
+    return noPager_->count() == 0;
+}
+
+std::vector<Command *> CommandLine::CommandsBelow(const std::string &path)
+{
+    std::vector<Command *> below;
+    for (const auto &[name, command] : commands_) {
+        if (name.starts_with(path + " "))
+            below.push_back(command.get());
+    }
+    return below;
+}
+
+void AddShowCommands(CommandLine &line, CLI::App &parent)
+{
+    CLI::App &show = line.AddGroup(parent, "show", "Read settings, counters, tables and state",
                                    "  rsvpctl show global\n"
                                    "  rsvpctl show interfaces 3 --json\n"
                                    "  rsvpctl show tunnels --ingress\n"
                                    "  rsvpctl show neighbours --after 1,0        the rows behind this key");
     AddRecordCommands(line, show);
     AddTableCommands(line, show);
+    AddLspCommands(line, show);
+    AddP2mpCommands(line, show);
+}
+
+void AddCommands(CommandLine &line)
+{
+    AddServiceCommands(line);
+    AddSettingCommands(line);
+    AddDebugCommands(line);
+    AddShowCommands(line, line.Root());
+    AddTreeCommand(line);
+    AddWatchCommands(line);
     AddBatchCommand(line);
+    AddSchemaCommand(line);
+    AddCompletionCommands(line);
 }
 
 int RunProgram(const std::vector<std::string> &words)
@@ -174,6 +203,7 @@ int RunProgram(const std::vector<std::string> &words)
         return static_cast<int>(out.Finish(out.WrongUsage(error.command.empty() ? "usage" : error.command, error)));
     }
     Output out(line.ChosenStyle(), line.ChosenColor());
+    const Pager pager(line.MayUsePager() && (command == nullptr || MayBeLong(command->name)));
     if (command == nullptr)
         return static_cast<int>(out.Finish(out.Help(help)));
     try {

@@ -59,12 +59,17 @@ public:
 
     Style ChosenStyle() const;
     Color ChosenColor() const;
+    bool MayUsePager() const;
+
+    /** The commands whose words begin with those of `path`, in the order of their names. */
+    std::vector<Command *> CommandsBelow(const std::string &path);
 
 private:
     CLI::App root_;
     CLI::Option *json_;
     CLI::Option *detail_;
     CLI::Option *color_;
+    CLI::Option *noPager_;
     std::map<std::string, std::unique_ptr<Command>, std::less<>> commands_; // by name
 };
 
@@ -80,7 +85,16 @@ void AddSettingCommands(CommandLine &line);
 void AddDebugCommands(CommandLine &line);
 void AddTableCommands(CommandLine &line, CLI::App &show);
 void AddRecordCommands(CommandLine &line, CLI::App &show);
+void AddLspCommands(CommandLine &line, CLI::App &show);
+void AddP2mpCommands(CommandLine &line, CLI::App &show);
+void AddTreeCommand(CommandLine &line);
+void AddWatchCommands(CommandLine &line);
 void AddBatchCommand(CommandLine &line);
+void AddSchemaCommand(CommandLine &line);
+void AddCompletionCommands(CommandLine &line);
+
+/** `show` and all that stands below it. */
+void AddShowCommands(CommandLine &line, CLI::App &parent);
 
 /** All of them. */
 void AddCommands(CommandLine &line);

@@ -14,7 +14,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr int schemaVersion = 1;
 constexpr size_t widthWithoutTerminal = 120;
 
 bool UseColor(Color color, FILE *stream)
@@ -58,7 +57,7 @@ std::string Advice(const StatusText &text)
 
 Output::Output(Style style, Color color, FILE *document, FILE *messages)
     : style_(style), document_(document), messages_(messages), colorDocument_(UseColor(color, document)),
-      colorMessages_(UseColor(color, messages))
+      colorMessages_(UseColor(color, messages)), lineWidth_(LineWidth(document))
 {
 }
 
@@ -201,6 +200,12 @@ void Output::BeginList(const std::string &operation)
         text_ += ",\"rows\":[\n";
 }
 
+bool Output::Line(const Json &document, const std::string &text)
+{
+    text_ += IsJson() ? document.dump() + "\n" : text;
+    return Flush();
+}
+
 bool Output::ListRow(const Json &row, const std::string &text)
 {
     if (IsJson())
@@ -228,7 +233,7 @@ void Output::BeginRows(const std::string &operation, const RecordDescription &de
     BeginList(operation);
     description_ = &description;
     if (style_ == Style::Table)
-        layout_.emplace(description, keyColumns, LineWidth(document_));
+        layout_.emplace(description, keyColumns, lineWidth_);
 }
 
 bool Output::Row(const void *record)

@@ -13,6 +13,9 @@
 
 namespace rsvpctl {
 
+/** Of the documents; it changes when a program that reads them must. */
+constexpr int schemaVersion = 1;
+
 enum class Style : uint8_t { Table, Detail, Json };
 enum class Color : uint8_t { Auto, Always, Never };
 
@@ -67,6 +70,9 @@ public:
     bool ListRow(const nlohmann::ordered_json &row, const std::string &text);
     Exit EndList();
 
+    /** One of many documents that tell of what happens, a line each, written at once. False when it cannot be. */
+    bool Line(const nlohmann::ordered_json &document, const std::string &text);
+
     /** From BeginBatch to EndBatch every document becomes a row of the batch's own, and messages name the line. */
     void BeginBatch(const std::string &file);
     void BatchLine(uint64_t line);
@@ -95,6 +101,7 @@ private:
     FILE *messages_;
     bool colorDocument_;
     bool colorMessages_;
+    size_t lineWidth_;
     std::string text_; // what is not written yet: never more than one row
     int writeError_ = 0;
 
