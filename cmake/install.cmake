@@ -23,6 +23,7 @@ if(RSVP_MOR_PLATFORM STREQUAL "host")
   list(TRANSFORM RSVP_HOST_WRAPS REPLACE "-Wl,--wrap=(.*)" "--redefine-sym=\\1=__wrap_\\1"
     OUTPUT_VARIABLE RSVP_HOST_RENAMES)
   add_library(rsvp_mor_static_host STATIC $<TARGET_OBJECTS:rsvp_mor_objects>)
+  target_include_directories(rsvp_mor_static_host INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
   set_target_properties(rsvp_mor_static_host PROPERTIES
     OUTPUT_NAME rsvp_mor
     ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib/install)

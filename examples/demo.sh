@@ -29,7 +29,7 @@ say() {
 
 run() {
   printf '\n$ %s\n' "$*"
-  (cd "$elsewhere" && "$@") || fail "\"$*\" ended with exit status $?"
+  (cd "$elsewhere" && "$@") 2>&1 || fail "\"$*\" ended with exit status $?"
 }
 
 # As run, for a command that must be refused.
