@@ -45,7 +45,8 @@ run_refused() {
 # Whatever the programs would write outside their device ends up in this folder, and is seen.
 export PATH=$build/bin:$PATH RSVP_HOST_DIR=$device
 export HOME=$elsewhere TMPDIR=$elsewhere XDG_RUNTIME_DIR=$elsewhere XDG_CACHE_HOME=$elsewhere
-cp "$source/host/daemon/scenarios/demo.toml" "$device/scenario.toml" || fail "no scenario"
+cat "$source/host/daemon/scenarios/demo.toml" "$source/host/daemon/scenarios/p2mp.toml" >"$device/scenario.toml" ||
+  fail "no scenario"
 
 say "A device of plain files stands in for the router, and a simulated daemon for the real one."
 printf '\n$ export RSVP_HOST_DIR=%s\n' "$device"
@@ -79,6 +80,9 @@ run rsvpctl show interface-config 3
 say "What is signalled: tunnels, and the path state behind them."
 run rsvpctl show tunnels
 run rsvpctl show psb
+
+say "A point-to-multipoint LSP with its leaves."
+run rsvpctl tree --key 500,10.0.0.1,10.0.0.1,50,1,0,0,0,0,0,0
 
 say "For programs, the same as one JSON document."
 run rsvpctl show counters --json
