@@ -1,0 +1,62 @@
+// The reader of items, over the platform's own item library and over one that lies: whatever it is told, an item that
+// comes out lies inside the body, and the walk ends.
+#include "promise.h"
+
+#include "channel/message.h"
+#include "platform/stlv.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace {
+
+constexpr size_t LIE_SIZE = 8; // type, length, distance of the value, bytes taken
+const uint8_t *nextLie;
+size_t liesLeft; // none: the item library tells the truth
+
+} // namespace
+
+extern "C" {
+
+uint32_t __real_STLV_Get(const void *buf, uint16_t length, uint16_t *type, uint16_t *itemLength, void **value);
+uint32_t __wrap_STLV_Get(const void *buf, uint16_t length, uint16_t *type, uint16_t *itemLength, void **value);
+
+uint32_t __wrap_STLV_Get(const void *buf, uint16_t length, uint16_t *type, uint16_t *itemLength, void **value)
+{
+    if (liesLeft == 0)
+        return __real_STLV_Get(buf, length, type, itemLength, value);
+    const auto distance = static_cast<int16_t>(rsvp_mor::LoadNet16(nextLie + 4));
+    *type = rsvp_mor::LoadNet16(nextLie);
+    *itemLength = rsvp_mor::LoadNet16(nextLie + 2);
+    *value = reinterpret_cast<void *>(reinterpret_cast<uintptr_t>(buf) + static_cast<uintptr_t>(distance));
+    const uint32_t taken = rsvp_mor::LoadNet16(nextLie + 6);
+    nextLie += LIE_SIZE;
+    --liesLeft;
+    return taken;
+}
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    if (size == 0)
+        return 0;
+    nextLie = data + 1;
+    liesLeft = std::min<size_t>(data[0], (size - 1) / LIE_SIZE);
+    const uint8_t *first = nextLie + liesLeft * LIE_SIZE;
+    const size_t length = std::min<size_t>(static_cast<size_t>(data + size - first), UINT16_MAX);
+    const std::vector<uint8_t> body(first, first + length); // a byte outside of it is seen
+
+    rsvp_mor::Items items{body.data(), static_cast<uint16_t>(length)};
+    rsvp_mor::Item item;
+    std::vector<uint8_t> copy;
+    for (uint16_t left = items.left; rsvp_mor::NextItem(items, item) == rsvp_mor::ITEM_READ; left = items.left) {
+        Must(items.left < left && items.next + items.left == body.data() + length, "every item moves the walk on");
+        copy.assign(item.value, item.value + item.length);
+    }
+    uint8_t record[16] = {};
+    if (rsvp_mor::FirstItem(body.data(), static_cast<uint16_t>(length), item))
+        rsvp_mor::CopyRaw(item, record);
+    else
+        Must(item.length == 0, "where there is no item there is no value");
+    return 0;
+}

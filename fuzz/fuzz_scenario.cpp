@@ -1,0 +1,24 @@
+// Scenario files: a file is refused with a sentence that names the line, or taken, and then every table can be read.
+#include "promise.h"
+
+#include "scenario.h"
+
+using namespace rsvpsimd;
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    Daemon daemon;
+    try {
+        ReadScenarioText(daemon, {reinterpret_cast<const char *>(data), size}, "input");
+    } catch (const ScenarioError &error) {
+        Must(std::string_view(error.what()).starts_with("input:"), "a refusal names the file and the line");
+        return 0;
+    }
+    for (const RowKind &kind : AllRowKinds()) {
+        Bytes item;
+        AppendItem(item, kind.request_item, Bytes(kind.first_has_key ? LayoutNamed(kind.key_layout).size : 0));
+        const Reply reply = daemon.Answer(BuildFrame(kShow, kGetFirst, kOk, item));
+        Must(reply.copies == 0 || reply.frame.size() <= 2 * RSVP_MOR_MSG_MAX, "a reply has a bound, faults or none");
+    }
+    return 0;
+}
