@@ -75,7 +75,7 @@ CommandLine::CommandLine() : root_("Configures and reads the RSVP-TE daemon.", "
     detail_ = root_.add_flag("--detail")->description("Every field of a row, one a line")->excludes(json_);
     color_ = root_.add_option("--color", "Colour: auto (only on a terminal, and without NO_COLOR), always, never")
                  ->check(CLI::IsMember({"auto", "always", "never"}))
-                 ->type_name("auto|always|never");
+                 ->type_name("WHEN");
     noPager_ = root_.add_flag("--no-pager")->description("Long output straight to the terminal, not through $PAGER");
 }
 

@@ -10,16 +10,19 @@
 namespace rsvpctl {
 namespace {
 
+// A check for membership puts its list behind the type: "WHEN:{auto,always,never}".
 std::vector<std::string> ChoicesOf(const CLI::Option &option)
 {
     const std::string type = option.get_type_name();
-    std::vector<std::string> choices;
-    if (type.find('|') == std::string::npos)
-        return choices;
-    for (size_t begin = 0; begin != std::string::npos + 1;) {
-        const size_t end = type.find('|', begin);
-        choices.push_back(type.substr(begin, end - begin));
-        begin = end + 1;
+    const size_t open = type.find(":{");
+    if (open == std::string::npos || type.back() != '}')
+        return {};
+    std::vector<std::string> choices(1);
+    for (const char c : type.substr(open + 2, type.size() - open - 3)) {
+        if (c == ',')
+            choices.emplace_back();
+        else
+            choices.back() += c;
     }
     return choices;
 }

@@ -113,15 +113,16 @@ LspFilter FilterOf(const FilterOptions &options)
     return filter;
 }
 
-template <typename Row> std::string RowText(const LspView<Row> &view, Style style, bool isFirst, const Row &row)
+template <typename Row>
+std::string RowText(const Output &out, const LspView<Row> &view, Style style, bool isFirst, const Row &row)
 {
-    switch (style) {
+    switch (out.IsJson() ? Style::Json : style) {
     case Style::Json:
         return {};
     case Style::Detail:
         return (isFirst ? "" : "\n") + view.detail(row);
     default:
-        return (isFirst ? view.header() + "\n" : "") + view.brief(row);
+        return (isFirst ? out.Heading(view.header()) : "") + view.brief(row);
     }
 }
 
@@ -146,7 +147,7 @@ Exit ShowLsps(Output &out, const Command &command, const Table<Row, Key> &table,
             if (Takes(filter, row)) {
                 progress.BeforeRow();
                 written = out.ListRow(out.IsJson() ? ToJson(Describe<Row>(), &row) : nlohmann::ordered_json(),
-                                      RowText(view, out.IsJson() ? Style::Json : style, shown == 0, row));
+                                      RowText(out, view, style, shown == 0, row));
                 ++shown;
             }
             progress.AfterRow(++rows);

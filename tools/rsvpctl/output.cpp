@@ -200,6 +200,11 @@ void Output::BeginList(const std::string &operation)
         text_ += ",\"rows\":[\n";
 }
 
+std::string Output::Heading(const std::string &text) const
+{
+    return fmt::format("{}{}{}\n", colorDocument_ ? "\x1b[1m" : "", text, colorDocument_ ? "\x1b[0m" : "");
+}
+
 bool Output::Line(const Json &document, const std::string &text)
 {
     text_ += IsJson() ? document.dump() + "\n" : text;
@@ -240,8 +245,7 @@ bool Output::Row(const void *record)
 {
     if (style_ == Style::Table) {
         if (rows_ == 0)
-            text_ += fmt::format("{}{}{}\n", colorDocument_ ? "\x1b[1m" : "", layout_->Header(),
-                                 colorDocument_ ? "\x1b[0m" : "");
+            text_ += Heading(layout_->Header());
         return ListRow(nullptr, layout_->Row(record));
     }
     const Json row = ToJson(*description_, record);

@@ -70,6 +70,9 @@ public:
     bool ListRow(const nlohmann::ordered_json &row, const std::string &text);
     Exit EndList();
 
+    /** A line that stands above others. */
+    std::string Heading(const std::string &text) const;
+
     /** One of many documents that tell of what happens, a line each, written at once. False when it cannot be. */
     bool Line(const nlohmann::ordered_json &document, const std::string &text);
 

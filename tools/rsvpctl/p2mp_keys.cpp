@@ -147,7 +147,7 @@ KeyOptions AddKeyOptions(CLI::App &app, const RecordDescription &description)
                              ->description("The key: every field, or all values in their order (" +
                                            KeyShape(description) + "); a number may be written as an address")
                              ->type_name("FIELD=VALUE...")
-                             ->expected(1, CLI::detail::expected_max_vector_size);
+                             ->expected(1, static_cast<int>(description.fields.size()));
     CLI::Option *file = app.add_option("--key-file")
                             ->description("JSON file with the key: an object of field names with values")
                             ->type_name("FILE")

@@ -102,7 +102,8 @@ private:
     static std::string KeyWords(const Json &key)
     {
         std::string text;
-        for (const auto &[path, value] : key.flatten().items()) {
+        const Json flat = key.flatten();
+        for (const auto &[path, value] : flat.items()) {
             if (!value.is_null())
                 text += fmt::format("{}{}={}", text.empty() ? "" : " ", path.substr(path.rfind('/') + 1),
                                     ValueText(value));
