@@ -244,9 +244,13 @@ void AddOwnRecords(Json &definitions)
                                       {"activeFrrInterfaces", Integer(UINT32_MAX)},
                                       {"activeBypassTunnels", Integer(UINT32_MAX)},
                                       {"upLsps", Integer(UINT32_MAX)}});
-    definitions["status"] = Object({{"service", OneOfTexts({"running", "stopped"})},
-                                    {"daemon", OneOfTexts({"answers", "does not answer"})},
-                                    {"upLsps", NullOr(Integer(UINT32_MAX))}});
+    definitions["status"] =
+        Object({{"service", OneOfTexts({"running", "stopped"})},
+                {"daemon", OneOfTexts({"answers", "does not answer"})},
+                {"upLsps", NullOr(Integer(UINT32_MAX))},
+                {"nodes", ArrayOf(Object({{"node", Integer(UINT32_MAX)},
+                                          {"role", OneOfTexts({"master", "standby"})},
+                                          {"service", OneOfTexts({"running", "stopped", "unknown"})}}))}});
     definitions["statusText"] = Object({{"code", Pattern("^0x[0-9a-f]{8}$")},
                                         {"name", Text()},
                                         {"exitStatus", Integer(5)},

@@ -1,6 +1,7 @@
 // The service as a whole: enable, disable, status, the yes-or-no capability calls, the option file; and `explain`,
 // which needs no service.
 #include "command_line.h"
+#include "nodes.h"
 #include "walk.h"
 
 #include <array>
@@ -51,6 +52,9 @@ Exit ShowStatus(Output &out, const std::string &operation)
     uint32_t count = 0;
     const uint32_t counted = answers ? RSVP_GetUpLspNumber(&count) : answer;
     record["upLsps"] = counted == RSVP_MOR_OK ? nlohmann::ordered_json(count) : nlohmann::ordered_json(nullptr);
+    record["nodes"] = nlohmann::ordered_json::array();
+    for (const Node &node : NodesOfDevice())
+        record["nodes"].push_back({{"node", node.node}, {"role", node.role}, {"service", node.service}});
     if (!runs)
         return out.Record(operation, record, RSVP_MOR_ERR_NOT_ENABLED);
     return out.Record(operation, record, answers ? counted : answer);
@@ -150,10 +154,11 @@ void AddServiceCommands(CommandLine &line)
 {
     AddEnable(line, "enable", 0, "Start the service on the master and the standby nodes");
     AddEnable(line, "disable", 1, "Tell the daemon, then stop the service everywhere, the master last");
-    Command &status = line.Add(line.Root(), "status",
-                               "Whether the service runs, the daemon answers, and LSPs are up. The exit status says "
-                               "it too: 5 stopped, 3 or 4 runs and does not answer",
-                               "  rsvpctl status\n  rsvpctl status --json");
+    Command &status =
+        line.Add(line.Root(), "status",
+                 "Whether the service runs and on which nodes, the daemon answers, and LSPs are up. The "
+                 "exit status says it too: 5 stopped, 3 or 4 runs and does not answer",
+                 "  rsvpctl status\n  rsvpctl status --json");
     status.run = [&status](Output &out) { return ShowStatus(out, status.name); };
     AddCapability(line);
     AddOptionsCheck(line);
