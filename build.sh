@@ -59,9 +59,10 @@ need_host() {
   need g++ cmake make binutils libcli11-dev libfmt-dev nlohmann-json3-dev libtomlplusplus-dev
 }
 
+# What the tests use beside the build: the library of tests, and the programs that check documents and interface.
 need_tests() {
   need_host
-  need googletest
+  need googletest abigail-tools doxygen graphviz man-db mandoc pkg-config python3-jsonschema
 }
 
 # Runs a command and shows what it printed only if it fails.
@@ -102,6 +103,36 @@ need_arm() {
   need g++-arm-linux-gnueabihf qemu-user
 }
 
+# A number of seconds, or the default.
+seconds_of() {
+  case ${1:-60} in
+  *[!0-9]*)
+    printf 'build.sh: "%s" is no number of seconds\n' "$1" >&2
+    exit 2
+    ;;
+  *) printf '%s' "${1:-60}" ;;
+  esac
+}
+
+# What a compiler that only compiles does not see; with clang as the second compiler.
+check_sources() {
+  need_tests
+  need clang clang-format clang-tidy cppcheck
+  local library="channel config status tables lsp p2mp"
+  say "format"
+  git ls-files '*.c' '*.cpp' '*.h' '*.hpp' | xargs clang-format --dry-run -Werror
+  say "clang, all warnings"
+  quietly cmake -S . -B build/clang -DCMAKE_BUILD_TYPE=Debug -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++
+  quietly cmake --build build/clang --parallel "$(nproc)"
+  say "clang-tidy"
+  # shellcheck disable=SC2046,SC2086
+  quietly clang-tidy --quiet -p build/clang $(git ls-files $library host tools | grep '\.cpp$')
+  say "cppcheck"
+  # shellcheck disable=SC2086
+  cppcheck --quiet --enable=warning,performance,portability --std=c++20 --inline-suppr --error-exitcode=1 \
+    -Iinclude -I. $library host/platform
+}
+
 verb=${1:-help}
 [ $# -eq 0 ] || shift
 case $verb in
@@ -116,7 +147,6 @@ demo)
   ;;
 test)
   need_arm
-  need_documents
   build_and_test host
   build_and_test sanitize
   build_and_test arm
@@ -129,6 +159,55 @@ big-endian)
   need_tests
   need g++-s390x-linux-gnu qemu-user
   build_and_test s390x
+  ;;
+threads)
+  need_tests
+  build_preset thread
+  test_preset thread -R threads_test
+  ;;
+memory)
+  need_tests
+  need valgrind
+  build_preset host
+  say "testing under valgrind"
+  for test in channel_test requests_test failures_test decoders_test; do
+    valgrind --quiet --error-exitcode=1 --leak-check=full "build/host/bin/$test" --gtest_brief=1
+  done
+  ;;
+check)
+  check_sources
+  ;;
+bench)
+  need_host
+  need libbenchmark-dev valgrind strace g++-arm-linux-gnueabihf
+  build_preset router
+  build_preset host -DRSVP_MOR_BENCH=ON
+  bench/run.sh build/host build/bench.json build/router
+  ;;
+fuzz)
+  seconds=$(seconds_of "$@")
+  need_tests
+  need clang libclang-rt-14-dev
+  fuzz/run.sh "$seconds"
+  ;;
+soak)
+  seconds=$(seconds_of "$@")
+  need_host
+  need libbenchmark-dev
+  build_preset host -DRSVP_MOR_BENCH=ON
+  build/host/bin/soak "$seconds"
+  ;;
+docs)
+  need_host
+  need doxygen graphviz
+  build_preset host
+  quietly cmake --build build/host --target docs
+  say "docs/protocol.md is fresh; the reference is build/host/docs/html/index.html"
+  ;;
+package)
+  need_host
+  need dpkg-dev file
+  cmake/package.sh build/packages
   ;;
 clean)
   say "removing build/"
