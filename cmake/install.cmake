@@ -28,7 +28,7 @@ if(RSVP_MOR_PLATFORM STREQUAL "host")
     OUTPUT_NAME rsvp_mor
     ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib/install)
   add_custom_command(TARGET rsvp_mor_static_host POST_BUILD
-    COMMAND ${CMAKE_OBJCOPY} ${RSVP_HOST_RENAMES} $<TARGET_FILE:rsvp_mor_static_host>)
+    COMMAND ${CMAKE_OBJCOPY} --strip-debug ${RSVP_HOST_RENAMES} $<TARGET_FILE:rsvp_mor_static_host>)
 endif()
 target_link_libraries(${RSVP_MOR_STATIC} INTERFACE ${RSVP_MOR_STATIC_NEEDS})
 set_target_properties(${RSVP_MOR_STATIC} PROPERTIES EXPORT_NAME rsvp_mor_static)
@@ -64,6 +64,19 @@ if(RSVP_MOR_PLATFORM STREQUAL "host")
   # Both lie in the same folder: the stand-in looks for the daemon on the PATH.
   install(TARGETS rsvpctl rsvpsimd DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
   install(DIRECTORY host/daemon/scenarios DESTINATION ${RSVP_MOR_SHARE_DIR} COMPONENT tools)
+  # The tool knows its own words best.
+  set(RSVP_MOR_COMPLETION_DIR ${CMAKE_BINARY_DIR}/completion)
+  file(MAKE_DIRECTORY ${RSVP_MOR_COMPLETION_DIR})
+  add_custom_command(OUTPUT ${RSVP_MOR_COMPLETION_DIR}/rsvpctl ${RSVP_MOR_COMPLETION_DIR}/_rsvpctl
+    COMMAND rsvpctl completion bash > ${RSVP_MOR_COMPLETION_DIR}/rsvpctl
+    COMMAND rsvpctl completion zsh > ${RSVP_MOR_COMPLETION_DIR}/_rsvpctl
+    DEPENDS rsvpctl)
+  add_custom_target(rsvpctl_completion ALL DEPENDS ${RSVP_MOR_COMPLETION_DIR}/rsvpctl)
+  install(FILES ${RSVP_MOR_COMPLETION_DIR}/rsvpctl
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)
+  install(FILES ${RSVP_MOR_COMPLETION_DIR}/_rsvpctl
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT tools)
+  install(FILES tools/rsvpctl/rsvpctl.schema.json DESTINATION ${RSVP_MOR_SHARE_DIR} COMPONENT tools)
   install(FILES docs/man/rsvpctl.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
   install(FILES docs/man/rsvpsimd.8 DESTINATION ${CMAKE_INSTALL_MANDIR}/man8 COMPONENT tools)
 endif()
