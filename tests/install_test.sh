@@ -36,15 +36,13 @@ fi
 readelf -d "$library/librsvp_mor.so.1" | grep -q 'SONAME.*\[librsvp_mor.so.1\]'
 
 export PKG_CONFIG_PATH="$library/pkgconfig"
-read_flags() {
-  # pkg-config escapes the spaces of a folder for a shell that reads its words once more.
-  eval "flags=($(pkg-config --cflags --libs "$@" rsvp_mor))"
-}
 examples=$share/examples
 
 step "pkg-config"
 mkdir "$work/pkgconfig"
-read_flags
+# pkg-config escapes the spaces of a folder for a shell that reads its words once more.
+flags=()
+eval "flags=($(pkg-config --cflags --libs rsvp_mor))"
 cc -Wall -Wextra -Werror "$examples/walk.c" "${flags[@]}" -o "$work/pkgconfig/walk"
 cc -Wall -Wextra -Werror "$examples/row_cache.c" "${flags[@]}" -pthread -o "$work/pkgconfig/row_cache"
 c++ -std=c++20 -Wall -Wextra -Werror "$examples/walk.cpp" "${flags[@]}" -o "$work/pkgconfig/walk_cpp"
