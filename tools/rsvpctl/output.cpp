@@ -144,7 +144,12 @@ Exit Output::Done(const std::string &operation, const std::string &asked)
 
 Exit Output::Record(const std::string &operation, const Json &record, uint32_t status)
 {
-    return Document(operation, "record", record, IsJson() ? "" : DetailText(record), status);
+    return Record(operation, record, IsJson() ? "" : DetailText(record), status);
+}
+
+Exit Output::Record(const std::string &operation, const Json &record, const std::string &text, uint32_t status)
+{
+    return Document(operation, "record", record, text, status);
 }
 
 Exit Output::Plan(const std::string &operation, const Json &requests, const std::string &text)

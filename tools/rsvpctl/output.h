@@ -50,6 +50,10 @@ public:
     /** One record. A status other than 0 says that the record tells of a fault, such as a service that is stopped. */
     Exit Record(const std::string &operation, const nlohmann::ordered_json &record, uint32_t status = RSVP_MOR_OK);
 
+    /** The same, where people want to read it in other words than the record's. */
+    Exit Record(const std::string &operation, const nlohmann::ordered_json &record, const std::string &text,
+                uint32_t status);
+
     /** What a command would send. */
     Exit Plan(const std::string &operation, const nlohmann::ordered_json &requests, const std::string &text);
 

@@ -2,6 +2,7 @@
 // which needs no service.
 #include "command_line.h"
 #include "nodes.h"
+#include "render.h"
 #include "walk.h"
 
 #include <array>
@@ -52,12 +53,13 @@ Exit ShowStatus(Output &out, const std::string &operation)
     uint32_t count = 0;
     const uint32_t counted = answers ? RSVP_GetUpLspNumber(&count) : answer;
     record["upLsps"] = counted == RSVP_MOR_OK ? nlohmann::ordered_json(count) : nlohmann::ordered_json(nullptr);
+    std::string text = DetailText(record);
     record["nodes"] = nlohmann::ordered_json::array();
-    for (const Node &node : NodesOfDevice())
+    for (const Node &node : NodesOfDevice()) {
         record["nodes"].push_back({{"node", node.node}, {"role", node.role}, {"service", node.service}});
-    if (!runs)
-        return out.Record(operation, record, RSVP_MOR_ERR_NOT_ENABLED);
-    return out.Record(operation, record, answers ? counted : answer);
+        text += fmt::format("{:<8} {}, {}\n", fmt::format("node {}", node.node), node.role, node.service);
+    }
+    return out.Record(operation, record, text, runs ? counted : RSVP_MOR_ERR_NOT_ENABLED);
 }
 
 void AddEnable(CommandLine &line, const std::string &word, uint32_t op, const std::string &help)
