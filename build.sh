@@ -77,12 +77,12 @@ quietly() {
   rm -f "$log"
 }
 
-# Configures and builds a preset; further arguments go to the configuration.
+# Configures and builds a preset, without tests and benchmark unless further arguments ask for them.
 build_preset() {
   local preset=$1
   shift
   say "building $preset, into build/$preset"
-  quietly cmake --preset "$preset" "$@"
+  quietly cmake --preset "$preset" -DRSVP_MOR_TESTS=OFF -DRSVP_MOR_BENCH=OFF "$@"
   quietly cmake --build "build/$preset" --parallel "$(nproc)"
 }
 
@@ -94,7 +94,7 @@ test_preset() {
 }
 
 build_and_test() {
-  build_preset "$1"
+  build_preset "$1" -DRSVP_MOR_TESTS=ON
   test_preset "$@"
 }
 
@@ -138,11 +138,11 @@ verb=${1:-help}
 case $verb in
 build)
   need_host
-  build_preset host -DRSVP_MOR_TESTS=OFF
+  build_preset host
   ;;
 demo)
   need_host
-  build_preset host -DRSVP_MOR_TESTS=OFF
+  build_preset host
   examples/demo.sh build/host
   ;;
 test)
@@ -162,13 +162,12 @@ big-endian)
   ;;
 threads)
   need_tests
-  build_preset thread
-  test_preset thread -R threads_test
+  build_and_test thread -R threads_test
   ;;
 memory)
   need_tests
   need valgrind
-  build_preset host
+  build_preset host -DRSVP_MOR_TESTS=ON
   say "testing under valgrind"
   for test in channel_test requests_test failures_test decoders_test; do
     valgrind --quiet --error-exitcode=1 --leak-check=full "build/host/bin/$test" --gtest_brief=1
