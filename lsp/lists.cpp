@@ -57,6 +57,15 @@ template <typename List> void Replace(List &slot, const List &fresh, uint16_t it
     filled |= SlotBit(itemType);
 }
 
+uint32_t FillRouteList(const Item &item, uint32_t countSize, RSVP_MOR_RouteList &slot, FilledSlots &filled)
+{
+    RSVP_MOR_RouteList fresh;
+    const uint32_t status = DecodeEntryList(item.value, item.length, countSize, &fresh);
+    if (status == RSVP_MOR_OK)
+        Replace(slot, fresh, item.type, filled);
+    return status;
+}
+
 template <typename List> void FreeArray(List &list)
 {
     if (list.entries == nullptr)
@@ -123,20 +132,12 @@ uint32_t FillHopList(const Item &item, RSVP_MOR_HopList &slot, FilledSlots &fill
 
 uint32_t FillRouteList16(const Item &item, RSVP_MOR_RouteList &slot, FilledSlots &filled)
 {
-    RSVP_MOR_RouteList fresh;
-    const uint32_t status = rsvp_mor_DecodeEntryList16(item.value, item.length, &fresh);
-    if (status == RSVP_MOR_OK)
-        Replace(slot, fresh, item.type, filled);
-    return status;
+    return FillRouteList(item, 2, slot, filled);
 }
 
 uint32_t FillRouteList32(const Item &item, RSVP_MOR_RouteList &slot, FilledSlots &filled)
 {
-    RSVP_MOR_RouteList fresh;
-    const uint32_t status = rsvp_mor_DecodeEntryList32(item.value, item.length, &fresh);
-    if (status == RSVP_MOR_OK)
-        Replace(slot, fresh, item.type, filled);
-    return status;
+    return FillRouteList(item, 4, slot, filled);
 }
 
 uint32_t FillName(const Item &item, char *&slot, FilledSlots &filled)

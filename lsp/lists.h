@@ -20,12 +20,13 @@ uint32_t rsvp_mor_DecodeFSInfo(const uint8_t *value, uint32_t length, RSVP_MOR_R
 namespace rsvp_mor {
 
 // Which slots of its record a call has filled, a bit an item type. What a slot held before the call is the caller's
-// and is not looked at; what this call put there is released when a repeated item takes its place.
-using FilledSlots = uint64_t;
+// and is not looked at; what this call put there is released when a repeated item takes its place. The types of one
+// record's slots differ in their low five bits.
+using FilledSlots = uint32_t;
 
 constexpr FilledSlots SlotBit(uint16_t itemType)
 {
-    return FilledSlots{1} << itemType;
+    return FilledSlots{1} << itemType % 32;
 }
 
 // The decoders above, into a slot of a record.
