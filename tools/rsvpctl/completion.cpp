@@ -112,12 +112,12 @@ std::string Quoted(const std::string &text)
     return out + "'";
 }
 
-// `$words` is the command line and `$current` the place of the cursor, counted as the shell counts. "node" becomes
-// the words that lead to a node, each with a space in front.
-std::string FindNode(const std::vector<CompletionNode> &nodes, int first, const char *words, const char *current)
+// `words` is the shell's array of the command line, `count` the number of words between the program's name and the
+// cursor. "node" becomes the words that lead to a node, each with a space in front.
+std::string FindNode(const std::vector<CompletionNode> &nodes, const char *words, const char *count)
 {
     return fmt::format(R"(    local node='' word='' value=''
-    for word in "${{{words}[@]:{first}:{current} - {first}}}"; do
+    for word in "${{{words}[@]:1:$(({count}))}}"; do
         if [[ -n $value ]]; then
             value=''
             continue
@@ -130,7 +130,7 @@ std::string FindNode(const std::vector<CompletionNode> &nodes, int first, const 
         esac
     done
 )",
-                       fmt::arg("first", first), fmt::arg("words", words), fmt::arg("current", current),
+                       fmt::arg("words", words), fmt::arg("count", count),
                        fmt::arg("withValue", Patterns(nodes, [](const auto &option) { return option.takesValue; })),
                        fmt::arg("known", NodePatterns(nodes)));
 }
@@ -162,7 +162,7 @@ std::string BashCompletion(const std::vector<CompletionNode> &nodes)
         "# Completion of rsvpctl for bash, made by 'rsvpctl completion bash'.\n"
         "_rsvpctl()\n{\n"
         "    local cur=${COMP_WORDS[COMP_CWORD]} prev=${COMP_WORDS[COMP_CWORD - 1]} words='' files=''\n";
-    out += FindNode(nodes, 1, "COMP_WORDS", "COMP_CWORD");
+    out += FindNode(nodes, "COMP_WORDS", "COMP_CWORD - 1");
     out += "    case $prev in\n";
     for (const auto &[option, choices] : ChoicesByOption(nodes))
         out += fmt::format("        {}) mapfile -t COMPREPLY < <(compgen -W {} -- \"$cur\"); return ;;\n", option,
@@ -194,7 +194,7 @@ std::string ZshCompletion(const std::vector<CompletionNode> &nodes)
                       "_rsvpctl()\n{\n"
                       "    local cur=${words[CURRENT]} prev=${words[CURRENT - 1]}\n"
                       "    local -a nouns flags\n";
-    out += FindNode(nodes, 1, "words", "CURRENT - 1");
+    out += FindNode(nodes, "words", "CURRENT - 2");
     out += "    case $prev in\n";
     for (const auto &[option, choices] : ChoicesByOption(nodes))
         out += fmt::format("        {}) compadd -- {}; return ;;\n", option, Joined(choices));
