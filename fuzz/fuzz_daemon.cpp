@@ -42,7 +42,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         daemon.Add(ParseFault(std::string(kFaults[data[0]]) + ",class=3"));
     ByteView input = ByteView(data, size).subspan(1);
     while (input.size() >= 2) {
-        const std::size_t length = std::min<std::size_t>(LoadNet(input.first(2)), input.size() - 2);
+        const std::size_t length = std::min(static_cast<std::size_t>(LoadNet(input.first(2))), input.size() - 2);
         const Reply reply = daemon.Answer(input.subspan(2, length));
         if (!faulty && reply.copies != 0)
             StatusOf(reply);
