@@ -4,7 +4,10 @@
 #include "generator.h"
 #include "scenario_rows.h"
 
+#include <filesystem>
 #include <fmt/format.h>
+#include <fstream>
+#include <iterator>
 
 namespace rsvpsimd {
 
@@ -128,17 +131,15 @@ bool ReadTop(Daemon &daemon, const toml::table &top)
     return trace;
 }
 
-template <typename Parse> bool Read(Daemon &daemon, const std::string &file_name, const Parse &parse)
+// What the parser makes of other characters is not defined in all cases, and a scenario needs none.
+void RefuseOtherThanText(std::string_view text)
 {
-    try {
-        return ReadTop(daemon, parse());
-    } catch (const toml::parse_error &error) {
-        // A file that cannot be opened has no line that is wrong.
-        const auto line = error.source().begin.line;
-        const std::string where = line != 0 ? fmt::format("{}:{}", file_name, line) : file_name;
-        throw ScenarioError(fmt::format("{}: {}", where, error.description()));
-    } catch (const ScenarioError &error) {
-        throw ScenarioError(fmt::format("{}:{}", file_name, error.what()));
+    std::size_t line = 1;
+    for (const char c : text) {
+        line += c == '\n' ? 1 : 0;
+        if ((c < ' ' && c != '\t' && c != '\n' && c != '\r') || c > '~')
+            throw ScenarioError(fmt::format("{}: a scenario is plain ASCII text, and here is a byte 0x{:02x}", line,
+                                            static_cast<unsigned char>(c)));
     }
 }
 
@@ -146,12 +147,25 @@ template <typename Parse> bool Read(Daemon &daemon, const std::string &file_name
 
 bool ReadScenario(Daemon &daemon, const std::string &path)
 {
-    return Read(daemon, path, [&] { return toml::parse_file(path); });
+    std::ifstream file(path, std::ios::binary);
+    if (!file || std::filesystem::is_directory(path))
+        throw ScenarioError(fmt::format("{}: the file cannot be opened", path));
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    return ReadScenarioText(daemon, text, path);
 }
 
 bool ReadScenarioText(Daemon &daemon, std::string_view text, const std::string &file_name)
 {
-    return Read(daemon, file_name, [&] { return toml::parse(text); });
+    try {
+        RefuseOtherThanText(text);
+        return ReadTop(daemon, toml::parse(text));
+    } catch (const toml::parse_error &error) {
+        throw ScenarioError(fmt::format("{}:{}: {}", file_name, error.source().begin.line, error.description()));
+    } catch (const NoToml &) {
+        throw ScenarioError(fmt::format("{}: this is not TOML, and the parser cannot say where", file_name));
+    } catch (const ScenarioError &error) {
+        throw ScenarioError(fmt::format("{}:{}", file_name, error.what()));
+    }
 }
 
 } // namespace rsvpsimd

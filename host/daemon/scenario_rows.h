@@ -3,6 +3,24 @@
 
 #include "row_kinds.h"
 
+#include <exception>
+
+namespace rsvpsimd {
+
+// The parser was surprised by its input.
+struct NoToml : std::exception {};
+
+[[noreturn]] inline void RefuseToml()
+{
+    throw NoToml();
+}
+
+} // namespace rsvpsimd
+
+// The parser asserts some of what it has not checked in its input, and where assertions are off it would go on in
+// spite of it. Here such an input is refused like any other.
+#undef NDEBUG
+#define TOML_ASSERT(expression) (static_cast<bool>(expression) ? void() : rsvpsimd::RefuseToml())
 #include <toml++/toml.h>
 
 namespace rsvpsimd {
