@@ -196,6 +196,8 @@ pid_t StartCannedServer(const std::string &directory, const Bytes &body)
         listen(listener, 16) != 0)
         Fail("the server cannot listen");
     const pid_t child = fork();
+    if (child < 0)
+        Fail("no process for the server");
     if (child != 0) {
         close(listener);
         return child;
