@@ -93,3 +93,9 @@ for walk in walk walk_cpp; do
 *}" "$examples/$walk"
   grep -q "0x40010001" "$RSVP_HOST_DIR/errors" || fail "$walk did not name the status that broke it off"
 done
+stop_daemon
+
+scenario=${scenario%/*}/p2mp.toml
+start_daemon
+kept=$("$examples/sub_lsps")
+[ "$(printf '%s\n' "$kept" | grep -c '^sub-LSP ')" = 8 ] || fail "sub_lsps printed: $kept"

@@ -44,6 +44,7 @@ mkdir "$work/pkgconfig"
 flags=()
 eval "flags=($(pkg-config --cflags --libs rsvp_mor))"
 cc -Wall -Wextra -Werror "$examples/walk.c" "${flags[@]}" -o "$work/pkgconfig/walk"
+cc -Wall -Wextra -Werror "$examples/sub_lsps.c" "${flags[@]}" -o "$work/pkgconfig/sub_lsps"
 cc -Wall -Wextra -Werror "$examples/row_cache.c" "${flags[@]}" -pthread -o "$work/pkgconfig/row_cache"
 c++ -std=c++20 -Wall -Wextra -Werror "$examples/walk.cpp" "${flags[@]}" -o "$work/pkgconfig/walk_cpp"
 LD_LIBRARY_PATH="$library" "$source/tests/examples_test.sh" "$work/pkgconfig" "$prefix/bin/rsvpsimd" \
@@ -60,8 +61,10 @@ find_package(Threads REQUIRED)
 add_executable(walk ${EXAMPLES}/walk.c)
 add_executable(walk_cpp ${EXAMPLES}/walk.cpp)
 add_executable(row_cache ${EXAMPLES}/row_cache.c)
+add_executable(sub_lsps ${EXAMPLES}/sub_lsps.c)
 target_link_libraries(walk PRIVATE rsvp_mor::rsvp_mor_static)
 target_link_libraries(walk_cpp PRIVATE rsvp_mor::rsvp_mor)
+target_link_libraries(sub_lsps PRIVATE rsvp_mor::rsvp_mor)
 target_link_libraries(row_cache PRIVATE rsvp_mor::rsvp_mor Threads::Threads)
 CMAKE
 cmake -S "$work/project" -B "$work/project/build" -DCMAKE_PREFIX_PATH="$prefix" -DEXAMPLES="$examples" \
