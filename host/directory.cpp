@@ -44,8 +44,11 @@ std::size_t WriteDirectoryPath(char *path, std::size_t size)
     int length;
     if (chosen != nullptr && *chosen != '\0') {
         const std::string_view text = WithoutTrailingSlashes(chosen);
-        length = std::snprintf(path, size, "%.*s", static_cast<int>(text.size()), text.data());
-    } else if (runtime != nullptr && *runtime != '\0') {
+        if (size != 0)
+            path[text.copy(path, size - 1)] = '\0';
+        return text.size();
+    }
+    if (runtime != nullptr && *runtime != '\0') {
         length = std::snprintf(path, size, "%s/rsvp-host", runtime);
     } else {
         // The user that the program started as, known without a system call: this stands on the path of a connect.
