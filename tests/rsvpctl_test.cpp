@@ -455,7 +455,8 @@ TEST(Rsvpctl, NumbersThatDoNotFitAreRefusedBeforeAnythingIsSent)
     ASSERT_EQ(refused["rows"].size(), count + 3);
     for (const json &row : refused["rows"])
         EXPECT_EQ(row["exitStatus"], 2) << row;
-    for (const json &row : CtlJson(directory, "batch - --keep-going", fitting)["rows"])
+    const json taken = CtlJson(directory, "batch - --keep-going", fitting);
+    for (const json &row : taken["rows"])
         EXPECT_TRUE(row["exitStatus"] == 3 || row["exitStatus"] == 5) << row;
 }
 
