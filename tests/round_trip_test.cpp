@@ -60,7 +60,7 @@ using rsvpsimd::ListKind;
 using rsvpsimd::Order;
 using rsvpsimd::Shape;
 
-// ---- The side of the records ----------------------------------------------------------------------------------
+// ---- The side of the records ----
 
 // Fields that the tool does not show, but which travel, and some of them are parts of keys.
 std::vector<rsvpctl::Field> Unshown(const RecordDescription &description)
@@ -121,7 +121,7 @@ json RecordToJson(const RecordDescription &description, const void *record)
     return all;
 }
 
-// ---- The side of the wire -------------------------------------------------------------------------------------
+// ---- The side of the wire ----
 
 json::json_pointer PlaceOf(std::string name)
 {
@@ -263,7 +263,7 @@ json Expected(const rsvpsimd::RowKind &kind, json row)
     return row;
 }
 
-// ---- Keys -----------------------------------------------------------------------------------------------------
+// ---- Keys ----
 
 // The values of a key in the order of the wire. They compare as the bytes do.
 using KeyValues = std::vector<json>;
@@ -299,7 +299,7 @@ json WithOneBitFlipped(Random &random, const json &value, uint32_t width)
     return hex.replace(bit / 8 * 2, 2, fmt::format("{:02x}", byte ^ 1U << bit % 8));
 }
 
-// ---- The calls ------------------------------------------------------------------------------------------------
+// ---- The calls ----
 
 constexpr uint32_t kGet = 3;
 constexpr uint32_t kFirst = 4;
@@ -420,7 +420,7 @@ json FullLsp(Random &random, const rsvpsimd::RowKind &kind)
     return row;
 }
 
-// ---- The tests ------------------------------------------------------------------------------------------------
+// ---- The tests ----
 
 constexpr uint32_t kSeeds[] = {1, 22, 333};
 constexpr int kRowsOfASeed = 8;
@@ -607,7 +607,7 @@ TEST(SingleRecords, EveryFieldAndEveryCount)
     }
 }
 
-// ---- Commands -------------------------------------------------------------------------------------------------
+// ---- Commands ----
 
 constexpr uint32_t kInterface = 0x00010203;
 constexpr uint32_t kPeer = 0x0A000009;

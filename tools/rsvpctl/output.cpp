@@ -92,8 +92,7 @@ Exit Output::Finish(Exit exit)
     return Exit::Exchange;
 }
 
-// ---- Documents
-// -----------------------------------------------------------------------------------------------------
+// ---- Documents ----
 
 void Output::OpenDocument(const std::string &operation)
 {
@@ -193,8 +192,7 @@ Exit Output::WrongUsage(const std::string &operation, const UsageError &error)
     return Exit::Usage;
 }
 
-// ---- Rows
-// ----------------------------------------------------------------------------------------------------------
+// ---- Rows ----
 
 void Output::BeginList(const std::string &operation)
 {
@@ -293,8 +291,7 @@ Exit Output::EndRows(const WalkResult &result)
     return exit;
 }
 
-// ---- Batch
-// ---------------------------------------------------------------------------------------------------------
+// ---- Batch ----
 
 void Output::BeginBatch(const std::string &file)
 {
