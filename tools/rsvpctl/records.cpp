@@ -8,7 +8,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
-#include <fmt/format.h>
+#include <fmt/compile.h>
 
 namespace rsvpctl {
 namespace {
@@ -119,7 +119,7 @@ void AddLeaves(const RecordDescription &description, const std::string &prefix, 
 
 std::string DottedText(uint32_t address)
 {
-    return fmt::format("{}.{}.{}.{}", address >> 24, address >> 16 & 255, address >> 8 & 255, address & 255);
+    return fmt::format(FMT_COMPILE("{}.{}.{}.{}"), address >> 24, address >> 16 & 255, address >> 8 & 255, address & 255);
 }
 
 float NetFloat(const void *at)
@@ -187,10 +187,11 @@ Json ScalarToJson(const Field &field, const void *element)
 
 Json ToJson(const RecordDescription &description, const void *record)
 {
-    Json out = Json::object();
+    Json::object_t out;
+    out.reserve(description.fields.size());
     for (const Field &field : description.fields) {
         if (IsPresent(field, record))
-            out.push_back({field.name, FieldToJson(field, record)});
+            out.emplace_back(field.name, FieldToJson(field, record));
     }
     return out;
 }
