@@ -47,6 +47,8 @@ cc -Wall -Wextra -Werror "$examples/walk.c" "${flags[@]}" -o "$work/pkgconfig/wa
 cc -Wall -Wextra -Werror "$examples/sub_lsps.c" "${flags[@]}" -o "$work/pkgconfig/sub_lsps"
 cc -Wall -Wextra -Werror "$examples/row_cache.c" "${flags[@]}" -pthread -o "$work/pkgconfig/row_cache"
 c++ -std=c++20 -Wall -Wextra -Werror "$examples/walk.cpp" "${flags[@]}" -o "$work/pkgconfig/walk_cpp"
+sed -n '/^    #include/,/^    }/s/^    //p' "$source/README.md" >"$work/readme.c"
+cc -Wall -Wextra -Werror "$work/readme.c" "${flags[@]}" -o "$work/pkgconfig/readme"
 LD_LIBRARY_PATH="$library" "$source/tests/examples_test.sh" "$work/pkgconfig" "$prefix/bin/rsvpsimd" \
   "$share/scenarios/demo.toml"
 
@@ -81,6 +83,13 @@ fi
 
 step "the installed tool starts the installed daemon"
 export RSVP_HOST_DIR="$work/device"
+mkdir -m 700 "$work/device"
+cp "$share/scenarios/demo.toml" "$work/device/scenario.toml"
 "$prefix/bin/rsvpctl" enable
 tr '\0' ' ' <"/proc/$(cat "$RSVP_HOST_DIR/rsvpsimd.lock")/cmdline" | grep -F "$prefix" >/dev/null
 "$prefix/bin/rsvpctl" set interface 3
+
+step "the program of the README"
+[ "$(LD_LIBRARY_PATH="$library" "$work/pkgconfig/readme")" = "tunnel 300, LSP 1, 2 hops
+tunnel 100, LSP 1, 1 hops
+tunnel 200, LSP 1, 2 hops" ]

@@ -1,0 +1,37 @@
+#!/bin/sh
+# The build for the router, by the commands of the README: the library alone, within its size, with no call left open
+# but the platform's own; and the platform's libraries needed when they are named.
+#
+#     router_test.sh SOURCE WORK_FOLDER
+set -eu
+source=$1 work=$2
+triplet=arm-linux-gnueabihf
+rm -rf "$work"
+mkdir -p "$work"
+echo "int STLV_Get(void) { return 0; }" >"$work/stlv.c"
+"$triplet-gcc" -shared -Wl,-soname,libplatform.so.1 -o "$work/libplatform.so" "$work/stlv.c"
+
+build() {
+  cmake --preset router -S "$source" -B "$work/build" -DRSVP_MOR_PLATFORM_LIBRARIES="$1" >"$work/log" &&
+    cmake --build "$work/build" --parallel >>"$work/log" 2>&1 || {
+    cat "$work/log"
+    exit 1
+  }
+}
+
+build ""
+library=$work/build/lib/librsvp_mor.so.1
+sh "$source/tests/exports_test.sh" "$triplet-nm" "$triplet-readelf" "$triplet-strip" "$library" \
+  "$source/abi/exports.txt" 28000
+sed -nE 's/^[a-z].*[ *]([A-Z]+_[A-Za-z]+)\(.*/\1/p' "$source"/platform/*.h | sort >"$work/platform"
+"$triplet-nm" -D --undefined-only "$library" | awk '$1 == "U" && $2 !~ /@/ { print $2 }' | sort >"$work/open"
+diff "$work/platform" "$work/open" || {
+  echo "the calls left open (>) are not the platform's (<)"
+  exit 1
+}
+
+build "$work/libplatform.so"
+"$triplet-readelf" -d "$library" | grep -q 'NEEDED.*\[libplatform.so.1\]' || {
+  echo "the platform's library was named, and is not needed"
+  exit 1
+}
