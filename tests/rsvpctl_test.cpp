@@ -4,6 +4,7 @@
 #include "command_line.h"
 #include "frame.h"
 #include "instance.h"
+#include "row_changes.h"
 #include "settings.h"
 #include "support/program.h"
 
@@ -485,6 +486,40 @@ TEST(Rsvpctl, EnablesAndDisablesTheNodesOfOneDeviceAlone)
     const json status = CtlJson(device, "status");
     EXPECT_EQ(status["record"]["service"], "stopped");
     EXPECT_EQ(status["status"], RSVP_MOR_ERR_NOT_ENABLED);
+}
+
+TEST(Rsvpctl, AWatchedCounterIsARateUntilItIsCleared)
+{
+    using nlohmann::ordered_json;
+    using Rate = std::optional<double>;
+    constexpr std::string_view keys[] = {"row"};
+    const struct {
+        const char *field;
+        ordered_json before;
+        ordered_json after;
+        Rate perSecond;
+    } cases[] = {
+        {"statWord3", 10u, 30u, 10},
+        {"statWord3", 0xfffffffau, 6u, 6}, // round the end of 32 bits
+        {"statWord3", 5000u, 0u, std::nullopt},
+        {"upLsps", 10u, 30u, std::nullopt},
+        {"statWord3", nullptr, 30u, std::nullopt},
+    };
+    for (const auto &row : cases) {
+        rsvpctl::RowChanges changes(keys);
+        changes.BeginPoll();
+        const auto added = changes.Row({{"row", 1}, {row.field, row.before}}, 100);
+        ASSERT_TRUE(added && added->kind == rsvpctl::RowEvent::Kind::Added);
+        EXPECT_FALSE(changes.Row({{"row", 1}, {row.field, row.before}}, 100)) << "as it was";
+        changes.BeginPoll();
+        const auto changed = changes.Row({{"row", 1}, {row.field, row.after}}, 102);
+        ASSERT_TRUE(changed && changed->changes.size() == 1);
+        EXPECT_EQ(changed->changes[0].perSecond, row.perSecond) << row.before << " to " << row.after;
+        // Only a poll that saw the whole table knows what is gone.
+        changes.BeginPoll();
+        EXPECT_TRUE(changes.EndPoll(false).empty());
+        EXPECT_EQ(changes.EndPoll(true).size(), 1);
+    }
 }
 
 TEST(Rsvpctl, AReaderThatGoesAwayIsNoFailure)

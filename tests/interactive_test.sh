@@ -1,0 +1,156 @@
+#!/bin/bash
+# rsvpctl where a person sits in front of it: tables that are watched while they change, Ctrl-C and closed pipes in the
+# middle of a wait, colours and the pager on a terminal, completion in a shell, a tree that dot takes.
+#
+#     interactive_test.sh RSVPCTL RSVPSIMD SCENARIO_FOLDER SCHEMA
+set -euo pipefail
+set -m # each job has a process group of its own, as at a prompt, and can be interrupted
+rsvpctl=$1 scenarios=$3 schema=$4
+export RSVP_SIMD=$2
+work=$(mktemp -d)
+watcher=
+leave() {
+  set +e # whatever has failed, the rest goes too
+  [ -z "$watcher" ] || kill "$watcher"
+  for device in "$work"/*.device; do RSVP_HOST_DIR=$device "$rsvpctl" disable; done
+  rm -rf "$work"
+}
+trap 'leave >/dev/null 2>&1' EXIT
+
+fail() {
+  echo "interactive_test: $*" >&2
+  exit 1
+}
+
+# A device whose daemon reads the scenario in standard input.
+use_device() {
+  export RSVP_HOST_DIR=$work/$1.device
+  mkdir -m 700 "$RSVP_HOST_DIR"
+  cat >"$RSVP_HOST_DIR/scenario.toml"
+  "$rsvpctl" enable >"$work/enabled"
+}
+
+# Waits until a file has a line with the text.
+await() {
+  for _ in $(seq 300); do
+    ! grep -qsF -- "$2" "$1" || return 0
+    sleep 0.1
+  done
+  fail "\"$2\" does not come: $(cat "$1")"
+}
+
+# A watch that ends as it should ends with status 0, however it is told to.
+expect_end() {
+  local status=0
+  wait "$watcher" || status=$?
+  watcher=
+  expect "$1" 0 $status
+}
+
+expect() {
+  [ "$2" = "$3" ] || fail "$1: \"$3\", not \"$2\""
+}
+
+echo "-- rows that come, change and go"
+use_device changing <<<""
+events=$work/events
+"$rsvpctl" watch show interface-config --initial --json --interval 0.1 >"$events" &
+watcher=$!
+"$rsvpctl" set interface 3
+await "$events" '"event":"added"'
+"$rsvpctl" set hello --interface 3
+await "$events" '"event":"changed"'
+"$rsvpctl" undo interface 3
+await "$events" '"event":"removed"'
+kill -INT -- -$watcher
+expect_end "watch, interrupted between polls"
+python3 - "$events" "$schema" <<'PYTHON'
+import json, sys, jsonschema
+schema = json.load(open(sys.argv[2]))
+validator = jsonschema.validators.validator_for(schema)(schema)
+events = [json.loads(line) for line in open(sys.argv[1])]
+for event in events:
+    validator.validate(event)
+assert [event["event"] for event in events] == ["added", "changed", "removed"], events
+assert all(event["key"] == {"ifIndex": 3} for event in events), events
+assert events[1]["changes"] == [{"field": "/ifConfig", "before": 1, "after": 3, "perSecond": None}], events
+PYTHON
+
+echo "-- the daemon goes, and comes back"
+"$rsvpctl" watch show interface-config --json --interval 0.1 >"$events" &
+watcher=$!
+"$rsvpctl" disable
+await "$events" '"event":"failed"'
+"$rsvpctl" enable
+await "$events" '"event":"recovered"'
+kill -TERM $watcher
+expect_end "watch, terminated"
+expect "a failure is told once" 2 "$(wc -l <"$events")"
+
+echo "-- Ctrl-C and a closed pipe in the middle of a wait"
+use_device silent <<'SCENARIO'
+trace = true
+[[fault]]
+kind = "silent"
+class = 3
+item = 101
+SCENARIO
+"$rsvpctl" watch show tunnels --json >"$events" &
+watcher=$!
+await "$RSVP_HOST_DIR/rsvpsimd.log" "< no answer"
+kill -INT -- -$watcher
+expect_end "watch, interrupted while it waits"
+[ ! -s "$events" ] || fail "the wait went on to its end: $(cat "$events")"
+mkfifo "$work/pipe"
+"$rsvpctl" watch show tunnels --json >"$work/pipe" &
+watcher=$!
+exec 3<"$work/pipe"
+sleep 0.1
+exec 3<&-
+expect_end "watch, whose reader went away"
+
+echo "-- on a terminal"
+use_device demo < <(cat "$scenarios/demo.toml" "$scenarios/p2mp.toml")
+bold=$'\e[1m'
+on_terminal() {
+  script -qec "$*" /dev/null </dev/null
+}
+looks() {
+  local wanted=$1 text
+  shift
+  text=$("$@" 2>&1)
+  case $wanted$text in
+  bold*"$bold"* | paged*"page: "*) ;;
+  plain*"$bold"* | plain*"page: "* | bold* | paged*) fail "$*: not $wanted: $text" ;;
+  esac
+}
+looks bold on_terminal "$rsvpctl" show psb
+looks plain env NO_COLOR=1 script -qec "$rsvpctl show psb" /dev/null
+looks bold env NO_COLOR=1 "$rsvpctl" show psb --color always
+looks plain on_terminal "$rsvpctl" show psb --color never
+looks plain "$rsvpctl" show psb
+export PAGER="sed 's/^/page: /'"
+looks paged on_terminal "$rsvpctl" show psb
+looks plain on_terminal "$rsvpctl" show psb --no-pager --color never
+looks plain "$rsvpctl" show psb
+
+echo "-- completion"
+offers() {
+  local words=$1
+  shift
+  expect "completion of $*" "$words" "$(
+    # shellcheck disable=SC1090
+    . <("$rsvpctl" completion bash)
+    COMP_WORDS=("$@") COMP_CWORD=$(($# - 1))
+    _rsvpctl
+    echo "${COMPREPLY[*]}"
+  )"
+}
+offers "enable explain" rsvpctl e
+offers "facility general" rsvpctl --json show frr ""
+offers "--tunnel-id" rsvpctl show psb --t
+offers "auto always never" rsvpctl show --color ""
+
+echo "-- the tree as a graph"
+svg=$("$rsvpctl" tree --key 500,10.0.0.1,10.0.0.1,50,1,0,0,0,0,0,0 --dot | dot -Tsvg)
+expect "leaves in the graph" 8 "$(grep -c '>10\.0\.0\.1[1-8]</text>' <<<"$svg")"
