@@ -118,17 +118,11 @@ uint32_t DecodeItem(const Item &item, RSVP_MOR_ReplyCrlsp &record, FilledSlots &
 
 uint32_t rsvp_mor_DecodeReplyCrlsp(const uint8_t *body, uint16_t length, RSVP_MOR_ReplyCrlsp *record)
 {
-    Items items = {body, length};
-    Item item;
     FilledSlots filled = 0;
-    uint32_t status = RSVP_MOR_OK;
-    while (status == RSVP_MOR_OK) {
-        const ItemResult result = NextItem(items, item);
-        if (result == ITEM_END)
-            return RSVP_MOR_OK;
-        status = result == ITEM_READ ? DecodeItem(item, *record, filled) : RSVP_MOR_ERR_FAIL;
-    }
-    RSVP_MOR_FreeReplyCrlsp(record);
+    const uint32_t status =
+        WalkItems(body, length, [&](const Item &item) { return DecodeItem(item, *record, filled); });
+    if (status != RSVP_MOR_OK)
+        RSVP_MOR_FreeReplyCrlsp(record);
     return status;
 }
 

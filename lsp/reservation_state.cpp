@@ -66,17 +66,11 @@ uint32_t DecodeItem(const Item &item, RSVP_MOR_ReplyRsb &record, RsbWalk &walk)
 
 uint32_t rsvp_mor_DecodeRsb(const uint8_t *body, uint16_t length, RSVP_MOR_ReplyRsb *record)
 {
-    Items items = {body, length};
-    Item item;
     RsbWalk walk = {};
-    uint32_t status = RSVP_MOR_OK;
-    while (status == RSVP_MOR_OK) {
-        const ItemResult result = NextItem(items, item);
-        if (result == ITEM_END)
-            return RSVP_MOR_OK;
-        status = result == ITEM_READ ? DecodeItem(item, *record, walk) : RSVP_MOR_ERR_FAIL;
-    }
-    RSVP_MOR_FreeReplyRsb(record);
+    const uint32_t status =
+        WalkItems(body, length, [&](const Item &item) { return DecodeItem(item, *record, walk); });
+    if (status != RSVP_MOR_OK)
+        RSVP_MOR_FreeReplyRsb(record);
     return status;
 }
 

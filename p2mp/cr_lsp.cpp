@@ -127,17 +127,12 @@ uint32_t RSVP_MOR_GetP2mpCrlsp(int32_t fd, uint32_t op, const RSVP_MOR_P2mpCrlsp
     if (status != RSVP_MOR_OK)
         return status;
 
-    Items items = {Body(reply), BodyLength(reply)};
-    Item item;
     RSVP_MOR_P2mpRro *last = nullptr; // the sub-LSP that takes the next route
     FilledSlots filled = 0;
-    while (status == RSVP_MOR_OK) {
-        const ItemResult result = NextItem(items, item);
-        if (result == ITEM_END)
-            return RSVP_MOR_OK;
-        status = result == ITEM_READ ? DecodeItem(item, *record, last, filled) : RSVP_MOR_ERR_FAIL;
-    }
-    RSVP_MOR_FreeP2mpCrlspInfo(record);
+    status = WalkItems(Body(reply), BodyLength(reply),
+                       [&](const Item &item) { return DecodeItem(item, *record, last, filled); });
+    if (status != RSVP_MOR_OK)
+        RSVP_MOR_FreeP2mpCrlspInfo(record);
     return status;
 }
 

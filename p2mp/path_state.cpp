@@ -99,19 +99,16 @@ uint32_t RSVP_MOR_GetP2mpPsbInfo(int32_t fd, uint32_t itemType, uint32_t op, con
     if (status != RSVP_MOR_OK)
         return status;
 
-    Items items = {Body(reply), BodyLength(reply)};
-    Item item = {};
     FilledSlots filled = 0;
-    ItemResult result = ITEM_READ;
-    while (status == RSVP_MOR_OK) {
-        result = NextItem(items, item);
-        if (result == ITEM_END)
-            return RSVP_MOR_OK;
-        status = result == ITEM_READ ? DecodeItem(item, *record, filled) : RSVP_MOR_ERR_FAIL;
-    }
-    if (result == ITEM_READ && IsListItem(item.type))
+    bool listRefused = false;
+    status = WalkItems(Body(reply), BodyLength(reply), [&](const Item &item) {
+        const uint32_t decoded = DecodeItem(item, *record, filled);
+        listRefused = decoded != RSVP_MOR_OK && IsListItem(item.type);
+        return decoded;
+    });
+    if (listRefused)
         RSVP_MOR_FreeP2mpPsbInfo(record); // as in any release of this record, its pointers and counts stand
-    else
+    else if (status != RSVP_MOR_OK)
         FreeFilled(*record, filled); // out of format: nothing of this call is left
     return status;
 }
