@@ -13,7 +13,7 @@ Usage: ./build.sh VERB
   arm              build and test for 32-bit ARM alone
   big-endian       build and test for a big-endian processor (s390x) under an emulator
   threads          build with the thread sanitizer and run the tests of many threads
-  memory           run the tests once under valgrind
+  memory           run the tests and all that they start under valgrind
   check            warnings of clang, clang-tidy, cppcheck, format
   bench            measure the library against plain system calls; writes build/bench.json
   fuzz [SECONDS]   run each fuzz harness (60 seconds each if not told otherwise)
@@ -167,11 +167,13 @@ threads)
 memory)
   need_tests
   need valgrind
-  build_preset host -DRSVP_MOR_TESTS=ON
-  say "testing under valgrind"
-  for test in channel_test requests_test failures_test decoders_test; do
-    valgrind --quiet --error-exitcode=1 --leak-check=full "build/host/bin/$test" --gtest_brief=1
-  done
+  reports=build/memory/valgrind # of every program that a test starts, whoever waits for it
+  rm -rf $reports
+  mkdir -p $reports
+  build_and_test memory
+  if grep -h '^==' $reports/*.log; then
+    exit 1
+  fi
   ;;
 check)
   check_sources
