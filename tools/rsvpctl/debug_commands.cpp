@@ -7,8 +7,6 @@
 namespace rsvpctl {
 namespace {
 
-constexpr uint8_t globalClass = 0;
-constexpr uint8_t resetClass = 5;
 constexpr uint16_t debugItem = 7;
 constexpr uint16_t authEntryItem = 0;
 constexpr uint16_t statisticsItem = 1;

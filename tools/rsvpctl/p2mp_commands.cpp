@@ -14,7 +14,6 @@
 namespace rsvpctl {
 namespace {
 
-constexpr uint32_t getRow = 3;
 constexpr uint32_t pathStateItem = 11;
 
 struct P2mpOptions {

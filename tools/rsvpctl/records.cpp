@@ -119,7 +119,8 @@ void AddLeaves(const RecordDescription &description, const std::string &prefix, 
 
 std::string DottedText(uint32_t address)
 {
-    return fmt::format(FMT_COMPILE("{}.{}.{}.{}"), address >> 24, address >> 16 & 255, address >> 8 & 255, address & 255);
+    return fmt::format(FMT_COMPILE("{}.{}.{}.{}"), address >> 24, address >> 16 & 255, address >> 8 & 255,
+                       address & 255);
 }
 
 float NetFloat(const void *at)

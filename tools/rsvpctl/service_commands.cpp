@@ -11,11 +11,6 @@
 namespace rsvpctl {
 namespace {
 
-constexpr uint8_t globalClass = 0;
-constexpr uint8_t interfaceClass = 1;
-constexpr uint8_t setOperation = 0;
-constexpr uint8_t undoOperation = 1;
-constexpr uint16_t interfaceItem = 1;
 constexpr uint16_t rsvpOnInterfaceItem = 18;
 constexpr uint16_t disableItem = 20;
 

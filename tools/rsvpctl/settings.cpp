@@ -108,9 +108,6 @@ constexpr Setting settings[] = {
 // clang-format on
 
 // Item types of the key that a message of an interface or a peer begins with.
-constexpr uint16_t interfaceItem = 1;
-constexpr uint16_t peerItem = 0;
-constexpr uint8_t undoOperation = 1;
 
 WireItem ValueItem(const Setting &setting, const SettingArguments &arguments)
 {

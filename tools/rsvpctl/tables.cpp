@@ -88,12 +88,8 @@ constexpr Table<RSVP_MOR_ReplyAuth, RSVP_MOR_AuthWalkKey> authentication{
     .keyColumns = {"authEntryWord0", "authEntryWord1"},
 };
 
-// The message operations of the facility table, which the library leaves to its caller.
-constexpr uint32_t getRow = 3;
-constexpr uint32_t getFirst = 4;
-constexpr uint32_t getNext = 5;
-
-// The last two parts of a facility key are bytes that nobody swaps: the row's numbers in network order.
+// The library leaves the operation to its caller here. The last two parts of the key are bytes that nobody swaps: the
+// row's numbers in network order.
 uint32_t ReadFacility(uint32_t operation, const FacilityIndex &index, RSVP_MOR_ReplyFrrFacility *row)
 {
     RSVP_MOR_FrrFacilityKey key{
