@@ -1,6 +1,7 @@
 /*
- * The layout of the records that are not images of the wire: what a program was compiled against must not move.
- * Compiled as C, so that the headers are proved to be C; the numbers are for pointers of four and of eight bytes.
+ * The layout of every record that no assertion beside its decoder holds already: what a program was compiled against
+ * must not move. Compiled as C, so that the headers are proved to be C; the numbers are for pointers of four and of
+ * eight bytes.
  */
 #include "rsvp_mor.h"
 
@@ -61,3 +62,13 @@ SIZE(RSVP_MOR_AuthEntryKey, 12, 12);
 SIZE(RSVP_MOR_FrrFacilityKey, 24, 24);
 SIZE(RSVP_MOR_P2mpStateKey, 56, 56);
 SIZE(RSVP_MOR_P2mpCrlspKey, 36, 36);
+SIZE(RSVP_MOR_NbrKey, 8, 8);
+SIZE(RSVP_MOR_AuthWalkKey, 8, 8);
+SIZE(RSVP_MOR_FrrGeneralKey, 12, 12);
+SIZE(RSVP_MOR_TunnelKey, 16, 16);
+SIZE(RSVP_MOR_IfCounters, 224, 224);
+SIZE(RSVP_MOR_GlobalCounters, 284, 284);
+SIZE(RSVP_MOR_SessionAttrShort, 3, 3);
+SIZE(RSVP_MOR_SessionAttrAffinity, 16, 16);
+SIZE(RSVP_MOR_P2mpSession, 12, 12);
+SIZE(RSVP_MOR_P2mpSender, 16, 16);
