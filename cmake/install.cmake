@@ -85,6 +85,8 @@ endif()
 if(RSVP_MOR_TESTS AND RSVP_MOR_PLATFORM STREQUAL "host" AND CMAKE_BUILD_TYPE STREQUAL "Release"
    AND NOT CMAKE_CROSSCOMPILING)
   add_test(NAME install COMMAND ${PROJECT_SOURCE_DIR}/tests/install_test.sh ${CMAKE_BINARY_DIR})
+  add_test(NAME packages COMMAND ${PROJECT_SOURCE_DIR}/tests/packages_test.sh ${CMAKE_BINARY_DIR})
+  set_tests_properties(install packages PROPERTIES RESOURCE_LOCK install_manifest)
 endif()
 
 # ---- Debian packages ---------------------------------------------------------------------------------------------
