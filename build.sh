@@ -62,7 +62,7 @@ need_host() {
 # What the tests use beside the build: the library of tests, and the programs that check documents and interface.
 need_tests() {
   need_host
-  need googletest abigail-tools doxygen graphviz man-db mandoc pkg-config python3-jsonschema
+  need googletest abigail-tools doxygen graphviz man-db mandoc pkg-config python3-jsonschema dpkg-dev file
 }
 
 # Runs a command and shows what it printed only if it fails.
@@ -125,8 +125,8 @@ check_sources() {
   quietly cmake -S . -B build/clang -DCMAKE_BUILD_TYPE=Debug -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++
   quietly cmake --build build/clang --parallel "$(nproc)"
   say "clang-tidy"
-  # shellcheck disable=SC2046,SC2086
-  quietly clang-tidy --quiet -p build/clang $(git ls-files $library host tools | grep '\.cpp$')
+  # shellcheck disable=SC2086
+  git ls-files $library host tools | grep '\.cpp$' | quietly xargs -P "$(nproc)" -n 1 clang-tidy --quiet -p build/clang
   say "cppcheck"
   # shellcheck disable=SC2086
   cppcheck --quiet --enable=warning,performance,portability --std=c++20 --inline-suppr --error-exitcode=1 \

@@ -27,7 +27,7 @@ using Clock = std::chrono::steady_clock;
 using Words = std::vector<std::string>;
 
 std::string programs; // folder of the programs of this build
-std::string arm_library;
+std::string armLibrary;
 std::string directory;
 
 double Since(Clock::time_point start)
@@ -91,16 +91,16 @@ void Pairs(State &state, bench::Kind kind)
 {
     const bench::Call call = bench::CallOf(kind);
     const bench::Child server(bench::StartCannedServer(directory, call.body));
-    const int fd = call.own_session ? -1 : RSVP_MOR_LIPCOpen();
+    const int fd = call.ownSession ? -1 : RSVP_MOR_LIPCOpen();
     std::vector<double> library;
     std::vector<double> raw;
     for (auto _ : state) {
         library.push_back(Time([&] { call.library(fd); }));
         raw.push_back(
-            Time([&] { call.own_session ? bench::RawOwn(call.request) : bench::RawHeld(fd, call.request); }));
+            Time([&] { call.ownSession ? bench::RawOwn(call.request) : bench::RawHeld(fd, call.request); }));
         state.SetIterationTime(library.back());
     }
-    if (!call.own_session)
+    if (!call.ownSession)
         RSVP_MOR_LIPCClose(fd);
     Row(state, 1e6 * Percentile(library, 0.1), 1e6 * Percentile(raw, 0.1),
         Percentile(library, 0.1) / Percentile(raw, 0.1), 1.05);
@@ -169,7 +169,7 @@ void Batch(State &state)
     for (int i = 0; i < kCommands; i++)
         lines << "set dscp 48\n";
     lines.close();
-    const Bytes request = bench::CallOf(bench::Kind::COMMAND).request;
+    const Bytes request = bench::CallOf(bench::Kind::Command).request;
     const bench::Child daemon(bench::StartDaemon(programs + "/rsvpsimd", "tunnel=1"));
     std::vector<double> tool;
     std::vector<double> raw;
@@ -268,7 +268,7 @@ void CallInstructions(State &state, bench::Kind kind)
         state.SetIterationTime(1);
     }
     // The floor is that of the read without lists; the others are told for the record.
-    Row(state, library, floor, library / floor, kind == bench::Kind::PATH_STATE ? 1.3 : 0, true);
+    Row(state, library, floor, library / floor, kind == bench::Kind::PathState ? 1.3 : 0, true);
 }
 
 void SystemCalls(State &state, bench::Kind kind)
@@ -282,7 +282,7 @@ void SystemCalls(State &state, bench::Kind kind)
         });
         state.SetIterationTime(1);
     }
-    const double wanted = bench::CallOf(kind).own_session ? 7 : 2;
+    const double wanted = bench::CallOf(kind).ownSession ? 7 : 2;
     Row(state, calls, wanted, calls, wanted, true);
 }
 
@@ -299,7 +299,7 @@ void HeapAndStack(State &state, bench::Kind kind, bool heap)
         state.SetIterationTime(1);
     }
     if (heap)
-        Row(state, blocks, 0, blocks, kind == bench::Kind::PATH_STATE_LISTS ? 2 : 0, true);
+        Row(state, blocks, 0, blocks, kind == bench::Kind::PathStateLists ? 2 : 0, true);
     else
         Row(state, stack, 2 * RSVP_MOR_MSG_MAX, stack / (2 * RSVP_MOR_MSG_MAX), 0, true);
 }
@@ -308,7 +308,7 @@ void ArmSize(State &state)
 {
     double size = 0;
     for (auto _ : state) {
-        size = static_cast<double>(std::filesystem::file_size(arm_library));
+        size = static_cast<double>(std::filesystem::file_size(armLibrary));
         state.SetIterationTime(1);
     }
     Row(state, size, 24'000, size, 28'000, true);
@@ -357,8 +357,7 @@ benchmark::internal::Benchmark *Add(const std::string &name, const std::function
 void AddAll()
 {
     using bench::Kind;
-    const Kind kinds[] = {Kind::PATH_STATE, Kind::PATH_STATE_LISTS, Kind::GLOBAL_RECORD, Kind::TUNNEL_ROW,
-                          Kind::COMMAND};
+    const Kind kinds[] = {Kind::PathState, Kind::PathStateLists, Kind::GlobalRecord, Kind::TunnelRow, Kind::Command};
     const auto each = [&](const std::string &what, const std::function<void(State &, Kind)> &function,
                           int iterations) {
         for (const Kind kind : kinds)
@@ -377,7 +376,7 @@ void AddAll()
         "heap blocks: ", [](State &state, Kind kind) { HeapAndStack(state, kind, true); }, 1);
     each(
         "stack bytes, against two areas: ", [](State &state, Kind kind) { HeapAndStack(state, kind, false); }, 1);
-    if (!arm_library.empty())
+    if (!armLibrary.empty())
         Add("bytes of the stripped ARM library, against the aim", ArmSize, 1);
 }
 
@@ -389,7 +388,7 @@ int main(int count, char **words)
     if (count < 2)
         bench::Fail("usage: rsvp_mor_bench PROGRAMS [ARM_LIBRARY] [--benchmark_...]");
     programs = words[1];
-    arm_library = count > 2 ? words[2] : "";
+    armLibrary = count > 2 ? words[2] : "";
     const bench::HostDirectory host;
     directory = host.Path();
     AddAll();

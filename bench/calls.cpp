@@ -114,17 +114,17 @@ Call CallOf(Kind kind)
 {
     const Bytes next = BuildFrame(kShow, kGetNext, kOk, Item(8, Bytes(20)));
     switch (kind) {
-    case Kind::PATH_STATE:
+    case Kind::PathState:
         return {"path state block, held", false, PathState, next, PathStateBody(false)};
-    case Kind::PATH_STATE_LISTS:
+    case Kind::PathStateLists:
         return {"path state block, two lists, held", false, PathState, next, PathStateBody(true)};
-    case Kind::GLOBAL_RECORD:
+    case Kind::GlobalRecord:
         return {"record of 680 bytes, held", false, GlobalRecord, BuildFrame(kShow, kGet, kOk, Item(6, {})),
                 Item(6, Bytes(680, 1))};
-    case Kind::TUNNEL_ROW:
+    case Kind::TunnelRow:
         return {"row of 60 bytes, own session", true, TunnelRow,
                 BuildFrame(kShow, kGetNext, kOk, Item(101, Bytes(16))), Item(101, Bytes(60, 1))};
-    case Kind::COMMAND:
+    case Kind::Command:
         return {
             "command, own session", true, Command, BuildFrame(kGlobal, kSet, kOk, Item(19, Bytes{0, 0, 0, 48})), {}};
     }
@@ -142,10 +142,10 @@ void RawHeld(int fd, const Bytes &request)
 void RawOwn(const Bytes &request)
 {
     static const sockaddr_un address = Address();
-    const timeval ten_seconds{10, 0};
+    const timeval tenSeconds{10, 0};
     const int fd = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0);
-    if (setsockopt(fd, SOL_SOCKET, SO_SNDTIMEO, &ten_seconds, sizeof(ten_seconds)) != 0 ||
-        setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &ten_seconds, sizeof(ten_seconds)) != 0 ||
+    if (setsockopt(fd, SOL_SOCKET, SO_SNDTIMEO, &tenSeconds, sizeof(tenSeconds)) != 0 ||
+        setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &tenSeconds, sizeof(tenSeconds)) != 0 ||
         connect(fd, reinterpret_cast<const sockaddr *>(&address), sizeof(address)) != 0)
         Fail("the raw session failed");
     RawHeld(fd, request);

@@ -9,11 +9,11 @@
 
 namespace bench {
 
-enum class Kind { PATH_STATE, PATH_STATE_LISTS, GLOBAL_RECORD, TUNNEL_ROW, COMMAND };
+enum class Kind { PathState, PathStateLists, GlobalRecord, TunnelRow, Command };
 
 struct Call {
     const char *name;
-    bool own_session;
+    bool ownSession;
     void (*library)(int fd);
     rsvpsimd::Bytes request; // what the library sends
     rsvpsimd::Bytes body;    // of the reply

@@ -78,7 +78,7 @@ int main(int count, char **words)
         return 0;
     }
     Run run{bench::CallOf(static_cast<bench::Kind>(std::atoi(words[1]))), times, -1};
-    if (!run.call.own_session)
+    if (!run.call.ownSession)
         run.fd = RSVP_MOR_LIPCOpen();
     if (count > 3)
         Measure(run);

@@ -76,7 +76,7 @@ constexpr Misbehaviour kWays[] = {
 
 std::string directory;
 std::map<uint32_t, RSVP_MOR_ReplyTunnel> tunnels; // as a daemon that behaves shows them
-std::map<uint32_t, RSVP_MOR_ReplyPsb> path_states;
+std::map<uint32_t, RSVP_MOR_ReplyPsb> pathStates;
 std::atomic<long> answers;
 std::atomic<long> refusals;
 std::atomic<long> faults;
@@ -125,7 +125,7 @@ void WalkPathState(Trust trust)
     bool more = Answered(RSVP_MOR_GetFirstPsbInfo(fd, &record));
     for (uint32_t rows = 0; more && rows < kRows; ++rows) {
         const uint32_t key = record.session.tunnelEndpoint;
-        Expect(IsRight(path_states, before, key, trust) && SameBlock(record, path_states.at(key)), "a wrong block");
+        Expect(IsRight(pathStates, before, key, trust) && SameBlock(record, pathStates.at(key)), "a wrong block");
         RSVP_MOR_FreeReplyPsb(&record);
         if (key <= before) // the walk is broken: its rows stand still
             break;
@@ -187,13 +187,13 @@ long OpenDescriptors()
 [[noreturn]] void Manage(uint32_t number, Trust trust, Clock::time_point end, int report)
 {
     answers = refusals = 0; // not those of the parent
-    const long open_before = OpenDescriptors();
+    const long openBefore = OpenDescriptors();
     std::vector<std::thread> threads;
     for (uint32_t i = 0; i < kThreads; ++i)
         threads.emplace_back(Work, number * kThreads + i, trust, end);
     for (std::thread &thread : threads)
         thread.join();
-    Expect(OpenDescriptors() == open_before, "a descriptor was left open");
+    Expect(OpenDescriptors() == openBefore, "a descriptor was left open");
     const long counts[] = {answers, refusals};
     Expect(write(report, counts, sizeof counts) == sizeof counts, "the report was lost");
     _exit(faults == 0 ? 0 : 1);
@@ -231,12 +231,12 @@ void LearnRows()
     const int32_t fd = RSVP_MOR_LIPCOpen();
     RSVP_MOR_ReplyPsb record = {};
     for (bool more = Answered(RSVP_MOR_GetFirstPsbInfo(fd, &record)); more;) {
-        path_states[record.session.tunnelEndpoint] = record; // the counts of the lists are kept, not the lists
+        pathStates[record.session.tunnelEndpoint] = record; // the counts of the lists are kept, not the lists
         RSVP_MOR_FreeReplyPsb(&record);
         more = Answered(RSVP_MOR_GetNextPsbInfo(fd, &record.session, &record.sender, &record));
     }
     RSVP_MOR_LIPCClose(fd);
-    Expect(tunnels.size() == kRows && path_states.size() == kRows, "the daemon does not show its rows");
+    Expect(tunnels.size() == kRows && pathStates.size() == kRows, "the daemon does not show its rows");
 }
 
 // One way to misbehave, while the programs work: the daemon is killed once and stopped and started once.
@@ -288,13 +288,13 @@ int main(int count, char **words)
     Expect(RSVP_MOR_SetMplsRsvp(0) == RSVP_MOR_OK, "the service does not start");
     LearnRows();
     Expect(RSVP_MOR_SetMplsRsvp(1) == RSVP_MOR_OK, "the service does not stop");
-    const long open_before = OpenDescriptors();
+    const long openBefore = OpenDescriptors();
     int rounds = 0;
     do {
         for (const Misbehaviour &way : kWays) {
-            const long faults_before = faults;
+            const long faultsBefore = faults;
             Round(way, ends[0], ends[1]);
-            if (faults != faults_before)
+            if (faults != faultsBefore)
                 std::fprintf(stderr, "soak: that was with the fault \"%s\"\n", way.fault);
         }
         rounds++;
@@ -303,7 +303,7 @@ int main(int count, char **words)
     Expect(RSVP_MOR_SetMplsRsvp(0) == RSVP_MOR_OK && RSVP_MOR_SetMplsRsvp(1) == RSVP_MOR_OK,
            "the service is spoiled");
 
-    Expect(OpenDescriptors() == open_before, "a descriptor was left open");
+    Expect(OpenDescriptors() == openBefore, "a descriptor was left open");
     Expect(waitpid(-1, nullptr, WNOHANG) == -1, "a process is left over");
     for (const auto &entry : std::filesystem::directory_iterator(directory)) {
         const std::string name = entry.path().filename();

@@ -83,15 +83,15 @@ std::string OpNames(std::uint32_t ops)
 std::string_view FormName(const Field &field)
 {
     switch (field.order) {
-    case Order::kNetwork:
+    case Order::Network:
         return "number";
-    case Order::kAddress:
+    case Order::Address:
         return "address";
-    case Order::kFloat:
+    case Order::Float:
         return "single";
-    case Order::kRate:
+    case Order::Rate:
         return "rate";
-    case Order::kRaw:
+    case Order::Raw:
         break;
     }
     if (field.secret)
@@ -117,9 +117,9 @@ void PrintFrame()
 void PrintNumbers()
 {
     fmt::print("| Class | Name | First item |\n|---:|---|---|\n");
-    for (const std::uint8_t msg_class : {kGlobal, kInterface, kPeer, kShow, kReset}) {
-        const auto key = KeyItemOf(msg_class);
-        fmt::print("| {} | {} | {} |\n", msg_class, ClassName(msg_class),
+    for (const std::uint8_t msgClass : {kGlobal, kInterface, kPeer, kShow, kReset}) {
+        const auto key = KeyItemOf(msgClass);
+        fmt::print("| {} | {} | {} |\n", msgClass, ClassName(msgClass),
                    key ? fmt::format("{}: {}", key->type, Link(key->layout)) : "");
     }
     fmt::print("\n| Operation | Name |\n|---:|---|\n");
@@ -135,18 +135,18 @@ void PrintNumbers()
 std::string_view ReadOf(Target target)
 {
     switch (target) {
-    case Target::kGlobal:
+    case Target::Global:
         return "globalInfo";
-    case Target::kInterface:
+    case Target::Interface:
         return "ifInfo";
-    case Target::kNeighbour:
+    case Target::Neighbour:
         return "nbr";
-    case Target::kAuth:
+    case Target::Auth:
         return "auth";
-    case Target::kDebug:
+    case Target::Debug:
         return "debugInfo";
-    case Target::kResetStatistics:
-    case Target::kResetAuth:
+    case Target::ResetStatistics:
+    case Target::ResetAuth:
         break;
     }
     return "none";
@@ -177,7 +177,7 @@ void PrintCommands()
         "setting shows.\n\n"
         "| Class | Item | Name | Operations | Value | Shows in |\n|---|---:|---|---|---|---|\n");
     for (const Command &command : AllCommands())
-        fmt::print("| {} | {} | {} | {} | {} | {} |\n", ClassName(command.msg_class), command.item, command.name,
+        fmt::print("| {} | {} | {} | {} | {} | {} |\n", ClassName(command.msgClass), command.item, command.name,
                    OpNames(command.ops), Link(command.layout), ShownIn(command));
     fmt::print("\n");
 }
@@ -202,14 +202,14 @@ void PrintLists(std::span<const ListKind> lists, int depth)
     for (const ListKind &list : lists) {
         const std::string indent(static_cast<std::size_t>(2 * depth), ' ');
         switch (list.shape) {
-        case Shape::kCounted:
+        case Shape::Counted:
             fmt::print("{}- item {}, if the row has this list: {}\n", indent, list.item, Link(list.layout));
             break;
-        case Shape::kEach:
+        case Shape::Each:
             fmt::print("{}- item {}, one for each entry: {}{}\n", indent, list.item, Link(list.layout),
                        list.children.empty() ? "" : ", with behind each");
             break;
-        case Shape::kText:
+        case Shape::Text:
             fmt::print("{}- item {}, if there is one: text, the {}, without a closing zero\n", indent, list.item,
                        list.name);
             break;
@@ -227,15 +227,15 @@ void PrintTables()
                "order of their key bytes.\n\n",
                +kShow, ClassName(kShow));
     for (const RowKind &kind : AllRowKinds()) {
-        fmt::print("### Table {}\n\n- request: item {}, {}\n- key: {}", kind.name, kind.request_item,
-                   OpNames(walk | (kind.has_ingress_walk ? ingress : 0)), Link(kind.key_layout));
+        fmt::print("### Table {}\n\n- request: item {}, {}\n- key: {}", kind.name, kind.requestItem,
+                   OpNames(walk | (kind.hasIngressWalk ? ingress : 0)), Link(kind.keyLayout));
         std::string_view separator = ", copied from the row's ";
-        for (const std::string_view field : kind.key_fields) {
+        for (const std::string_view field : kind.keyFields) {
             fmt::print("{}`{}`", separator, field);
             separator = ", ";
         }
         fmt::print("\n- the first forms carry {}\n- reply:\n",
-                   kind.first_has_key ? "a key whose content does not matter" : "an item without a value");
+                   kind.firstHasKey ? "a key whose content does not matter" : "an item without a value");
         for (const Part &part : kind.parts)
             fmt::print("  - item {}: {}\n", part.item, Link(part.layout));
         PrintLists(kind.lists, 1);
@@ -271,7 +271,7 @@ void PrintValues()
     }
     fmt::print("## Lists\n\nA count in network order, then as many entries.\n\n");
     for (const ListLayout &list : AllListLayouts())
-        fmt::print("{}\n\n{} bytes of count, then entries: {}\n\n", Anchor(list.name), list.count_width,
+        fmt::print("{}\n\n{} bytes of count, then entries: {}\n\n", Anchor(list.name), list.countWidth,
                    Link(list.entry));
 }
 

@@ -16,7 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     }
     for (const RowKind &kind : AllRowKinds()) {
         Bytes item;
-        AppendItem(item, kind.request_item, Bytes(kind.first_has_key ? LayoutNamed(kind.key_layout).size : 0));
+        AppendItem(item, kind.requestItem, Bytes(kind.firstHasKey ? LayoutNamed(kind.keyLayout).size : 0));
         const Reply reply = daemon.Answer(BuildFrame(kShow, kGetFirst, kOk, item));
         Must(reply.copies == 0 || reply.frame.size() <= 2 * RSVP_MOR_MSG_MAX, "a reply has a bound, faults or none");
     }

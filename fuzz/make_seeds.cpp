@@ -36,7 +36,7 @@ int main(int count, char **words)
         const rsvpsimd::RowKind *kind = rsvpsimd::FindRowKind(item);
         rsvpsimd::Bytes asked(request.begin(), request.end());
         if (operation.answer.size != 0 && kind != nullptr) { // the keys of the table name no row: ask for the first
-            const size_t key = kind->first_has_key ? rsvpsimd::LayoutNamed(kind->key_layout).size : 0;
+            const size_t key = kind->firstHasKey ? rsvpsimd::LayoutNamed(kind->keyLayout).size : 0;
             rsvpsimd::Bytes body;
             rsvpsimd::AppendItem(body, item, rsvpsimd::Bytes(key));
             asked = rsvpsimd::BuildFrame(rsvpsimd::kShow, rsvpsimd::kGetFirst, rsvpsimd::kOk, body);

@@ -71,8 +71,8 @@ int CheckDirectory(const char *path)
     struct stat found;
     if (lstat(path, &found) != 0)
         return errno;
-    const bool private_to_us = S_ISDIR(found.st_mode) && found.st_uid == geteuid() && (found.st_mode & 077) == 0;
-    return private_to_us ? 0 : EACCES;
+    const bool privateToUs = S_ISDIR(found.st_mode) && found.st_uid == geteuid() && (found.st_mode & 077) == 0;
+    return privateToUs ? 0 : EACCES;
 }
 
 std::string PrepareDirectory(const std::string &path)

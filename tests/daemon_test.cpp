@@ -25,9 +25,9 @@ Bytes Hex(std::string_view text)
     return bytes;
 }
 
-Bytes Request(std::uint8_t msg_class, std::uint8_t op, std::string_view body)
+Bytes Request(std::uint8_t msgClass, std::uint8_t op, std::string_view body)
 {
-    return BuildFrame(msg_class, op, 0, Hex(body));
+    return BuildFrame(msgClass, op, 0, Hex(body));
 }
 
 std::string Show(const Reply &reply)
@@ -41,9 +41,9 @@ std::uint64_t StatusOf(const Reply &reply)
 }
 
 // The first fixed value of a reply, one field of it in words.
-std::string FieldOf(const Reply &reply, std::string_view layout_name, std::string_view field)
+std::string FieldOf(const Reply &reply, std::string_view layoutName, std::string_view field)
 {
-    const Layout &layout = LayoutNamed(layout_name);
+    const Layout &layout = LayoutNamed(layoutName);
     const ByteView value = ByteView(reply.frame).subspan(kHeaderSize + kItemHeaderSize);
     return ShowField(value, *FindField(layout, field, KindsOf(layout, value)));
 }
@@ -69,7 +69,7 @@ TEST(TableEngine, FindsTheRowAtEveryEdge)
     Device device;
     MakeRows(device, "nbr=3"); // keys 1, 2, 3 and a second word that is the same in all
     Table &table = device.Rows("nbr");
-    const Bytes second = table.Find(Seek::kFirst, {})->key;
+    const Bytes second = table.Find(Seek::First, {})->key;
     const auto key = [&](std::uint32_t word, std::string_view rest = {}) {
         Bytes bytes = rest.empty() ? second : Hex(fmt::format("00000000{}", rest));
         StoreNet(std::span(bytes).first(4), word);
@@ -84,17 +84,17 @@ TEST(TableEngine, FindsTheRowAtEveryEdge)
         Bytes from;
         Bytes expected; // empty: no row
     } rows[] = {
-        {Seek::kFirst, {}, key(1)},
-        {Seek::kExact, key(0), {}},
-        {Seek::kExact, key(3), key(3)},
-        {Seek::kExact, key(3, "ffffffff"), {}},
-        {Seek::kExact, key(4), {}},
-        {Seek::kAfter, key(0), key(1)},
-        {Seek::kAfter, key(1, "00000000"), key(1)},
-        {Seek::kAfter, key(2), key(2, "ffffffff")},
-        {Seek::kAfter, key(2, "ffffffff"), key(3)},
-        {Seek::kAfter, key(3), {}},
-        {Seek::kAfter, key(0xFFFFFFFF), {}},
+        {Seek::First, {}, key(1)},
+        {Seek::Exact, key(0), {}},
+        {Seek::Exact, key(3), key(3)},
+        {Seek::Exact, key(3, "ffffffff"), {}},
+        {Seek::Exact, key(4), {}},
+        {Seek::After, key(0), key(1)},
+        {Seek::After, key(1, "00000000"), key(1)},
+        {Seek::After, key(2), key(2, "ffffffff")},
+        {Seek::After, key(2, "ffffffff"), key(3)},
+        {Seek::After, key(3), {}},
+        {Seek::After, key(0xFFFFFFFF), {}},
     };
     for (const auto &row : rows) {
         const auto found = table.Find(row.seek, row.from);
@@ -105,17 +105,17 @@ TEST(TableEngine, FindsTheRowAtEveryEdge)
     EXPECT_TRUE(table.Remove(key(1)));
     EXPECT_FALSE(table.Remove(key(1)));
     EXPECT_EQ(table.Size(), 3U);
-    EXPECT_EQ(table.Find(Seek::kFirst, {})->key, key(2));
-    EXPECT_FALSE(table.Find(Seek::kExact, key(1)));
+    EXPECT_EQ(table.Find(Seek::First, {})->key, key(2));
+    EXPECT_FALSE(table.Find(Seek::Exact, key(1)));
 }
 
 TEST(Scenario, RefusalsNameLineAndKey)
 {
     // 440 bytes of value, 213 hops and 6 route entries: one entry too many.
-    std::string full_list = "[[psb]]\nrouteList4 = [{}, {}, {}, {}, {}, {}]\nhopList = [";
+    std::string fullList = "[[psb]]\nrouteList4 = [{}, {}, {}, {}, {}, {}]\nhopList = [";
     for (int i = 0; i < 213; i++)
-        full_list += "{}, ";
-    full_list += "]";
+        fullList += "{}, ";
+    fullList += "]";
     const struct {
         std::string_view text;
         std::string_view expected;
@@ -136,7 +136,7 @@ TEST(Scenario, RefusalsNameLineAndKey)
         {"[[fault]]\nkind = \"late\"\nclass = 3\n", "f.toml:1: fault: late needs a number"},
         {"[[refuse]]\nclass = 0\n", "f.toml:1: refuse: needs a status"},
         {"[counters\n", "f.toml:1: "},
-        {full_list, "f.toml:1: psb: its items take 8196 bytes, a message has room for 8184"},
+        {fullList, "f.toml:1: psb: its items take 8196 bytes, a message has room for 8184"},
     };
     for (const auto &row : rows) {
         Daemon daemon;
@@ -156,7 +156,7 @@ TEST(Daemon, TakesCommandsShowsThemAndRefusesTheRest)
     const std::string global = "00060000", interface = "0007000400000003", config = "0070000400000003";
     const std::string neighbour = "000300080a00000900000000", debug = "00020000";
     const struct {
-        std::uint8_t msg_class, op;
+        std::uint8_t msgClass, op;
         std::string body;
         std::uint32_t status = kOk;
         std::string read = {};                                // body of the get that shows it
@@ -196,7 +196,7 @@ TEST(Daemon, TakesCommandsShowsThemAndRefusesTheRest)
     Daemon daemon;
     for (const auto &row : rows) {
         SCOPED_TRACE(row.body);
-        EXPECT_EQ(StatusOf(daemon.Answer(Request(row.msg_class, row.op, row.body))), row.status);
+        EXPECT_EQ(StatusOf(daemon.Answer(Request(row.msgClass, row.op, row.body))), row.status);
         if (row.read.empty())
             continue;
         const Reply read = daemon.Answer(Request(kShow, kGet, row.read));

@@ -210,12 +210,12 @@ TEST_F(HostPlatform, LifeOfTheDaemon)
     sigaddset(&term, SIGTERM);
     sigprocmask(SIG_BLOCK, &term, nullptr);
     const std::string marker = base + "/marker";
-    const int open_in_caller = open(marker.c_str(), O_RDWR | O_CREAT, 0600);
+    const int openInCaller = open(marker.c_str(), O_RDWR | O_CREAT, 0600);
     ASSERT_EQ(Start(), 0u);
     const pid_t first = Pid();
     for (const auto &entry : fs::directory_iterator("/proc/" + std::to_string(first) + "/fd"))
         EXPECT_NE(fs::read_symlink(entry), marker);
-    close(open_in_caller);
+    close(openInCaller);
     EXPECT_NE(getsid(first), getsid(0));
     EXPECT_EQ(Start(), 0u);
     EXPECT_EQ(Pid(), first);

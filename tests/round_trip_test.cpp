@@ -150,9 +150,9 @@ json RandomValue(Random &random, const rsvpsimd::Field &field)
     }
     if (last == "kind" || last == "tunnelRole")
         return below(5);
-    if (field.order == Order::kFloat || field.order == Order::kRate)
+    if (field.order == Order::Float || field.order == Order::Rate)
         return static_cast<double>(1 + below(0xFFFFFF)); // whole numbers of 24 bits are the same in every form
-    if (field.order == Order::kRaw && field.width > 1) {
+    if (field.order == Order::Raw && field.width > 1) {
         std::string hex;
         for (size_t i = 0; i < field.width; i++)
             hex += fmt::format("{:02x}", below(256));
@@ -162,9 +162,9 @@ json RandomValue(Random &random, const rsvpsimd::Field &field)
     return number >> (field.width == 8 ? 1 : 64 - 8 * field.width); // a scenario has no numbers of all 64 bits
 }
 
-json RandomFields(Random &random, std::string_view layout_name)
+json RandomFields(Random &random, std::string_view layoutName)
 {
-    const Layout &layout = rsvpsimd::LayoutNamed(layout_name);
+    const Layout &layout = rsvpsimd::LayoutNamed(layoutName);
     std::map<std::string, json, std::less<>> values;
     json record = json::object();
     for (const rsvpsimd::Field &field : layout.fields) {
@@ -182,12 +182,12 @@ void AddLists(Random &random, json &block, std::span<const ListKind> lists)
         // Now and then a block goes without this item; and the route of a sub-LSP is refused if it has no hops.
         if (count == 5 || (count == 0 && list.item == kSubLspHopsItem))
             continue;
-        if (list.shape == Shape::kText) {
+        if (list.shape == Shape::Text) {
             block[std::string(list.name)] = std::string(count, 'x') + std::to_string(random());
             continue;
         }
         json &entries = block[std::string(list.name)] = json::array();
-        const bool counted = list.shape == Shape::kCounted;
+        const bool counted = list.shape == Shape::Counted;
         for (uint32_t i = 0; i < count; i++) {
             json entry = RandomFields(random, counted ? rsvpsimd::FindListLayout(list.layout)->entry : list.layout);
             AddLists(random, entry, list.children);
@@ -207,8 +207,8 @@ json RandomRow(Random &random, const rsvpsimd::RowKind &kind)
             row[std::string(part.prefix)] = fields;
     }
     AddLists(random, row, kind.lists);
-    if (kind.key_fields.empty())
-        row["requestKey"] = RandomFields(random, kind.key_layout);
+    if (kind.keyFields.empty())
+        row["requestKey"] = RandomFields(random, kind.keyLayout);
     return row;
 }
 
@@ -238,9 +238,9 @@ void Expect(json &block, std::span<const ListKind> lists)
     for (const ListKind &list : lists) {
         const std::string name(list.name);
         if (!block.contains(name))
-            block[name] = list.shape == Shape::kText ? json() : json::array();
+            block[name] = list.shape == Shape::Text ? json() : json::array();
         for (json &entry : block[name]) {
-            if (list.shape == Shape::kEach)
+            if (list.shape == Shape::Each)
                 Expect(entry, list.children);
             if (name == "fsList" && !entry.contains("rro"))
                 entry["rro"] = json::array(); // the node is the same in both blocks, the item is not
@@ -271,10 +271,10 @@ using KeyValues = std::vector<json>;
 std::vector<json::json_pointer> KeyPlaces(const rsvpsimd::RowKind &kind)
 {
     std::vector<json::json_pointer> places;
-    if (kind.key_fields.empty())
-        for (const auto &field : rsvpsimd::LayoutNamed(kind.key_layout).fields)
+    if (kind.keyFields.empty())
+        for (const auto &field : rsvpsimd::LayoutNamed(kind.keyLayout).fields)
             places.push_back(PlaceOf("requestKey." + field.name));
-    for (const std::string_view key : kind.key_fields)
+    for (const std::string_view key : kind.keyFields)
         for (const auto &field : rsvpsimd::LayoutNamed(kind.parts.front().layout).fields)
             if (field.name == key || field.name.starts_with(std::string(key) + "."))
                 places.push_back(PlaceOf(field.name));
@@ -310,7 +310,7 @@ struct Kind {
     const char *name; // as the daemon calls it
     const RecordDescription *record;
     const RecordDescription *key;
-    bool has_get; // one row can be asked for by its key
+    bool hasGet; // one row can be asked for by its key
     std::function<uint32_t(uint32_t op, int32_t fd, const void *key, void *record)> read;
     std::function<void(void *record)> release; // empty where a row owns nothing
     bool ingress = false;
@@ -323,9 +323,9 @@ void PrintTo(const Kind &kind, std::ostream *out)
 }
 
 template <typename Row, typename Key, typename Read>
-Kind Table(const char *name, bool has_get, Read read, void (*release)(Row *) = nullptr)
+Kind Table(const char *name, bool hasGet, Read read, void (*release)(Row *) = nullptr)
 {
-    Kind kind{name, &Describe<Row>(), &Describe<Key>(), has_get, {}, {}};
+    Kind kind{name, &Describe<Row>(), &Describe<Key>(), hasGet, {}, {}};
     kind.read = [read](uint32_t op, int32_t fd, const void *key, void *row) {
         return read(op, fd, *static_cast<const Key *>(key), static_cast<Row *>(row));
     };
@@ -443,7 +443,7 @@ protected:
         wire_ = rsvpsimd::FindRowKind(kind.name);
         std::string scenario;
         for (const uint32_t seed : kSeeds) {
-            Random random(seed + wire_->request_item);
+            Random random(seed + wire_->requestItem);
             for (int i = 0; i < kRowsOfASeed; i++) {
                 const bool full = i == 0 && wire_->name == "p2mpCrlsp";
                 rows_.push_back(full ? FullLsp(random, *wire_) : RandomRow(random, *wire_));
@@ -522,8 +522,8 @@ TEST_P(RoundTrip, EveryFieldOfEveryRow)
 {
     json actual = Check(&rows_.front(), kFirst, {});
     for (size_t i = 0; i < rows_.size() && !actual.is_null(); i++) {
-        const KeyValues key = KeyOf(*wire_, wire_->key_fields.empty() ? rows_[i] : actual);
-        if (GetParam().has_get)
+        const KeyValues key = KeyOf(*wire_, wire_->keyFields.empty() ? rows_[i] : actual);
+        if (GetParam().hasGet)
             Check(&rows_[i], kGet, key);
         actual = Check(i + 1 < rows_.size() ? &rows_[i + 1] : nullptr, kNext, key);
     }
@@ -542,7 +542,7 @@ TEST_P(RoundTrip, EveryFieldOfAKeyCounts)
             other[i] = WithOneBitFlipped(random, key[i], leaves_[i].field->width);
             const auto behind = static_cast<size_t>(std::upper_bound(keys.begin(), keys.end(), other) - keys.begin());
             Check(behind == rows_.size() ? nullptr : &rows_[behind], kNext, other);
-            if (GetParam().has_get)
+            if (GetParam().hasGet)
                 Check(behind > 0 && keys[behind - 1] == other ? &rows_[behind - 1] : nullptr, kGet, other);
         }
     }
@@ -624,7 +624,7 @@ const uint8_t *Key()
 }
 
 struct Setting {
-    uint8_t message_class;
+    uint8_t messageClass;
     uint16_t item;
     const char *shown; // the bytes that a read must show
     uint32_t (*call)(uint32_t op);
@@ -679,11 +679,11 @@ std::string Shown(int32_t fd, rsvpsimd::Target target, const std::string &field)
     RSVP_MOR_ReplyNbr nbr;
     RSVP_MOR_ReplyAuth auth;
     switch (target) {
-    case rsvpsimd::Target::kGlobal:
+    case rsvpsimd::Target::Global:
         return in(RSVP_MOR_GetGlobalInfo(fd, &global), global, "globalInfo");
-    case rsvpsimd::Target::kInterface:
+    case rsvpsimd::Target::Interface:
         return in(RSVP_MOR_GetIfInfo(fd, kInterface, &interface), interface, "ifInfo");
-    case rsvpsimd::Target::kNeighbour:
+    case rsvpsimd::Target::Neighbour:
         return in(RSVP_MOR_GetFirstNbr(fd, &nbr), nbr, "nbr");
     default:
         return in(RSVP_MOR_GetFirstAuth(fd, &auth), auth, "auth");
@@ -707,7 +707,7 @@ TEST(Commands, EverySettingShowsAndGoesBack)
         return hex.empty() ? hex : hex.substr(2 * command.index, digits);
     };
     for (const Setting &setting : kSettings) {
-        const auto &command = *rsvpsimd::FindCommand(setting.message_class, setting.item);
+        const auto &command = *rsvpsimd::FindCommand(setting.messageClass, setting.item);
         const std::string field(command.field);
         const std::string shown = setting.shown == std::string("key")
                                       ? fmt::format("{:02x}", fmt::join(Key(), Key() + RSVP_MOR_AUTH_KEY_SIZE, ""))
@@ -718,16 +718,16 @@ TEST(Commands, EverySettingShowsAndGoesBack)
         EXPECT_EQ(place(command, Shown(fd, command.target, field), shown.size()), shown) << command.name;
         EXPECT_EQ(FlagsOfInterface() & command.flag, command.flag) << command.name;
     }
-    EXPECT_EQ(Shown(fd, rsvpsimd::Target::kInterface, "ifShort3"), "5678"); // the second of the pair
+    EXPECT_EQ(Shown(fd, rsvpsimd::Target::Interface, "ifShort3"), "5678"); // the second of the pair
     for (auto done = before.rbegin(); done != before.rend(); ++done) {
-        const auto &command = *rsvpsimd::FindCommand(done->first->message_class, done->first->item);
+        const auto &command = *rsvpsimd::FindCommand(done->first->messageClass, done->first->item);
         if ((command.ops >> rsvpsimd::kUndo & 1) == 0)
             continue;
         ASSERT_EQ(done->first->call(1), RSVP_MOR_OK) << command.name;
         const std::string after = Shown(fd, command.target, std::string(command.field));
         const size_t digits = std::strcmp(done->first->shown, "key") == 0 ? 2 * RSVP_MOR_AUTH_KEY_SIZE : 2;
-        const bool row_was_made = done->second.empty() && !command.makes_row;
-        const std::string expected = row_was_made ? std::string(digits, '0') : place(command, done->second, digits);
+        const bool rowWasMade = done->second.empty() && !command.makesRow;
+        const std::string expected = rowWasMade ? std::string(digits, '0') : place(command, done->second, digits);
         EXPECT_EQ(place(command, after, digits), expected) << command.name;
         EXPECT_EQ(FlagsOfInterface() & command.flag, 0U) << command.name;
     }
@@ -735,7 +735,7 @@ TEST(Commands, EverySettingShowsAndGoesBack)
     // Whatever the daemon shows in a read is set here, but for the end of the service itself.
     for (const rsvpsimd::Command &command : rsvpsimd::AllCommands())
         EXPECT_TRUE(command.field.empty() || command.name == "globalDisable" || covered.contains(&command))
-            << int{command.msg_class} << " " << command.name;
+            << int{command.msgClass} << " " << command.name;
 }
 
 TEST(Commands, SwitchesAndResetsShow)
@@ -759,9 +759,9 @@ TEST(Commands, SwitchesAndResetsShow)
     EXPECT_EQ(info.session1.tunnelEndpoint, 0U);
     EXPECT_EQ(std::memcmp(&info.session2, &session, sizeof session), 0);
 
-    const RSVP_MOR_StatisticsKey one_interface{66051, 0};
+    const RSVP_MOR_StatisticsKey oneInterface{66051, 0};
     const RSVP_MOR_StatisticsKey whole{0, 0};
-    EXPECT_EQ(RSVP_MOR_ResetStatistics(fd, &one_interface), RSVP_MOR_OK);
+    EXPECT_EQ(RSVP_MOR_ResetStatistics(fd, &oneInterface), RSVP_MOR_OK);
     EXPECT_EQ(RSVP_MOR_ResetStatistics(fd, &whole), RSVP_MOR_OK);
     RSVP_MOR_IfInfo interface;
     EXPECT_EQ(RSVP_MOR_GetIfInfo(fd, 66051, &interface), RSVP_MOR_OK);

@@ -189,16 +189,16 @@ TEST(Rsvpctl, EveryCommandGivesOneJsonDocument)
     directory.Write("settings.txt", "set interface 3\n");
     std::string documents;
     std::set<int> exits;
-    const auto run_all = [&] {
+    const auto runAll = [&] {
         for (const std::string &line : EveryLine()) {
             const json document = CtlJson(directory, line);
             documents += document.dump() + "\n";
             exits.insert(document.value("exitStatus", -1));
         }
     };
-    run_all();
+    runAll();
     ASSERT_EQ(Ctl(directory, "enable").exit, 0);
-    run_all();
+    runAll();
     EXPECT_EQ(exits, (std::set<int>{0, 1, 2, 3, 4, 5}));
 
     std::ifstream schema(SCHEMA_PATH);
@@ -245,12 +245,12 @@ TEST(Rsvpctl, TellsTheEndsOfAWalkApart)
             const std::string fault =
                 *row.fault == '\0' ? ""
                                    : fmt::format("[[fault]]\nclass = 3\nop = 5\nitem = {}\n{}\n", item, row.fault);
-            for (const bool as_json : {false, true}) {
+            for (const bool asJson : {false, true}) {
                 const HostDirectory directory("[rows]\ntunnel = 3\ninterface = 3\n" + fault);
                 ASSERT_EQ(Ctl(directory, "enable").exit, 0);
-                const Result result = Ctl(directory, fmt::format("show {}{}", table, as_json ? " --json" : ""));
+                const Result result = Ctl(directory, fmt::format("show {}{}", table, asJson ? " --json" : ""));
                 EXPECT_EQ(result.exit, row.exit);
-                if (!as_json) {
+                if (!asJson) {
                     EXPECT_NE(result.err.find(row.message), std::string::npos) << result.err;
                     EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), row.rows + 1) << result.out;
                     continue;
@@ -273,7 +273,7 @@ TEST(Rsvpctl, BatchNamesTheLineAndStopsWhereItIsTold)
     const struct {
         const char *options;
         int exit;
-        const char *stopped_behind; // line numbers that have a document
+        const char *stoppedBehind; // line numbers that have a document
         size_t interfaces;
     } cases[] = {
         {"", 2, "[3,4,6,7]", 2},
@@ -290,7 +290,7 @@ TEST(Rsvpctl, BatchNamesTheLineAndStopsWhereItIsTold)
         for (const json &line : document["rows"])
             lines.push_back(line["line"]);
         EXPECT_EQ(document["exitStatus"], row.exit);
-        EXPECT_EQ(lines.dump(), row.stopped_behind);
+        EXPECT_EQ(lines.dump(), row.stoppedBehind);
         EXPECT_EQ(document["rows"][3]["exitStatus"], 2);
         EXPECT_EQ(CtlJson(directory, "show interfaces")["rows"].size(), row.interfaces);
         const Result plain = Ctl(directory, fmt::format("batch - {}", row.options), text);
@@ -388,7 +388,7 @@ TEST(Rsvpctl, ADryRunPrintsWhatIsSent)
                              {"length", item.value.size()},
                              {"value", key ? "hidden" : fmt::format("{:02x}", fmt::join(item.value, ""))}});
         }
-        const json sent = {{"class", message->msg_class}, {"op", message->op}, {"items", items}};
+        const json sent = {{"class", message->msgClass}, {"op", message->op}, {"items", items}};
         EXPECT_EQ(planned["rows"][i]["requests"], json::array({sent})) << planned["rows"][i];
     }
 }

@@ -32,7 +32,7 @@ std::uint32_t CheckValue(std::string_view layout, ByteView value)
 
 template <typename Selector> bool Selects(const Selector &selector, const Message &request)
 {
-    return selector.msg_class.value_or(request.msg_class) == request.msg_class &&
+    return selector.msgClass.value_or(request.msgClass) == request.msgClass &&
            selector.op.value_or(request.op) == request.op &&
            selector.item.value_or(SubjectOf(request)) == SubjectOf(request);
 }
@@ -57,9 +57,9 @@ Reply Daemon::Answer(ByteView request, std::uint64_t client)
         const auto has = [&](FaultKind kind) {
             return std::ranges::any_of(faults, [&](const Fault *fault) { return fault->kind == kind; });
         };
-        const Result result = Handle(*message, {has(FaultKind::kStuck), has(FaultKind::kShifting)});
+        const Result result = Handle(*message, {has(FaultKind::Stuck), has(FaultKind::Shifting)});
         CountIn(*message, result.status);
-        reply.frame = BuildFrame(message->msg_class, message->op, result.status, result.body);
+        reply.frame = BuildFrame(message->msgClass, message->op, result.status, result.body);
         for (Fault *fault : faults) {
             Strike(*fault, reply);
             fault->spent = fault->once;
@@ -75,7 +75,7 @@ Daemon::Result Daemon::Handle(const Message &request, const Walk &walk)
     for (const Refusal &refusal : refusals_)
         if (Selects(refusal, request))
             return {refusal.status};
-    switch (request.msg_class) {
+    switch (request.msgClass) {
     case kGlobal:
     case kInterface:
     case kPeer:
@@ -90,19 +90,19 @@ Daemon::Result Daemon::Handle(const Message &request, const Walk &walk)
 
 Daemon::Result Daemon::Carry(const Message &request)
 {
-    const std::optional<KeyItem> key_item = KeyItemOf(request.msg_class);
-    if (request.items.size() != (key_item ? 2U : 1U) || (key_item && request.items.front().type != key_item->type))
+    const std::optional<KeyItem> keyItem = KeyItemOf(request.msgClass);
+    if (request.items.size() != (keyItem ? 2U : 1U) || (keyItem && request.items.front().type != keyItem->type))
         return {kBadItems};
     const Item &subject = request.items.back();
-    const Command *command = FindCommand(request.msg_class, subject.type);
+    const Command *command = FindCommand(request.msgClass, subject.type);
     if (command == nullptr)
         return {kUnknownItem};
     if (request.op > kHelloTimer || (command->ops >> request.op & 1) == 0)
         return {kUnknownOp};
     if (const auto status = CheckValue(command->layout, subject.value); status != kOk)
         return {status};
-    if (key_item)
-        if (const auto status = CheckValue(key_item->layout, request.items.front().value); status != kOk)
+    if (keyItem)
+        if (const auto status = CheckValue(keyItem->layout, request.items.front().value); status != kOk)
             return {status};
     return {device_.Apply(*command, request.op, request.items.front().value, subject.value)};
 }
@@ -134,18 +134,18 @@ Daemon::Result Daemon::ShowRow(const RowKind &kind, const Message &request, cons
 {
     const ByteView key = request.items.front().value;
     const bool ingress = request.op == kGetFirstIngress || request.op == kGetNextIngress;
-    if (request.op < kGet || request.op > (kind.has_ingress_walk ? kGetNextIngress : kGetNext))
+    if (request.op < kGet || request.op > (kind.hasIngressWalk ? kGetNextIngress : kGetNext))
         return {kUnknownOp};
     const bool first = request.op == kGetFirst || request.op == kGetFirstIngress;
-    if (const auto status = CheckValue(first && !kind.first_has_key ? "none" : kind.key_layout, key); status != kOk)
+    if (const auto status = CheckValue(first && !kind.firstHasKey ? "none" : kind.keyLayout, key); status != kOk)
         return {status};
     Table &table = device_.Rows(kind);
     const bool next = !first && request.op != kGet;
-    Seek seek = next ? Seek::kAfter : Seek::kExact;
+    Seek seek = next ? Seek::After : Seek::Exact;
     if (first)
-        seek = Seek::kFirst;
-    else if (next && walk.stuck && table.Find(Seek::kExact, key))
-        seek = Seek::kExact;
+        seek = Seek::First;
+    else if (next && walk.stuck && table.Find(Seek::Exact, key))
+        seek = Seek::Exact;
     std::optional<EncodedRow> row = table.Find(seek, key, ingress);
     if (next && walk.shifting && row) {
         table.Remove(row->key);
@@ -170,15 +170,15 @@ std::vector<Fault *> Daemon::FaultsFor(const Message &request)
 void Daemon::CountIn(const Message &request, std::uint32_t status)
 {
     Image &global = device_.Global();
-    const bool read = request.msg_class == kShow;
+    const bool read = request.msgClass == kShow;
     if (status == kOk)
         global.Add(read ? "statWord3" : "statWord1", 0);
     else
         global.Add(read ? "statWord4" : "statWord2", 0);
     if (request.op <= kHelloTimer)
         global.Add("counters1.countsA", request.op);
-    if (request.msg_class <= kReset)
-        global.Add("counters1.countsB", request.msg_class);
+    if (request.msgClass <= kReset)
+        global.Add("counters1.countsB", request.msgClass);
 }
 
 } // namespace rsvpsimd

@@ -8,7 +8,7 @@ namespace rsvpsimd {
 
 // A request that the scenario wants refused.
 struct Refusal {
-    std::optional<std::uint8_t> msg_class = {};
+    std::optional<std::uint8_t> msgClass = {};
     std::optional<std::uint8_t> op = {};
     std::optional<std::uint16_t> item = {};
     std::uint32_t status = 0;

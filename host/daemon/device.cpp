@@ -36,7 +36,7 @@ Record DefaultGlobal()
 Bytes RowKey(const RowKind &kind, ByteView number)
 {
     Bytes key(number.begin(), number.end());
-    key.resize(LayoutNamed(kind.key_layout).size);
+    key.resize(LayoutNamed(kind.keyLayout).size);
     return key;
 }
 
@@ -49,9 +49,9 @@ EncodedRow NewRow(const RowKind &kind, ByteView number)
 
 const RowKind &RowsOf(Target target)
 {
-    if (target == Target::kInterface)
+    if (target == Target::Interface)
         return *FindRowKind("interface");
-    return *FindRowKind(target == Target::kNeighbour ? "nbr" : "auth");
+    return *FindRowKind(target == Target::Neighbour ? "nbr" : "auth");
 }
 
 } // namespace
@@ -78,43 +78,43 @@ void Image::Add(std::string_view field, std::size_t index, std::uint64_t number)
     StoreNet(place, LoadNet(place) + number);
 }
 
-Device::Device() : global_("globalInfo", {}), undone_global_("globalInfo", {}), debug_("debugInfo", {})
+Device::Device() : global_("globalInfo", {}), undoneGlobal_("globalInfo", {}), debug_("debugInfo", {})
 {
     for (const RowKind &kind : AllRowKinds())
-        tables_.emplace(kind.request_item, Table(kind));
+        tables_.emplace(kind.requestItem, Table(kind));
     SetGlobal({});
 }
 
 std::uint32_t Device::CountOf(const Count &count)
 {
     const auto given = counts_.find(count.name);
-    return given != counts_.end() ? given->second : static_cast<std::uint32_t>(Rows(count.derived_from).Size());
+    return given != counts_.end() ? given->second : static_cast<std::uint32_t>(Rows(count.derivedFrom).Size());
 }
 
 void Device::SetGlobal(const Record &record)
 {
     Record merged = record;
     merged.merge(DefaultGlobal());
-    global_ = undone_global_ = Image("globalInfo", merged);
-    undone_global_.Place("settingBytes2")[0] = 0; // RSVP itself is on from the start and can only be undone
+    global_ = undoneGlobal_ = Image("globalInfo", merged);
+    undoneGlobal_.Place("settingBytes2")[0] = 0; // RSVP itself is on from the start and can only be undone
 }
 
 std::uint32_t Device::Apply(const Command &command, std::uint8_t op, ByteView key, ByteView value)
 {
     switch (command.target) {
-    case Target::kGlobal:
-        Store(global_.View(), undone_global_.View(), LayoutNamed("globalInfo"), command, op, value);
+    case Target::Global:
+        Store(global_.View(), undoneGlobal_.View(), LayoutNamed("globalInfo"), command, op, value);
         return kOk;
-    case Target::kInterface:
-    case Target::kNeighbour:
-    case Target::kAuth:
+    case Target::Interface:
+    case Target::Neighbour:
+    case Target::Auth:
         return ApplyToRow(RowsOf(command.target), command, op, key, value);
-    case Target::kDebug:
+    case Target::Debug:
         ApplyDebug(op, value);
         return kOk;
-    case Target::kResetStatistics:
+    case Target::ResetStatistics:
         return ResetStatistics(LoadNet(value.first(4)));
-    case Target::kResetAuth:
+    case Target::ResetAuth:
         return ResetAuth(value.first(8));
     }
     return kUnknownItem;
@@ -125,9 +125,9 @@ std::uint32_t Device::ApplyToRow(const RowKind &kind, const Command &command, st
 {
     Table &table = Rows(kind);
     const Bytes key = RowKey(kind, number);
-    if (command.makes_row && op == kUndo) {
+    if (command.makesRow && op == kUndo) {
         table.Remove(key);
-        if (command.target == Target::kInterface)
+        if (command.target == Target::Interface)
             Rows("ifconfig").Remove(key);
         return kOk;
     }
@@ -141,7 +141,7 @@ std::uint32_t Device::ApplyToRow(const RowKind &kind, const Command &command, st
     const Layout &layout = LayoutNamed(kind.parts.front().layout);
     const auto row = std::span(*table.Edit(key)).subspan(kItemHeaderSize, layout.size);
     Store(row, Bytes(layout.size), layout, command, op, value);
-    if (command.target == Target::kInterface)
+    if (command.target == Target::Interface)
         NoteInterface(command, op, number, row);
     return kOk;
 }
@@ -151,12 +151,12 @@ void Device::Store(std::span<std::uint8_t> record, ByteView undone, const Layout
 {
     // A switch is one byte. A pair of numbers fills the named field and the one behind it.
     const Layout &form = LayoutNamed(command.layout);
-    const bool is_switch = form.fields.empty();
+    const bool isSwitch = form.fields.empty();
     const std::size_t used =
-        is_switch ? 1 : form.fields.back().offset + form.fields.back().width * form.fields.back().count;
+        isSwitch ? 1 : form.fields.back().offset + form.fields.back().width * form.fields.back().count;
     const std::size_t offset = ExtentOf(layout, command.field).offset + command.index;
     const Bytes on{1};
-    const ByteView from = op == kUndo ? undone.subspan(offset, used) : is_switch ? ByteView(on) : value.first(used);
+    const ByteView from = op == kUndo ? undone.subspan(offset, used) : isSwitch ? ByteView(on) : value.first(used);
     std::ranges::copy(from, record.subspan(offset).begin());
 }
 

@@ -30,7 +30,7 @@ inline constexpr std::uint16_t kGlobalItem = 6;
 struct Count {
     std::string_view name;
     std::uint16_t item = 0;
-    std::string_view derived_from; // a kind of rows
+    std::string_view derivedFrom; // a kind of rows
 };
 std::span<const Count> AllCounts();
 
@@ -38,7 +38,7 @@ class Device {
 public:
     Device();
 
-    Table &Rows(const RowKind &kind) { return tables_.at(kind.request_item); }
+    Table &Rows(const RowKind &kind) { return tables_.at(kind.requestItem); }
     Table &Rows(std::string_view kind) { return Rows(*FindRowKind(kind)); }
 
     std::uint32_t CountOf(const Count &count);
@@ -69,7 +69,7 @@ private:
     std::map<std::uint16_t, Table> tables_;
     std::map<std::string, std::uint32_t, std::less<>> counts_;
     Image global_;
-    Image undone_global_; // what an undo copies back
+    Image undoneGlobal_; // what an undo copies back
     Image debug_;
 };
 

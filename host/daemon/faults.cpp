@@ -16,25 +16,25 @@ struct KindName {
     std::string_view name;
     FaultKind kind;
     std::uint32_t most = 0; // the largest number it takes; 0: it takes none
-    bool needs_number = false;
+    bool needsNumber = false;
 };
 
 constexpr std::uint32_t kAnHour = 3'600'000; // milliseconds
 
 constexpr std::array kKindNames{
-    KindName{"late", FaultKind::kLate, kAnHour, true},
-    KindName{"silent", FaultKind::kSilent},
-    KindName{"short", FaultKind::kShort, RSVP_MOR_MSG_MAX},
-    KindName{"long", FaultKind::kLong, RSVP_MOR_MSG_MAX},
-    KindName{"wrong-body-length", FaultKind::kWrongBodyLength},
-    KindName{"cut-item", FaultKind::kCutItem},
-    KindName{"status", FaultKind::kStatus, 0xFFFFFFFF, true},
-    KindName{"item-type", FaultKind::kItemType, 0xFFFF, true},
-    KindName{"twice", FaultKind::kTwice},
-    KindName{"stuck", FaultKind::kStuck},
-    KindName{"shifting", FaultKind::kShifting},
-    KindName{"close", FaultKind::kClose},
-    KindName{"exit", FaultKind::kExit},
+    KindName{"late", FaultKind::Late, kAnHour, true},
+    KindName{"silent", FaultKind::Silent},
+    KindName{"short", FaultKind::Short, RSVP_MOR_MSG_MAX},
+    KindName{"long", FaultKind::Long, RSVP_MOR_MSG_MAX},
+    KindName{"wrong-body-length", FaultKind::WrongBodyLength},
+    KindName{"cut-item", FaultKind::CutItem},
+    KindName{"status", FaultKind::Status, 0xFFFFFFFF, true},
+    KindName{"item-type", FaultKind::ItemType, 0xFFFF, true},
+    KindName{"twice", FaultKind::Twice},
+    KindName{"stuck", FaultKind::Stuck},
+    KindName{"shifting", FaultKind::Shifting},
+    KindName{"close", FaultKind::Close},
+    KindName{"exit", FaultKind::Exit},
 };
 
 constexpr std::size_t kDefaultCut = 4;
@@ -53,7 +53,7 @@ std::uint32_t ParseNumber(std::string_view key, std::string_view text, std::uint
 void SetSelector(Fault &fault, std::string_view key, std::string_view text)
 {
     if (key == "class")
-        fault.msg_class = static_cast<std::uint8_t>(ParseNumber(key, text, 0xFF));
+        fault.msgClass = static_cast<std::uint8_t>(ParseNumber(key, text, 0xFF));
     else if (key == "op")
         fault.op = static_cast<std::uint8_t>(ParseNumber(key, text, 0xFF));
     else if (key == "item")
@@ -72,7 +72,7 @@ void SetSelector(Fault &fault, std::string_view key, std::string_view text)
 Fault ParseFault(std::string_view text)
 {
     Fault fault;
-    bool has_kind = false;
+    bool hasKind = false;
     for (std::size_t begin = 0; begin <= text.size();) {
         const std::size_t end = std::min(text.find(',', begin), text.size());
         const std::string_view word = text.substr(begin, end - begin);
@@ -80,7 +80,7 @@ Fault ParseFault(std::string_view text)
         const std::size_t equals = std::min(word.find('='), word.size());
         const std::string_view key = word.substr(0, equals);
         const std::string_view number = equals < word.size() ? word.substr(equals + 1) : std::string_view{};
-        if (has_kind) {
+        if (hasKind) {
             SetSelector(fault, key, number);
             continue;
         }
@@ -88,12 +88,12 @@ Fault ParseFault(std::string_view text)
                                          [&](const KindName &kind) { return kind.name == key; });
         if (named == kKindNames.end())
             throw std::invalid_argument(fmt::format("\"{}\" is no kind of fault", key));
-        if (named->needs_number && number.empty())
+        if (named->needsNumber && number.empty())
             throw std::invalid_argument(fmt::format("{} needs a number, as in {}=200", key, key));
         fault.kind = named->kind;
         if (!number.empty())
             fault.number = ParseNumber(key, number, named->most);
-        has_kind = true;
+        hasKind = true;
     }
     return fault;
 }
@@ -102,46 +102,46 @@ void Strike(const Fault &fault, Reply &reply)
 {
     const std::span<std::uint8_t> frame(reply.frame);
     switch (fault.kind) {
-    case FaultKind::kLate:
+    case FaultKind::Late:
         reply.delay = std::chrono::milliseconds(fault.number);
         break;
-    case FaultKind::kSilent:
+    case FaultKind::Silent:
         reply.copies = 0;
         break;
-    case FaultKind::kShort:
+    case FaultKind::Short:
         reply.frame.resize(std::min(frame.size(), fault.number != 0 ? fault.number : frame.size() - kDefaultCut));
         break;
-    case FaultKind::kLong:
+    case FaultKind::Long:
         reply.frame.resize(frame.size() + (fault.number != 0 ? fault.number : kDefaultCut));
         break;
-    case FaultKind::kWrongBodyLength:
+    case FaultKind::WrongBodyLength:
         StoreNet(frame.subspan(2, 2), LoadNet(frame.subspan(2, 2)) + 1);
         break;
-    case FaultKind::kCutItem:
+    case FaultKind::CutItem:
         // Without an item to cut, a lone half of an item's header does as well.
         reply.frame.resize(frame.size() > kHeaderSize ? frame.size() - 1 : kHeaderSize + 2);
         StoreNet(std::span(reply.frame).subspan(2, 2), reply.frame.size() - kHeaderSize);
         break;
-    case FaultKind::kStatus:
+    case FaultKind::Status:
         StoreNet(frame.subspan(4, 4), fault.number);
         break;
-    case FaultKind::kItemType:
+    case FaultKind::ItemType:
         if (frame.size() >= kHeaderSize + kItemHeaderSize)
             StoreNet(frame.subspan(kHeaderSize, 2), fault.number);
         break;
-    case FaultKind::kTwice:
+    case FaultKind::Twice:
         reply.copies = 2;
         break;
-    case FaultKind::kClose:
+    case FaultKind::Close:
         reply.copies = 0;
         reply.close = true;
         break;
-    case FaultKind::kExit:
+    case FaultKind::Exit:
         reply.copies = 0;
         reply.crash = true;
         break;
-    case FaultKind::kStuck:
-    case FaultKind::kShifting:
+    case FaultKind::Stuck:
+    case FaultKind::Shifting:
         break;
     }
 }

@@ -9,25 +9,25 @@
 namespace rsvpsimd {
 
 enum class FaultKind : std::uint8_t {
-    kLate,            // the answer comes `number` milliseconds later
-    kSilent,          // no answer
-    kShort,           // the frame is cut to `number` bytes; 0: by four bytes
-    kLong,            // `number` bytes more than the frame has; 0: four
-    kWrongBodyLength, // the header's length is one too many
-    kCutItem,         // the last item claims more than there is
-    kStatus,          // the answer has the status `number`
-    kItemType,        // the first item has the type `number`
-    kTwice,           // the answer comes twice
-    kStuck,           // get-next gives the row of its own key again
-    kShifting,        // get-next: the row that was to come is removed first
-    kClose,           // the connection ends without an answer
-    kExit,            // the daemon ends at once, as if it had crashed
+    Late,            // the answer comes `number` milliseconds later
+    Silent,          // no answer
+    Short,           // the frame is cut to `number` bytes; 0: by four bytes
+    Long,            // `number` bytes more than the frame has; 0: four
+    WrongBodyLength, // the header's length is one too many
+    CutItem,         // the last item claims more than there is
+    Status,          // the answer has the status `number`
+    ItemType,        // the first item has the type `number`
+    Twice,           // the answer comes twice
+    Stuck,           // get-next gives the row of its own key again
+    Shifting,        // get-next: the row that was to come is removed first
+    Close,           // the connection ends without an answer
+    Exit,            // the daemon ends at once, as if it had crashed
 };
 
 struct Fault {
-    FaultKind kind = FaultKind::kSilent;
+    FaultKind kind = FaultKind::Silent;
     std::uint32_t number = 0;
-    std::optional<std::uint8_t> msg_class = {};
+    std::optional<std::uint8_t> msgClass = {};
     std::optional<std::uint8_t> op = {};
     std::optional<std::uint16_t> item = {};
     bool once = false;

@@ -24,7 +24,7 @@ std::optional<Message> ReadMessage(ByteView frame)
 {
     if (frame.size() < kHeaderSize || LoadNet(frame.subspan(2, 2)) != frame.size() - kHeaderSize)
         return std::nullopt;
-    Message message{.msg_class = frame[0],
+    Message message{.msgClass = frame[0],
                     .op = frame[1],
                     .status = static_cast<std::uint32_t>(LoadNet(frame.subspan(4, 4))),
                     .items = {}};
@@ -49,18 +49,18 @@ void AppendItem(Bytes &body, std::uint16_t type, ByteView value)
     body.insert(body.end(), value.begin(), value.end());
 }
 
-Bytes BuildFrame(std::uint8_t msg_class, std::uint8_t op, std::uint32_t status, ByteView body)
+Bytes BuildFrame(std::uint8_t msgClass, std::uint8_t op, std::uint32_t status, ByteView body)
 {
-    Bytes frame{msg_class, op};
+    Bytes frame{msgClass, op};
     AppendNet(frame, body.size(), 2);
     AppendNet(frame, status, 4);
     frame.insert(frame.end(), body.begin(), body.end());
     return frame;
 }
 
-std::string ClassName(std::uint8_t msg_class)
+std::string ClassName(std::uint8_t msgClass)
 {
-    return NameIn(kClassNames, msg_class);
+    return NameIn(kClassNames, msgClass);
 }
 
 std::string OpName(std::uint8_t op)

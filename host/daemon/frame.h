@@ -44,7 +44,7 @@ struct Item {
 };
 
 struct Message {
-    std::uint8_t msg_class = 0;
+    std::uint8_t msgClass = 0;
     std::uint8_t op = 0;
     std::uint32_t status = 0;
     std::vector<Item> items; // point into the bytes that were read
@@ -54,9 +54,9 @@ struct Message {
 std::optional<Message> ReadMessage(ByteView frame);
 
 void AppendItem(Bytes &body, std::uint16_t type, ByteView value);
-Bytes BuildFrame(std::uint8_t msg_class, std::uint8_t op, std::uint32_t status, ByteView body);
+Bytes BuildFrame(std::uint8_t msgClass, std::uint8_t op, std::uint32_t status, ByteView body);
 
-std::string ClassName(std::uint8_t msg_class);
+std::string ClassName(std::uint8_t msgClass);
 std::string OpName(std::uint8_t op);
 
 } // namespace rsvpsimd

@@ -25,14 +25,14 @@ Value ValueFor(const Field &field, std::size_t seed)
         return numbers;
     }
     switch (field.order) {
-    case Order::kAddress:
+    case Order::Address:
         return kNetwork + seed;
-    case Order::kFloat:
-    case Order::kRate:
+    case Order::Float:
+    case Order::Rate:
         return static_cast<double>(125000 * (seed % 8 + 1));
-    case Order::kNetwork:
+    case Order::Network:
         return std::uint64_t{seed % 250};
-    case Order::kRaw:
+    case Order::Raw:
         break;
     }
     if (field.width == 1)
@@ -87,7 +87,7 @@ void FillLists(Block &block, std::span<const ListKind> kinds, std::size_t varian
     std::size_t place = 0;
     for (const ListKind &kind : kinds) {
         const std::size_t length = (variant + place++) % kVariants + 1;
-        if (kind.shape == Shape::kText) {
+        if (kind.shape == Shape::Text) {
             block.texts.emplace(kind.name, fmt::format("lsp-{}", variant));
             continue;
         }
@@ -107,7 +107,7 @@ EncodedRow MakeVariant(const RowKind &kind, std::size_t variant, bool plain)
         block.fields.merge(FillFields(LayoutNamed(part.layout), prefix, variant));
     }
     // A row is found by its number: the rest of the key is the same in all of them.
-    for (const std::string_view key : kind.key_fields)
+    for (const std::string_view key : kind.keyFields)
         for (auto &[name, value] : FillFields(LayoutNamed(kind.parts.front().layout), "", 0))
             if (name == key || name.starts_with(fmt::format("{}.", key)))
                 block.fields.insert_or_assign(name, value);

@@ -27,7 +27,7 @@ constexpr int kBacklog = 128;
 
 } // namespace
 
-Instance::Instance(const std::string &directory) : socket_path_(rsvp_host::SocketPath(directory))
+Instance::Instance(const std::string &directory) : socketPath_(rsvp_host::SocketPath(directory))
 {
     if (const std::string problem = rsvp_host::PrepareDirectory(directory); !problem.empty())
         throw InstanceError(problem);
@@ -43,7 +43,7 @@ Instance::Instance(const std::string &directory) : socket_path_(rsvp_host::Socke
 
 Instance::~Instance()
 {
-    unlink(socket_path_.c_str());
+    unlink(socketPath_.c_str());
     close(listener_);
     close(lock_);
 }
@@ -67,22 +67,22 @@ void Instance::Listen()
 {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    if (socket_path_.size() >= sizeof(address.sun_path))
+    if (socketPath_.size() >= sizeof(address.sun_path))
         throw InstanceError(fmt::format("the path of the socket is too long ({} bytes, at most {}): {}",
-                                        socket_path_.size(), sizeof(address.sun_path) - 1, socket_path_));
-    socket_path_.copy(address.sun_path, socket_path_.size());
-    if (unlink(socket_path_.c_str()) != 0 && errno != ENOENT)
-        Fail("cannot remove the stale socket", socket_path_);
+                                        socketPath_.size(), sizeof(address.sun_path) - 1, socketPath_));
+    socketPath_.copy(address.sun_path, socketPath_.size());
+    if (unlink(socketPath_.c_str()) != 0 && errno != ENOENT)
+        Fail("cannot remove the stale socket", socketPath_);
     listener_ = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
     if (listener_ < 0)
-        Fail("cannot make the socket", socket_path_);
+        Fail("cannot make the socket", socketPath_);
     const mode_t before = umask(0177);
     const int bound = bind(listener_, reinterpret_cast<const sockaddr *>(&address), sizeof(address));
     umask(before);
     if (bound != 0)
-        Fail("cannot bind", socket_path_);
+        Fail("cannot bind", socketPath_);
     if (listen(listener_, kBacklog) != 0)
-        Fail("cannot listen on", socket_path_);
+        Fail("cannot listen on", socketPath_);
 }
 
 } // namespace rsvpsimd

@@ -26,7 +26,7 @@ private:
     void Lock(const std::string &path);
     void Listen();
 
-    std::string socket_path_;
+    std::string socketPath_;
     int lock_ = -1;
     int listener_ = -1;
 };

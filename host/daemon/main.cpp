@@ -43,10 +43,10 @@ void OpenTrace(rsvpsimd::Daemon &daemon, const std::string &path)
 int Serve(rsvpsimd::Daemon &daemon, const rsvpsimd::Options &options)
 {
     const int stop = OpenStopSignals();
-    rsvpsimd::Instance instance(rsvp_host::DirectoryPath(options.host_directory));
+    rsvpsimd::Instance instance(rsvp_host::DirectoryPath(options.hostDirectory));
     rsvpsimd::Server server(instance.Listener(), stop, daemon);
     // A crash leaves everything as it lies, which is what the fault is for.
-    if (server.Run() == rsvpsimd::Server::End::kCrashed)
+    if (server.Run() == rsvpsimd::Server::End::Crashed)
         _exit(kToldToCrash);
     return kDone;
 }
@@ -56,11 +56,11 @@ int Serve(rsvpsimd::Daemon &daemon, const rsvpsimd::Options &options)
 int main(int argc, char **argv)
 {
     try {
-        int exit_status = kDone;
-        std::optional<rsvpsimd::Options> options = rsvpsimd::ReadOptions(argc, argv, exit_status);
+        int exitStatus = kDone;
+        std::optional<rsvpsimd::Options> options = rsvpsimd::ReadOptions(argc, argv, exitStatus);
         if (!options)
-            return exit_status == 0 ? kDone : kUsage;
-        if (options->list_layouts) {
+            return exitStatus == 0 ? kDone : kUsage;
+        if (options->listLayouts) {
             rsvpsimd::ListLayouts();
             return kDone;
         }
@@ -70,13 +70,13 @@ int main(int argc, char **argv)
             OpenTrace(daemon, *options->trace);
         return options->check ? kDone : Serve(daemon, *options);
     } catch (const rsvpsimd::InstanceError &error) {
-        fmt::print(stderr, "rsvpsimd: {}\n", error.what());
+        std::fprintf(stderr, "rsvpsimd: %s\n", error.what());
         return kNoInstance;
     } catch (const std::system_error &error) {
-        fmt::print(stderr, "rsvpsimd: {}\n", error.what());
+        std::fprintf(stderr, "rsvpsimd: %s\n", error.what());
         return kNoInstance;
     } catch (const std::exception &error) {
-        fmt::print(stderr, "rsvpsimd: {}\n", error.what());
+        std::fprintf(stderr, "rsvpsimd: %s\n", error.what());
         return kUsage;
     }
 }

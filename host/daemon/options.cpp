@@ -24,15 +24,15 @@ be used or another daemon has it; 4 ended by the fault "exit".)";
 std::string_view OrderName(Order order)
 {
     switch (order) {
-    case Order::kNetwork:
+    case Order::Network:
         return "network";
-    case Order::kAddress:
+    case Order::Address:
         return "address";
-    case Order::kRaw:
+    case Order::Raw:
         return "raw";
-    case Order::kFloat:
+    case Order::Float:
         return "float";
-    case Order::kRate:
+    case Order::Rate:
         return "rate";
     }
     return "";
@@ -40,14 +40,14 @@ std::string_view OrderName(Order order)
 
 } // namespace
 
-std::optional<Options> ReadOptions(int argc, char **argv, int &exit_status)
+std::optional<Options> ReadOptions(int argc, char **argv, int &exitStatus)
 {
     Options options;
-    std::string trace_file;
+    std::string traceFile;
     CLI::App app("A simulated signalling daemon: answers every request of the management protocol.", "rsvpsimd");
     app.footer(kFooter);
     app.set_version_flag("--version", kVersion);
-    app.add_option("--host-dir", options.host_directory, "directory that plays the device")->type_name("DIR");
+    app.add_option("--host-dir", options.hostDirectory, "directory that plays the device")->type_name("DIR");
     app.add_option("--scenario", options.scenario, "what the tables hold (TOML)")->type_name("FILE");
     app.add_option("--rows", options.rows, "make N rows of a kind by number")
         ->type_name("KIND=N")
@@ -58,19 +58,19 @@ std::optional<Options> ReadOptions(int argc, char **argv, int &exit_status)
         ->expected(1)
         ->take_all();
     CLI::Option *trace =
-        app.add_option("--trace", trace_file, "print every frame in words, to standard error or to a file")
+        app.add_option("--trace", traceFile, "print every frame in words, to standard error or to a file")
             ->type_name("[FILE]")
             ->expected(0, 1);
     app.add_flag("--check", options.check, "read everything, answer nothing");
-    app.add_flag("--list-layouts", options.list_layouts, "print the fields of every value and key");
+    app.add_flag("--list-layouts", options.listLayouts, "print the fields of every value and key");
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
-        exit_status = app.exit(error);
+        exitStatus = app.exit(error);
         return std::nullopt;
     }
     if (trace->count() != 0)
-        options.trace = trace_file;
+        options.trace = traceFile;
     return options;
 }
 
@@ -106,7 +106,7 @@ void ListLayouts()
         }
     }
     for (const ListLayout &list : AllListLayouts())
-        fmt::print("{} ({} bytes of count, then {})\n", list.name, list.count_width, list.entry);
+        fmt::print("{} ({} bytes of count, then {})\n", list.name, list.countWidth, list.entry);
 }
 
 } // namespace rsvpsimd

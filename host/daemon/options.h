@@ -8,18 +8,18 @@
 namespace rsvpsimd {
 
 struct Options {
-    std::string host_directory;
+    std::string hostDirectory;
     std::string scenario;
     std::vector<std::string> rows;
     std::vector<std::string> faults;
     std::optional<std::string> trace; // empty: standard error
     bool check = false;
-    bool list_layouts = false;
+    bool listLayouts = false;
 };
 
-// Nothing if the command line asked for help or the version, or was wrong; `exit_status` then says with which
+// Nothing if the command line asked for help or the version, or was wrong; `exitStatus` then says with which
 // status to end, and what had to be said has been printed.
-std::optional<Options> ReadOptions(int argc, char **argv, int &exit_status);
+std::optional<Options> ReadOptions(int argc, char **argv, int &exitStatus);
 
 // Puts scenario, rows and faults into the daemon. Throws std::runtime_error with a sentence for the user.
 void Configure(Daemon &daemon, Options &options);

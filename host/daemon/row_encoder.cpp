@@ -33,7 +33,7 @@ Record FieldsOf(const Part &part, const Record &fields)
 void AppendLists(Bytes &body, std::span<const ListKind> kinds, const Block &block)
 {
     for (const ListKind &kind : kinds) {
-        if (kind.shape == Shape::kText) {
+        if (kind.shape == Shape::Text) {
             if (const auto text = block.texts.find(kind.name); text != block.texts.end())
                 AppendItem(body, kind.item, Bytes(text->second.begin(), text->second.end()));
             continue;
@@ -41,7 +41,7 @@ void AppendLists(Bytes &body, std::span<const ListKind> kinds, const Block &bloc
         const auto list = block.lists.find(kind.name);
         if (list == block.lists.end())
             continue;
-        if (kind.shape == Shape::kCounted) {
+        if (kind.shape == Shape::Counted) {
             std::vector<Record> entries;
             for (const Block &entry : list->second)
                 entries.push_back(entry.fields);
@@ -59,15 +59,15 @@ void AppendLists(Bytes &body, std::span<const ListKind> kinds, const Block &bloc
     }
 }
 
-Bytes KeyOf(const RowKind &kind, ByteView first_value, const Block &block)
+Bytes KeyOf(const RowKind &kind, ByteView firstValue, const Block &block)
 {
-    const Layout &layout = LayoutNamed(kind.key_layout);
-    if (kind.key_fields.empty())
+    const Layout &layout = LayoutNamed(kind.keyLayout);
+    if (kind.keyFields.empty())
         return Encode(layout, block.key);
     Bytes key;
-    for (const std::string_view name : kind.key_fields) {
+    for (const std::string_view name : kind.keyFields) {
         const Extent extent = ExtentOf(LayoutNamed(kind.parts.front().layout), name);
-        const ByteView bytes = first_value.subspan(extent.offset, extent.size);
+        const ByteView bytes = firstValue.subspan(extent.offset, extent.size);
         key.insert(key.end(), bytes.begin(), bytes.end());
     }
     key.resize(layout.size); // what a key has behind the row's fields is 0
@@ -76,19 +76,19 @@ Bytes KeyOf(const RowKind &kind, ByteView first_value, const Block &block)
 
 } // namespace
 
-Extent ExtentOf(const Layout &layout, std::string_view field_or_object)
+Extent ExtentOf(const Layout &layout, std::string_view fieldOrObject)
 {
     std::size_t begin = layout.size;
     std::size_t end = 0;
     for (const Field &field : layout.fields) {
         const std::string_view name = field.name;
-        if (name != field_or_object && !(name.starts_with(field_or_object) && name[field_or_object.size()] == '.'))
+        if (name != fieldOrObject && !(name.starts_with(fieldOrObject) && name[fieldOrObject.size()] == '.'))
             continue;
         begin = std::min(begin, field.offset);
         end = std::max(end, field.offset + field.width * field.count);
     }
     if (begin >= end)
-        throw std::logic_error(fmt::format("{} has no {}", layout.name, field_or_object));
+        throw std::logic_error(fmt::format("{} has no {}", layout.name, fieldOrObject));
     return {begin, end - begin};
 }
 

@@ -10,26 +10,26 @@ namespace rsvpsimd {
 
 namespace {
 
-constexpr std::array kRro{ListKind{"rro", 7, Shape::kCounted, "hopList"}};
-constexpr std::array kFilterSpecs{ListKind{"fsList", 13, Shape::kEach, "filterSpec"}};
-constexpr std::array kSubLspHops{ListKind{"hopList", 33, Shape::kCounted, "hopList"}};
+constexpr std::array kRro{ListKind{"rro", 7, Shape::Counted, "hopList"}};
+constexpr std::array kFilterSpecs{ListKind{"fsList", 13, Shape::Each, "filterSpec"}};
+constexpr std::array kSubLspHops{ListKind{"hopList", 33, Shape::Counted, "hopList"}};
 
-constexpr std::array kPsbLists{ListKind{"routeList3", 3, Shape::kCounted, "routeList16"},
-                               ListKind{"routeList4", 4, Shape::kCounted, "routeList16"},
-                               ListKind{"routeList5", 5, Shape::kCounted, "routeList16"},
-                               ListKind{"routeList6", 6, Shape::kCounted, "routeList32"},
-                               ListKind{"hopList", 7, Shape::kCounted, "hopList"}};
-constexpr std::array kRsbLists{ListKind{"fsList", 13, Shape::kEach, "filterSpec", kRro}};
-constexpr std::array kPhsbLists{ListKind{"fdList", 14, Shape::kEach, "flowDescriptor", kFilterSpecs}};
-constexpr std::array kCrlspLists{ListKind{"hopList", 7, Shape::kCounted, "hopList"},
-                                 ListKind{"name", 17, Shape::kText}};
-constexpr std::array kP2mpPsbLists{ListKind{"routeList4", 4, Shape::kCounted, "routeList16"},
-                                   ListKind{"routeList5", 5, Shape::kCounted, "routeList16"},
-                                   ListKind{"routeList6", 6, Shape::kCounted, "routeList32"},
-                                   ListKind{"hopList", 7, Shape::kCounted, "hopList"}};
-constexpr std::array kP2mpRsbLists{ListKind{"hopList", 7, Shape::kCounted, "hopList"}};
-constexpr std::array kP2mpCrlspLists{ListKind{"subLsps", 32, Shape::kEach, "p2mpSubLsp", kSubLspHops},
-                                     ListKind{"name", 34, Shape::kText}};
+constexpr std::array kPsbLists{ListKind{"routeList3", 3, Shape::Counted, "routeList16"},
+                               ListKind{"routeList4", 4, Shape::Counted, "routeList16"},
+                               ListKind{"routeList5", 5, Shape::Counted, "routeList16"},
+                               ListKind{"routeList6", 6, Shape::Counted, "routeList32"},
+                               ListKind{"hopList", 7, Shape::Counted, "hopList"}};
+constexpr std::array kRsbLists{ListKind{"fsList", 13, Shape::Each, "filterSpec", kRro}};
+constexpr std::array kPhsbLists{ListKind{"fdList", 14, Shape::Each, "flowDescriptor", kFilterSpecs}};
+constexpr std::array kCrlspLists{ListKind{"hopList", 7, Shape::Counted, "hopList"},
+                                 ListKind{"name", 17, Shape::Text}};
+constexpr std::array kP2mpPsbLists{ListKind{"routeList4", 4, Shape::Counted, "routeList16"},
+                                   ListKind{"routeList5", 5, Shape::Counted, "routeList16"},
+                                   ListKind{"routeList6", 6, Shape::Counted, "routeList32"},
+                                   ListKind{"hopList", 7, Shape::Counted, "hopList"}};
+constexpr std::array kP2mpRsbLists{ListKind{"hopList", 7, Shape::Counted, "hopList"}};
+constexpr std::array kP2mpCrlspLists{ListKind{"subLsps", 32, Shape::Each, "p2mpSubLsp", kSubLspHops},
+                                     ListKind{"name", 34, Shape::Text}};
 
 constexpr std::array kAuthParts{Part{0, "auth"}};
 constexpr std::array kCrlspParts{Part{1, "crlsp"}};
@@ -108,10 +108,10 @@ const RowKind *FindRowKind(std::string_view name)
     return found == kKinds.end() ? nullptr : found;
 }
 
-const RowKind *FindRowKind(std::uint16_t request_item)
+const RowKind *FindRowKind(std::uint16_t requestItem)
 {
     const auto *found = std::find_if(kKinds.begin(), kKinds.end(),
-                                     [&](const RowKind &kind) { return kind.request_item == request_item; });
+                                     [&](const RowKind &kind) { return kind.requestItem == requestItem; });
     return found == kKinds.end() ? nullptr : found;
 }
 

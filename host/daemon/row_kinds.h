@@ -15,34 +15,34 @@ struct Part {
 };
 
 enum class Shape : std::uint8_t {
-    kCounted, // one item holds a count and all entries
-    kEach,    // one item for each entry, and behind it the lists of that entry
-    kText,    // one item holds bytes of text
+    Counted, // one item holds a count and all entries
+    Each,    // one item for each entry, and behind it the lists of that entry
+    Text,    // one item holds bytes of text
 };
 
 struct ListKind {
     std::string_view name;
     std::uint16_t item = 0;
-    Shape shape = Shape::kCounted;
+    Shape shape = Shape::Counted;
     std::string_view layout = {}; // of the list (counted) or of one entry (each)
     std::span<const ListKind> children = {};
 };
 
 struct RowKind {
     std::string_view name;
-    std::uint16_t request_item = 0;
-    std::string_view key_layout;
-    std::span<const std::string_view> key_fields; // of the first part, in key order; empty: each row names its key
-    std::string_view numbered;  // the field that generated rows count up; it is also the first word of the key
-    bool first_has_key = false; // get-first carries a key, whose content does not matter
-    bool has_ingress_walk = false;
+    std::uint16_t requestItem = 0;
+    std::string_view keyLayout;
+    std::span<const std::string_view> keyFields; // of the first part, in key order; empty: each row names its key
+    std::string_view numbered; // the field that generated rows count up; it is also the first word of the key
+    bool firstHasKey = false;  // get-first carries a key, whose content does not matter
+    bool hasIngressWalk = false;
     std::span<const Part> parts;
     std::span<const ListKind> lists = {};
 };
 
 std::span<const RowKind> AllRowKinds();
 const RowKind *FindRowKind(std::string_view name); // upper and lower case are alike
-const RowKind *FindRowKind(std::uint16_t request_item);
+const RowKind *FindRowKind(std::uint16_t requestItem);
 
 // What a row says, before it is bytes. A list entry says the same kinds of things as a row.
 struct Block {
@@ -65,6 +65,6 @@ struct Extent {
     std::size_t offset = 0;
     std::size_t size = 0;
 };
-Extent ExtentOf(const Layout &layout, std::string_view field_or_object);
+Extent ExtentOf(const Layout &layout, std::string_view fieldOrObject);
 
 } // namespace rsvpsimd

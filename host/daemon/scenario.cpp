@@ -88,7 +88,7 @@ Refusal ReadRefusal(const toml::table &table)
     Refusal refusal;
     for (const auto &[key, value] : table) {
         if (key.str() == "class")
-            refusal.msg_class = static_cast<std::uint8_t>(ReadNumber(value, key.str(), 0xFF));
+            refusal.msgClass = static_cast<std::uint8_t>(ReadNumber(value, key.str(), 0xFF));
         else if (key.str() == "op")
             refusal.op = static_cast<std::uint8_t>(ReadNumber(value, key.str(), 0xFF));
         else if (key.str() == "item")
@@ -154,17 +154,17 @@ bool ReadScenario(Daemon &daemon, const std::string &path)
     return ReadScenarioText(daemon, text, path);
 }
 
-bool ReadScenarioText(Daemon &daemon, std::string_view text, const std::string &file_name)
+bool ReadScenarioText(Daemon &daemon, std::string_view text, const std::string &fileName)
 {
     try {
         RefuseOtherThanText(text);
         return ReadTop(daemon, toml::parse(text));
     } catch (const toml::parse_error &error) {
-        throw ScenarioError(fmt::format("{}:{}: {}", file_name, error.source().begin.line, error.description()));
+        throw ScenarioError(fmt::format("{}:{}: {}", fileName, error.source().begin.line, error.description()));
     } catch (const NoToml &) {
-        throw ScenarioError(fmt::format("{}: this is not TOML, and the parser cannot say where", file_name));
+        throw ScenarioError(fmt::format("{}: this is not TOML, and the parser cannot say where", fileName));
     } catch (const ScenarioError &error) {
-        throw ScenarioError(fmt::format("{}:{}", file_name, error.what()));
+        throw ScenarioError(fmt::format("{}:{}", fileName, error.what()));
     }
 }
 

@@ -15,6 +15,6 @@ class ScenarioError : public std::runtime_error {
 // Both throw ScenarioError ("FILE:LINE: KEY: what is wrong"); the daemon is not to be used then. True if the
 // scenario asks for a trace.
 bool ReadScenario(Daemon &daemon, const std::string &path);
-bool ReadScenarioText(Daemon &daemon, std::string_view text, const std::string &file_name);
+bool ReadScenarioText(Daemon &daemon, std::string_view text, const std::string &fileName);
 
 } // namespace rsvpsimd

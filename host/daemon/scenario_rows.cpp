@@ -62,7 +62,7 @@ Bytes ReadHex(const toml::node &node)
 
 std::uint64_t ReadElement(const toml::node &node, const Field &field)
 {
-    if (node.is_string() && field.order != Order::kRaw && field.width == 4)
+    if (node.is_string() && field.order != Order::Raw && field.width == 4)
         return ReadAddress(node);
     const auto number = node.is_integer() ? node.value<std::int64_t>() : std::nullopt;
     if (!number)
@@ -83,9 +83,9 @@ Value ReadValue(const toml::node &node, const Field &field)
             numbers.push_back(ReadElement(element, field));
         return numbers;
     }
-    if (field.order == Order::kRaw && field.width > 1)
+    if (field.order == Order::Raw && field.width > 1)
         return ReadHex(node);
-    if (field.order == Order::kFloat || field.order == Order::kRate) {
+    if (field.order == Order::Float || field.order == Order::Rate) {
         const auto number = node.is_number() ? node.value<double>() : std::nullopt;
         if (!number)
             throw std::invalid_argument("must be a number");
@@ -96,8 +96,8 @@ Value ReadValue(const toml::node &node, const Field &field)
 
 struct Found {
     const Field *field = nullptr; // null: no part has such a field in this form
-    std::size_t layout_size = 0;
-    bool in_another_form = false;
+    std::size_t layoutSize = 0;
+    bool inAnotherForm = false;
 };
 
 Found FindInParts(std::span<const Part> parts, std::string_view name, const Leaves &leaves)
@@ -115,11 +115,11 @@ Found FindInParts(std::span<const Part> parts, std::string_view name, const Leav
                                         : static_cast<std::uint64_t>(leaf->second.node->value_or(std::int64_t{0}));
         };
         found.field = FindField(layout, rest, kinds);
-        found.layout_size = layout.size;
+        found.layoutSize = layout.size;
         if (found.field != nullptr)
             return found;
         for (const Field &field : layout.fields)
-            found.in_another_form = found.in_another_form || field.name == rest;
+            found.inAnotherForm = found.inAnotherForm || field.name == rest;
     }
     return found;
 }
@@ -131,10 +131,10 @@ Record ReadFields(const Leaves &leaves, std::span<const Part> parts)
         const Found found = FindInParts(parts, name, leaves);
         if (found.field == nullptr)
             Refuse(leaf.where, name,
-                   found.in_another_form ? "has no place in an object of this kind" : "there is no such key");
+                   found.inAnotherForm ? "has no place in an object of this kind" : "there is no such key");
         try {
             Value value = ReadValue(*leaf.node, *found.field);
-            Bytes scratch(found.layout_size);
+            Bytes scratch(found.layoutSize);
             if (const std::string problem = StoreField(scratch, *found.field, value); !problem.empty())
                 throw std::invalid_argument(problem);
             record.emplace(name, std::move(value));
@@ -146,11 +146,11 @@ Record ReadFields(const Leaves &leaves, std::span<const Part> parts)
 }
 
 Block ReadBlock(const toml::table &table, std::span<const Part> parts, std::span<const ListKind> lists,
-                std::string_view key_layout);
+                std::string_view keyLayout);
 
 void ReadList(Block &block, const ListKind &kind, const toml::node &node, const toml::source_region &where)
 {
-    if (kind.shape == Shape::kText) {
+    if (kind.shape == Shape::Text) {
         const auto text = node.value<std::string>();
         if (!text)
             Refuse(where, kind.name, "must be text");
@@ -161,7 +161,7 @@ void ReadList(Block &block, const ListKind &kind, const toml::node &node, const 
     if (array == nullptr)
         Refuse(where, kind.name, "must be an array of tables");
     std::vector<Block> &list = block.lists[std::string(kind.name)];
-    const Part entry{.layout = kind.shape == Shape::kCounted ? FindListLayout(kind.layout)->entry : kind.layout};
+    const Part entry{.layout = kind.shape == Shape::Counted ? FindListLayout(kind.layout)->entry : kind.layout};
     for (const toml::node &element : *array) {
         if (!element.is_table())
             Refuse(element.source(), kind.name, "must be an array of tables");
@@ -170,7 +170,7 @@ void ReadList(Block &block, const ListKind &kind, const toml::node &node, const 
 }
 
 Block ReadBlock(const toml::table &table, std::span<const Part> parts, std::span<const ListKind> lists,
-                std::string_view key_layout)
+                std::string_view keyLayout)
 {
     Block block;
     Leaves leaves;
@@ -178,8 +178,8 @@ Block ReadBlock(const toml::table &table, std::span<const Part> parts, std::span
         const auto list = std::ranges::find(lists, key.str(), &ListKind::name);
         if (list != lists.end())
             ReadList(block, *list, node, key.source());
-        else if (!key_layout.empty() && key.str() == kRequestKey && node.is_table())
-            block.key = ReadRecord(*node.as_table(), key_layout);
+        else if (!keyLayout.empty() && key.str() == kRequestKey && node.is_table())
+            block.key = ReadRecord(*node.as_table(), keyLayout);
         else
             Flatten(leaves, std::string(key.str()), node, key.source());
     }
@@ -196,7 +196,7 @@ void Refuse(const toml::source_region &where, std::string_view key, std::string_
 
 Block ReadRow(const toml::table &table, const RowKind &kind)
 {
-    return ReadBlock(table, kind.parts, kind.lists, kind.key_fields.empty() ? kind.key_layout : std::string_view{});
+    return ReadBlock(table, kind.parts, kind.lists, kind.keyFields.empty() ? kind.keyLayout : std::string_view{});
 }
 
 Record ReadRecord(const toml::table &table, std::string_view layout)

@@ -35,7 +35,7 @@ Server::End Server::Run()
         if (poll(polled.data(), polled.size(), Timeout()) < 0 && errno != EINTR)
             throw std::system_error(errno, std::generic_category(), "poll");
         if (polled[0].revents != 0)
-            return End::kStopped;
+            return End::Stopped;
         auto client = clients_.begin();
         for (std::size_t i = 2; i < polled.size(); i++) {
             const auto current = client++;
@@ -45,7 +45,7 @@ Server::End Server::Run()
             else if (busy)
                 clients_.splice(clients_.end(), clients_, current);
             if (crashed_)
-                return End::kCrashed;
+                return End::Crashed;
         }
         if (polled[1].revents != 0)
             Accept();

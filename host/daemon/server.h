@@ -18,7 +18,7 @@ public:
     Server(const Server &) = delete;
     Server &operator=(const Server &) = delete;
 
-    enum class End : std::uint8_t { kStopped, kCrashed };
+    enum class End : std::uint8_t { Stopped, Crashed };
     End Run();
 
 private:

@@ -21,13 +21,13 @@ Table::Table(const RowKind &kind) : kind_(&kind)
 {
     const Layout &layout = LayoutNamed(kind.parts.front().layout);
     const Field &counted = *FindField(layout, kind.numbered, KindsOf(Record{}));
-    number_offset_ = kItemHeaderSize + counted.offset;
-    base_ = counted.order == Order::kAddress ? kFirstAddress : 1;
+    numberOffset_ = kItemHeaderSize + counted.offset;
+    base_ = counted.order == Order::Address ? kFirstAddress : 1;
 }
 
 bool Table::Insert(EncodedRow row)
 {
-    if (FindMade(Seek::kExact, row.key))
+    if (FindMade(Seek::Exact, row.key))
         replaced_.insert(row.key);
     return kept_.emplace(std::move(row.key), std::move(row.body)).second;
 }
@@ -38,7 +38,7 @@ bool Table::Remove(ByteView key)
         kept_.erase(kept);
         return true;
     }
-    if (!FindMade(Seek::kExact, key))
+    if (!FindMade(Seek::Exact, key))
         return false;
     replaced_.emplace(key.begin(), key.end());
     return true;
@@ -49,7 +49,7 @@ void Table::Make(std::vector<EncodedRow> variants, std::uint32_t count)
     variants_ = std::move(variants);
     made_ = count;
     for (const auto &[key, body] : kept_)
-        if (FindMade(Seek::kExact, key))
+        if (FindMade(Seek::Exact, key))
             replaced_.insert(key);
 }
 
@@ -57,26 +57,26 @@ EncodedRow Table::MakeRow(std::uint32_t number) const
 {
     EncodedRow row = variants_[number % variants_.size()];
     StoreNet(std::span(row.key).first(4), base_ + number);
-    StoreNet(std::span(row.body).subspan(number_offset_, 4), base_ + number);
+    StoreNet(std::span(row.body).subspan(numberOffset_, 4), base_ + number);
     return row;
 }
 
 std::optional<EncodedRow> Table::FindMade(Seek seek, ByteView key) const
 {
     std::uint64_t number = 0;
-    if (seek != Seek::kFirst) {
+    if (seek != Seek::First) {
         const std::uint64_t word = LoadNet(key.first(4));
-        if (seek == Seek::kExact && word < base_)
+        if (seek == Seek::Exact && word < base_)
             return std::nullopt;
         number = word < base_ ? 0 : word - base_;
     }
     for (; number < made_; number++) {
         EncodedRow row = MakeRow(static_cast<std::uint32_t>(number));
-        const bool wanted = seek == Seek::kFirst || (seek == Seek::kExact && std::ranges::equal(row.key, key)) ||
-                            (seek == Seek::kAfter && KeyOrder()(key, row.key));
+        const bool wanted = seek == Seek::First || (seek == Seek::Exact && std::ranges::equal(row.key, key)) ||
+                            (seek == Seek::After && KeyOrder()(key, row.key));
         if (wanted && !replaced_.contains(row.key))
             return row;
-        if (seek == Seek::kExact)
+        if (seek == Seek::Exact)
             return std::nullopt;
     }
     return std::nullopt;
@@ -85,9 +85,9 @@ std::optional<EncodedRow> Table::FindMade(Seek seek, ByteView key) const
 std::optional<EncodedRow> Table::FindAny(Seek seek, ByteView key) const
 {
     auto kept = kept_.begin();
-    if (seek == Seek::kExact)
+    if (seek == Seek::Exact)
         kept = kept_.find(key);
-    else if (seek == Seek::kAfter)
+    else if (seek == Seek::After)
         kept = kept_.upper_bound(key);
     std::optional<EncodedRow> made = FindMade(seek, key);
     if (kept == kept_.end() || (made && KeyOrder()(made->key, kept->first)))
@@ -95,11 +95,11 @@ std::optional<EncodedRow> Table::FindAny(Seek seek, ByteView key) const
     return EncodedRow{kept->first, kept->second};
 }
 
-std::optional<EncodedRow> Table::Find(Seek seek, ByteView key, bool ingress_only) const
+std::optional<EncodedRow> Table::Find(Seek seek, ByteView key, bool ingressOnly) const
 {
     std::optional<EncodedRow> row = FindAny(seek, key);
-    while (row && ingress_only && !IsHead(*row))
-        row = FindAny(Seek::kAfter, row->key);
+    while (row && ingressOnly && !IsHead(*row))
+        row = FindAny(Seek::After, row->key);
     return row;
 }
 
@@ -107,7 +107,7 @@ Bytes *Table::Edit(ByteView key)
 {
     if (const auto kept = kept_.find(key); kept != kept_.end())
         return &kept->second;
-    std::optional<EncodedRow> made = FindMade(Seek::kExact, key);
+    std::optional<EncodedRow> made = FindMade(Seek::Exact, key);
     if (!made)
         return nullptr;
     replaced_.insert(made->key);

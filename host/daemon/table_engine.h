@@ -9,7 +9,7 @@
 
 namespace rsvpsimd {
 
-enum class Seek : std::uint8_t { kExact, kFirst, kAfter };
+enum class Seek : std::uint8_t { Exact, First, After };
 
 // The order of a table: that of the key bytes as they travel.
 struct KeyOrder {
@@ -33,8 +33,8 @@ public:
     // Nothing is stored for them: a million rows cost what the variants cost.
     void Make(std::vector<EncodedRow> variants, std::uint32_t count);
 
-    // With `ingress_only`, rows of another role than head are passed over.
-    std::optional<EncodedRow> Find(Seek seek, ByteView key, bool ingress_only = false) const;
+    // With `ingressOnly`, rows of another role than head are passed over.
+    std::optional<EncodedRow> Find(Seek seek, ByteView key, bool ingressOnly = false) const;
 
     // The kept row of this key, for a change in place. A made row is kept from now on. Null if there is no
     // row.
@@ -50,7 +50,7 @@ private:
     std::vector<EncodedRow> variants_;
     std::uint32_t made_ = 0;
     std::uint32_t base_ = 0;             // first word of the key of made row 0
-    std::size_t number_offset_ = 0;      // of the counted field in the body
+    std::size_t numberOffset_ = 0;       // of the counted field in the body
     std::set<Bytes, KeyOrder> replaced_; // keys of made rows that were removed or are kept by now
 };
 

@@ -34,7 +34,7 @@ std::string ShowList(const ListLayout &list, ByteView value)
 {
     const Layout &entry = LayoutNamed(list.entry);
     std::vector<std::string> entries;
-    for (ByteView rest = value.subspan(list.count_width); rest.size() >= entry.size; rest = rest.subspan(entry.size))
+    for (ByteView rest = value.subspan(list.countWidth); rest.size() >= entry.size; rest = rest.subspan(entry.size))
         entries.push_back(ShowValue(entry, rest.first(entry.size)));
     return fmt::format("{}", fmt::join(entries, "; "));
 }
@@ -48,7 +48,7 @@ std::string ShowItem(const Item &item, const ItemWords &words)
         return line;
     if (layout != nullptr && layout->size == item.value.size())
         line += fmt::format(" {{{}}}", ShowValue(*layout, item.value));
-    else if (list != nullptr && item.value.size() >= list->count_width)
+    else if (list != nullptr && item.value.size() >= list->countWidth)
         line += fmt::format(" [{}]", ShowList(*list, item.value));
     return line;
 }
@@ -82,15 +82,15 @@ ItemWords WordsOfReply(std::uint16_t asked, std::uint16_t type)
 
 ItemWords WordsOfRequest(const Message &message, const Item &item)
 {
-    if (message.msg_class == kShow) {
+    if (message.msgClass == kShow) {
         if (const RowKind *kind = FindRowKind(item.type))
-            return {kind->name, kind->key_layout};
+            return {kind->name, kind->keyLayout};
         return {WordsOfReply(item.type, item.type).name, {}};
     }
-    const auto key = KeyItemOf(message.msg_class);
+    const auto key = KeyItemOf(message.msgClass);
     if (key && key->type == item.type && &item == &message.items.front())
         return {key->layout, key->layout};
-    const Command *command = FindCommand(message.msg_class, item.type);
+    const Command *command = FindCommand(message.msgClass, item.type);
     return command != nullptr ? ItemWords{command->name, command->layout} : ItemWords{};
 }
 
@@ -101,7 +101,7 @@ std::string DescribeRequest(std::uint64_t client, ByteView frame)
     const std::optional<Message> message = ReadMessage(frame);
     if (!message)
         return fmt::format("{} > {} bytes that are no message", client, frame.size());
-    std::string line = fmt::format("{} > {} {}", client, ClassName(message->msg_class), OpName(message->op));
+    std::string line = fmt::format("{} > {} {}", client, ClassName(message->msgClass), OpName(message->op));
     for (const Item &item : message->items)
         line += ShowItem(item, WordsOfRequest(*message, item));
     return line;
@@ -117,7 +117,7 @@ std::string DescribeReply(std::uint64_t client, ByteView request, const Reply &r
     const std::optional<Message> asked = ReadMessage(request);
     if (const std::optional<Message> message = ReadMessage(reply.frame)) {
         line +=
-            fmt::format("{} {} status {:#010x}", ClassName(message->msg_class), OpName(message->op), message->status);
+            fmt::format("{} {} status {:#010x}", ClassName(message->msgClass), OpName(message->op), message->status);
         for (const Item &item : message->items)
             line += ShowItem(
                 item, WordsOfReply(asked && !asked->items.empty() ? asked->items.front().type : 0xFFFF, item.type));

@@ -35,8 +35,7 @@ void Unfold(Layout &layout, TableRows rows, const std::string &prefix, std::size
                     .order = row.order,
                     .secret = row.secret};
         if (!row.form.field.empty())
-            field.form =
-                Form{prefix + std::string(row.form.field), {row.form.kind_a, row.form.kind_b}, row.form.among};
+            field.form = Form{prefix + std::string(row.form.field), {row.form.kindA, row.form.kindB}, row.form.among};
         layout.fields.push_back(std::move(field));
     }
 }
@@ -101,8 +100,8 @@ std::string StoreNumber(std::span<std::uint8_t> place, std::uint64_t number)
 std::string StoreReal(std::span<std::uint8_t> place, Order order, double number)
 {
     const auto single = static_cast<float>(number);
-    StoreNet(place, std::bit_cast<std::uint32_t>(order == Order::kRate ? ConvertRate(single) : single));
-    if (order == Order::kRate)
+    StoreNet(place, std::bit_cast<std::uint32_t>(order == Order::Rate ? ConvertRate(single) : single));
+    if (order == Order::Rate)
         std::reverse(place.begin(), place.end());
     return {};
 }
@@ -110,17 +109,17 @@ std::string StoreReal(std::span<std::uint8_t> place, Order order, double number)
 std::string ShowElement(ByteView bytes, Order order)
 {
     switch (order) {
-    case Order::kNetwork:
+    case Order::Network:
         return fmt::format("{}", LoadNet(bytes));
-    case Order::kAddress:
+    case Order::Address:
         return fmt::format("{}.{}.{}.{}", bytes[0], bytes[1], bytes[2], bytes[3]);
-    case Order::kFloat:
+    case Order::Float:
         return fmt::format("{}", std::bit_cast<float>(static_cast<std::uint32_t>(LoadNet(bytes))));
-    case Order::kRate: {
+    case Order::Rate: {
         const std::array<std::uint8_t, 4> turned{bytes[3], bytes[2], bytes[1], bytes[0]};
         return fmt::format("{}", ConvertRate(std::bit_cast<float>(static_cast<std::uint32_t>(LoadNet(turned)))));
     }
-    case Order::kRaw:
+    case Order::Raw:
         break;
     }
     return bytes.size() == 1 ? fmt::format("{}", bytes[0]) : fmt::format("{:02x}", fmt::join(bytes, ""));
@@ -207,14 +206,14 @@ std::string StoreField(std::span<std::uint8_t> image, const Field &field, const 
         return {};
     }
     if (const auto *bytes = std::get_if<Bytes>(&value))
-        return field.order == Order::kRaw ? StoreBytes(place, *bytes) : "must be a number, not bytes";
+        return field.order == Order::Raw ? StoreBytes(place, *bytes) : "must be a number, not bytes";
     if (std::holds_alternative<std::vector<std::uint64_t>>(value))
         return "must be one value, not an array";
-    if (field.order == Order::kFloat || field.order == Order::kRate)
+    if (field.order == Order::Float || field.order == Order::Rate)
         return StoreReal(place, field.order, ToDouble(value));
     if (std::holds_alternative<double>(value))
         return "must be a whole number";
-    if (field.order == Order::kRaw && field.width > 1)
+    if (field.order == Order::Raw && field.width > 1)
         return "must be bytes, as hexadecimal text";
     return StoreNumber(place, std::get<std::uint64_t>(value));
 }
@@ -249,7 +248,7 @@ Bytes EncodeList(const ListLayout &list, std::span<const Record> entries)
 {
     const Layout &entry = LayoutNamed(list.entry);
     Bytes image;
-    AppendNet(image, entries.size(), list.count_width);
+    AppendNet(image, entries.size(), list.countWidth);
     for (const Record &record : entries) {
         const Bytes bytes = Encode(entry, record);
         image.insert(image.end(), bytes.begin(), bytes.end());

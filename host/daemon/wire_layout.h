@@ -21,11 +21,11 @@ using Bytes = std::vector<std::uint8_t>;
 using ByteView = std::span<const std::uint8_t>;
 
 enum class Order : std::uint8_t {
-    kNetwork, // unsigned number, most significant byte first
-    kAddress, // the same, and people read it as dotted IPv4
-    kRaw,     // bytes that nobody swaps; of width 1 it is a small number
-    kFloat,   // single-precision number, most significant byte first
-    kRate,    // a rate in the form that CR-LSP values carry it
+    Network, // unsigned number, most significant byte first
+    Address, // the same, and people read it as dotted IPv4
+    Raw,     // bytes that nobody swaps; of width 1 it is a small number
+    Float,   // single-precision number, most significant byte first
+    Rate,    // a rate in the form that CR-LSP values carry it
 };
 
 // A field that exists only in one form of an object: the number in `field` is one of `kinds`, or is none of
@@ -41,7 +41,7 @@ struct Field {
     std::size_t offset = 0;
     std::size_t width = 0; // of one element
     std::size_t count = 1;
-    Order order = Order::kNetwork;
+    Order order = Order::Network;
     bool secret = false; // never printed
     std::optional<Form> form = {};
 };
@@ -55,7 +55,7 @@ struct Layout {
 // A count in front of entries that are all alike.
 struct ListLayout {
     std::string name;
-    std::size_t count_width = 0;
+    std::size_t countWidth = 0;
     std::string entry; // name of the entry's layout
 };
 

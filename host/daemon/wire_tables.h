@@ -13,8 +13,8 @@ using TableRows = std::span<const TableRow>;
 
 struct RowForm {
     std::string_view field = {}; // a sibling in the same table; empty for a field that every form has
-    std::uint8_t kind_a = 0;
-    std::uint8_t kind_b = 0;
+    std::uint8_t kindA = 0;
+    std::uint8_t kindB = 0;
     bool among = true;
 };
 
@@ -23,7 +23,7 @@ struct TableRow {
     std::size_t offset = 0;
     std::size_t width = 0;
     std::size_t count = 1;
-    Order order = Order::kNetwork;
+    Order order = Order::Network;
     bool secret = false;
     TableRows object = {}; // not empty: `count` objects of `width` bytes each
     RowForm form = {};
@@ -52,7 +52,7 @@ constexpr TableRow U32(std::string_view name, std::size_t offset, std::size_t co
 
 constexpr TableRow Raw(std::string_view name, std::size_t offset, std::size_t width)
 {
-    return {.name = name, .offset = offset, .width = width, .order = Order::kRaw};
+    return {.name = name, .offset = offset, .width = width, .order = Order::Raw};
 }
 
 constexpr TableRow U8(std::string_view name, std::size_t offset)
@@ -62,22 +62,22 @@ constexpr TableRow U8(std::string_view name, std::size_t offset)
 
 constexpr TableRow Secret(std::string_view name, std::size_t offset, std::size_t width)
 {
-    return {.name = name, .offset = offset, .width = width, .order = Order::kRaw, .secret = true};
+    return {.name = name, .offset = offset, .width = width, .order = Order::Raw, .secret = true};
 }
 
 constexpr TableRow Ip(std::string_view name, std::size_t offset)
 {
-    return {.name = name, .offset = offset, .width = 4, .order = Order::kAddress};
+    return {.name = name, .offset = offset, .width = 4, .order = Order::Address};
 }
 
 constexpr TableRow Float(std::string_view name, std::size_t offset)
 {
-    return {.name = name, .offset = offset, .width = 4, .order = Order::kFloat};
+    return {.name = name, .offset = offset, .width = 4, .order = Order::Float};
 }
 
 constexpr TableRow Rate(std::string_view name, std::size_t offset)
 {
-    return {.name = name, .offset = offset, .width = 4, .order = Order::kRate};
+    return {.name = name, .offset = offset, .width = 4, .order = Order::Rate};
 }
 
 constexpr TableRow Object(std::string_view name, std::size_t offset, TableRows rows)
@@ -99,13 +99,13 @@ constexpr TableRow Inline(std::size_t offset, TableRows rows)
 
 constexpr TableRow WhenKind(TableRow row, std::uint8_t kind)
 {
-    row.form = {.field = "kind", .kind_a = kind, .kind_b = kind};
+    row.form = {.field = "kind", .kindA = kind, .kindB = kind};
     return row;
 }
 
 constexpr TableRow UnlessKind(TableRow row, std::uint8_t kind, std::uint8_t other)
 {
-    row.form = {.field = "kind", .kind_a = kind, .kind_b = other, .among = false};
+    row.form = {.field = "kind", .kindA = kind, .kindB = other, .among = false};
     return row;
 }
 

@@ -11,8 +11,8 @@ namespace rsvp_host {
 
 namespace {
 
-std::atomic_flag in_use = ATOMIC_FLAG_INIT;
-char last_good[kDirectoryRoom];
+std::atomic_flag inUse = ATOMIC_FLAG_INIT;
+char lastGood[kDirectoryRoom];
 
 } // namespace
 
@@ -21,16 +21,16 @@ int FindDirectory(char (&path)[kDirectoryRoom])
     if (WriteDirectoryPath(path, sizeof(path)) >= sizeof(path))
         return ENAMETOOLONG;
     // Whoever finds the memory in use checks for itself: waiting could last for ever in a child of a fork.
-    if (in_use.test_and_set(std::memory_order_acquire))
+    if (inUse.test_and_set(std::memory_order_acquire))
         return CheckDirectory(path);
     int error = 0;
-    if (std::strcmp(path, last_good) != 0) {
+    if (std::strcmp(path, lastGood) != 0) {
         error = CheckDirectory(path);
         // A relative path means another place after the next change of the working directory.
         if (error == 0 && path[0] == '/')
-            std::memcpy(last_good, path, sizeof(path));
+            std::memcpy(lastGood, path, sizeof(path));
     }
-    in_use.clear(std::memory_order_release);
+    inUse.clear(std::memory_order_release);
     return error;
 }
 

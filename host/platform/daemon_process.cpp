@@ -97,7 +97,7 @@ std::string FindProgram()
             folders.emplace_back(folder);
     }
     for (const auto &folder : folders)
-        if (const std::string program = (folder / "rsvpsimd").string(); Runs(program))
+        if (std::string program = (folder / "rsvpsimd").string(); Runs(program))
             return program;
     return {};
 }
@@ -155,14 +155,15 @@ Descriptor OpenHigh(const char *path, int flags)
 
 // The daemon is the child of a child that ends at once, so the caller never has it to reap; its number comes back
 // through a pipe. Returns 0 with errno where a step failed.
-pid_t Launch(const std::vector<std::string> &words, const std::string &log_path)
+pid_t Launch(const std::vector<std::string> &words, const std::string &logPath)
 {
     std::vector<char *> arguments;
+    arguments.reserve(words.size() + 1);
     for (const std::string &word : words)
         arguments.push_back(const_cast<char *>(word.c_str()));
     arguments.push_back(nullptr);
     const Descriptor input = OpenHigh("/dev/null", O_RDONLY);
-    const Descriptor log = OpenHigh(log_path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW);
+    const Descriptor log = OpenHigh(logPath.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW);
     int ends[2];
     if (input.Get() < 0 || log.Get() < 0 || pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0)
         return 0;

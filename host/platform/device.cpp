@@ -42,7 +42,7 @@ std::string_view CutOff(std::string_view &text, std::string_view ends)
 
 bool Named(const Nodes &nodes, std::uint16_t node)
 {
-    const auto *end = nodes.standby + nodes.standby_count;
+    const auto *end = nodes.standby + nodes.standbyCount;
     return node == nodes.master || std::find(nodes.standby, end, node) != end;
 }
 
@@ -60,9 +60,9 @@ const char *AddNode(std::string_view keyword, std::string_view word, Nodes &node
         nodes.master = node;
         return nullptr;
     }
-    if (nodes.standby_count == std::size(nodes.standby))
+    if (nodes.standbyCount == std::size(nodes.standby))
         return "has more than 64 standby nodes";
-    nodes.standby[nodes.standby_count++] = node;
+    nodes.standby[nodes.standbyCount++] = node;
     return nullptr;
 }
 
@@ -164,8 +164,8 @@ std::uint16_t *DEV_GetAllStandbyNodes(std::uint32_t *count)
     auto *list = static_cast<std::uint16_t *>(std::malloc(sizeof(nodes.standby)));
     if (list == nullptr)
         return nullptr;
-    std::copy_n(nodes.standby, nodes.standby_count, list);
-    *count = nodes.standby_count;
+    std::copy_n(nodes.standby, nodes.standbyCount, list);
+    *count = nodes.standbyCount;
     return list;
 }
 

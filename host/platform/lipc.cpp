@@ -24,10 +24,12 @@ constexpr std::size_t kAddressLength = 16;
 
 extern "C" {
 
+// NOLINTBEGIN(bugprone-reserved-identifier): names that the linker gives
 int __wrap_socket(int family, int type, int protocol);
 int __wrap_setsockopt(int fd, int level, int option, const void *value, socklen_t length);
 int __wrap_connect(int fd, const sockaddr *address, socklen_t length);
 ssize_t __wrap_send(int fd, const void *data, size_t length, int flags);
+// NOLINTEND(bugprone-reserved-identifier)
 
 int __wrap_socket(int family, int type, int protocol)
 {

@@ -6,9 +6,9 @@
 namespace rsvp_host {
 
 struct Nodes {
-    std::uint16_t master;
+    std::uint16_t master = 0; // 0: there is none
+    std::uint32_t standbyCount = 0;
     std::uint16_t standby[64];
-    std::uint32_t standby_count;
 };
 
 // Reads the file without use of the heap. Returns null, or what is wrong with the file, to stand behind its path in a

@@ -81,9 +81,9 @@ void *PLUGIN_GetNextPlugOpt(void *handle, char buffer[128], std::uint32_t *word)
         return nullptr;
     auto *file = static_cast<std::FILE *>(handle);
     char *line = nullptr;
-    std::size_t line_room = 0;
-    void *option = nullptr;
-    for (ssize_t got; option == nullptr && (got = getline(&line, &line_room, file)) >= 0;) {
+    std::size_t lineRoom = 0;
+    bool found = false;
+    for (ssize_t got; !found && (got = getline(&line, &lineRoom, file)) >= 0;) {
         std::string_view text(line, static_cast<std::size_t>(got));
         text = text.substr(0, text.find('#'));
         if (NextWord(text) != kKeyword)
@@ -94,10 +94,10 @@ void *PLUGIN_GetNextPlugOpt(void *handle, char buffer[128], std::uint32_t *word)
             break;
         buffer[text.copy(buffer, kOptionRoom - 1)] = '\0';
         *word = static_cast<std::uint32_t>(text.size());
-        option = buffer;
+        found = true;
     }
     std::free(line);
-    return option;
+    return found ? buffer : nullptr;
 }
 
 // Either every pair of the line is stored or none: the first pass looks for mistakes.

@@ -53,16 +53,16 @@ private:
     int error_;
 };
 
-enum class Role { kUnknown, kMaster, kStandby };
+enum class Role { Unknown, Master, Standby };
 
 Role RoleOf(std::uint32_t node, const Nodes &nodes)
 {
     if (node == nodes.master)
-        return Role::kMaster;
-    for (std::uint32_t i = 0; i < nodes.standby_count; ++i)
+        return Role::Master;
+    for (std::uint32_t i = 0; i < nodes.standbyCount; ++i)
         if (node == nodes.standby[i])
-            return Role::kStandby;
-    return Role::kUnknown;
+            return Role::Standby;
+    return Role::Unknown;
 }
 
 bool IsOurs(const char *service)
@@ -89,19 +89,19 @@ std::string Change(const std::string &directory, std::uint32_t node, bool start)
     Nodes nodes;
     if (const char *problem = ReadNodes(directory.c_str(), nodes); problem != nullptr)
         return directory + "/nodes " + problem;
-    const std::string lock_path = directory + "/service/lock";
-    const ManagerLock lock(lock_path);
+    const std::string lockPath = directory + "/service/lock";
+    const ManagerLock lock(lockPath);
     if (lock.Error() != 0)
-        return lock_path + " cannot be locked: " + std::strerror(lock.Error());
+        return lockPath + " cannot be locked: " + std::strerror(lock.Error());
     switch (RoleOf(node, nodes)) {
-    case Role::kMaster:
+    case Role::Master:
         return start ? StartDaemon(directory) : StopDaemon(directory);
-    case Role::kStandby: {
+    case Role::Standby: {
         const std::string file = directory + "/service/" + std::to_string(node);
         const int error = ReplaceFile(file.c_str(), start ? "1\n" : "0\n");
         return error == 0 ? "" : file + " cannot be written: " + std::strerror(error);
     }
-    case Role::kUnknown:
+    case Role::Unknown:
         break;
     }
     return "the device has no node " + std::to_string(node);
@@ -155,12 +155,12 @@ std::uint32_t SERVICE_GetStatus(std::uint32_t node, const char *service, std::in
     if (ReadNodes(directory, nodes) != nullptr)
         return RSVP_MOR_ERR_FAIL;
     switch (RoleOf(node, nodes)) {
-    case Role::kMaster:
+    case Role::Master:
         *status = DaemonIsUp(directory) ? 1 : 0;
         return 0;
-    case Role::kStandby:
+    case Role::Standby:
         return ReadStandbyStatus(directory, node, *status) ? 0 : RSVP_MOR_ERR_FAIL;
-    case Role::kUnknown:
+    case Role::Unknown:
         break;
     }
     return RSVP_MOR_ERR_FAIL;

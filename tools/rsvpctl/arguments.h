@@ -18,8 +18,8 @@ namespace rsvpctl {
 
 /** Arguments that cannot be taken; the text says which and why. */
 struct UsageError : std::runtime_error {
-    explicit UsageError(const std::string &text, std::string command_ = {}, std::string hint_ = {})
-        : std::runtime_error(text), command(std::move(command_)), hint(std::move(hint_))
+    explicit UsageError(const std::string &text, std::string itsCommand = {}, std::string itsHint = {})
+        : std::runtime_error(text), command(std::move(itsCommand)), hint(std::move(itsHint))
     {
     }
     std::string command; // whose arguments they are, where that is known

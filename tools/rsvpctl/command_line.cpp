@@ -9,7 +9,7 @@
 namespace rsvpctl {
 namespace {
 
-constexpr const char *rootExamples = R"(Examples:
+constexpr const char *kRootExamples = R"(Examples:
   rsvpctl enable                                start the service on the master and the standby nodes
   rsvpctl set interface 3                       RSVP on interface 3
   rsvpctl set retrans-interval 500 --interface 3
@@ -69,7 +69,7 @@ CommandLine::CommandLine() : root_("Configures and reads the RSVP-TE daemon.", "
 {
     root_.fallthrough();
     root_.require_subcommand(1);
-    root_.footer(rootExamples);
+    root_.footer(kRootExamples);
     root_.get_formatter()->column_width(34);
     json_ = root_.add_flag("--json")->description("One JSON document on standard output");
     detail_ = root_.add_flag("--detail")->description("Every field of a row, one a line")->excludes(json_);

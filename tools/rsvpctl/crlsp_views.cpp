@@ -7,7 +7,7 @@
 namespace rsvpctl {
 namespace {
 
-constexpr auto crlspColumns = "{:<15}  {:>6}  {:>5}  {:<15}  {:<15}  {:<15}  {:<10}  {}";
+constexpr auto kCrlspColumns = "{:<15}  {:>6}  {:>5}  {:<15}  {:<15}  {:<15}  {:<10}  {}";
 
 std::string NameText(const char *name)
 {
@@ -16,13 +16,13 @@ std::string NameText(const char *name)
 
 std::string CrlspHeader()
 {
-    return fmt::format(crlspColumns, "END POINT", "TUNNEL", "LSP", "SENDER", "PREVIOUS HOP", "NEXT HOP", "BANDWIDTH",
+    return fmt::format(kCrlspColumns, "END POINT", "TUNNEL", "LSP", "SENDER", "PREVIOUS HOP", "NEXT HOP", "BANDWIDTH",
                        "NAME");
 }
 
 std::string CrlspBrief(const RSVP_MOR_ReplyCrlsp &record)
 {
-    return fmt::format(crlspColumns, AddressText(record.key.keyWord0), record.key.keyShort0, record.key.keyShort1,
+    return fmt::format(kCrlspColumns, AddressText(record.key.keyWord0), record.key.keyShort0, record.key.keyShort1,
                        AddressText(record.key.keyWord2), AddressText(record.path.pathWord0),
                        AddressText(record.path.pathWord1), BandwidthText(record.traffic.trafficRate0),
                        NameText(record.name)) +
@@ -47,8 +47,8 @@ nlohmann::ordered_json Merged(const nlohmann::ordered_json &row, std::initialize
 }
 
 // What the views show in words, and the name, which is none of the numbers.
-constexpr std::string_view inWords[] = {"keyWord0",     "keyWord1",     "keyWord2",  "keyShort0", "keyShort1",
-                                        "trafficRate0", "trafficRate1", "pathWord0", "pathWord1", "name"};
+constexpr std::string_view kInWords[] = {"keyWord0",     "keyWord1",     "keyWord2",  "keyShort0", "keyShort1",
+                                         "trafficRate0", "trafficRate1", "pathWord0", "pathWord1", "name"};
 
 std::string CrlspDetail(const RSVP_MOR_ReplyCrlsp &record)
 {
@@ -62,7 +62,7 @@ std::string CrlspDetail(const RSVP_MOR_ReplyCrlsp &record)
     lines.Add("Next hop", AddressText(record.path.pathWord1));
     AddTraffic(lines, record.traffic);
     lines.AddHops("Route", record.hopList);
-    lines.AddOthers(Merged(row, {"key", "path", "traffic"}), inWords);
+    lines.AddOthers(Merged(row, {"key", "path", "traffic"}), kInWords);
     return lines.Text();
 }
 
@@ -151,7 +151,7 @@ std::string P2mpCrlspDetail(const RSVP_MOR_P2mpCrlspInfo &record)
                                      record.key.keyShort0, DottedText(record.key.keyWord1)));
     lines.Add("Sender", fmt::format("{}, LSP {}", DottedText(record.key.keyWord2), record.key.keyShort1));
     AddTraffic(lines, record.traffic);
-    lines.AddOthers(Merged(row, {"key", "traffic"}), inWords);
+    lines.AddOthers(Merged(row, {"key", "traffic"}), kInWords);
     for (const RSVP_MOR_P2mpRro *sub = record.rroHead; sub != nullptr; sub = sub->next) {
         lines.Add(
             fmt::format("Sub-LSP {}", sub->subShort),

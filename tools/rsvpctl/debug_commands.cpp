@@ -7,9 +7,9 @@
 namespace rsvpctl {
 namespace {
 
-constexpr uint16_t debugItem = 7;
-constexpr uint16_t authEntryItem = 0;
-constexpr uint16_t statisticsItem = 1;
+constexpr uint16_t kDebugItem = 7;
+constexpr uint16_t kAuthEntryItem = 0;
+constexpr uint16_t kStatisticsItem = 1;
 
 void Append(std::vector<uint8_t> &bytes, const std::vector<uint8_t> &more)
 {
@@ -51,7 +51,7 @@ WireRequest RequestOf(uint8_t op, const RSVP_MOR_DebugSwitch &debug)
     Append(value, PairBytes(0, debug.session.tunnelId));
     Append(value, WordBytes(debug.session.extendedTunnelId));
     Append(value, WordBytes(debug.debugType));
-    return {globalClass, op, {{debugItem, value}}};
+    return {kGlobalClass, op, {{kDebugItem, value}}};
 }
 
 void AddDebugVerb(CommandLine &line, CLI::App &group, const std::string &verb, uint8_t op, const std::string &help)
@@ -111,7 +111,7 @@ void AddResetStatistics(CommandLine &line, CLI::App &group)
         const RSVP_MOR_StatisticsKey which = keyOf();
         std::vector<uint8_t> value = WordBytes(which.statsId1);
         Append(value, ShortBytes(which.statsId2));
-        return std::vector<WireRequest>{{resetClass, 0, {{statisticsItem, value}}}};
+        return std::vector<WireRequest>{{kResetClass, 0, {{kStatisticsItem, value}}}};
     };
 }
 
@@ -137,7 +137,7 @@ void AddResetAuth(CommandLine &line, CLI::App &group)
         std::vector<uint8_t> value = WordBytes(entry.authId1);
         Append(value, WordBytes(entry.authId2));
         Append(value, PairBytes(entry.authId3, entry.authId4));
-        return std::vector<WireRequest>{{resetClass, 0, {{authEntryItem, value}}}};
+        return std::vector<WireRequest>{{kResetClass, 0, {{kAuthEntryItem, value}}}};
     };
 }
 

@@ -19,9 +19,9 @@ struct Strokes {
     const char *arrow;
 };
 
-constexpr Strokes boxStrokes{"├─ ", "└─ ", "│  ", "→"};
-constexpr Strokes asciiStrokes{"|- ", "`- ", "|  ", "->"};
-constexpr auto nothingBelow = "   ";
+constexpr Strokes kBoxStrokes{"├─ ", "└─ ", "│  ", "→"};
+constexpr Strokes kAsciiStrokes{"|- ", "`- ", "|  ", "->"};
+constexpr auto kNothingBelow = "   ";
 
 struct Hop {
     uint32_t address;
@@ -65,7 +65,7 @@ void Draw(const HopNode &node, const std::string &indent, const Strokes &strokes
     for (const auto &child : node.hops) {
         const bool last = child == node.hops.back();
         out += indent + (last ? strokes.last : strokes.branch) + HopText(*child);
-        Draw(*child, indent + (last ? nothingBelow : strokes.through), strokes, out);
+        Draw(*child, indent + (last ? kNothingBelow : strokes.through), strokes, out);
     }
 }
 
@@ -133,7 +133,7 @@ HopTree TreeOf(const RSVP_MOR_P2mpCrlspInfo &record)
 std::string DrawTree(const HopTree &tree, bool ascii)
 {
     std::string out = tree.title + "\n" + DottedText(tree.root.address);
-    Draw(tree.root, "", ascii ? asciiStrokes : boxStrokes, out);
+    Draw(tree.root, "", ascii ? kAsciiStrokes : kBoxStrokes, out);
     return out;
 }
 

@@ -29,7 +29,7 @@ DESCRIBE(PhsbKey, RECORD(session), RECORD(hop))
 
 namespace {
 
-constexpr Table<RSVP_MOR_ReplyPsb, PsbKey> pathState{
+constexpr Table<RSVP_MOR_ReplyPsb, PsbKey> kPathState{
     .held = true,
     .firstFunction = "RSVP_MOR_GetFirstPsbInfo",
     .first = RSVP_MOR_GetFirstPsbInfo,
@@ -43,7 +43,7 @@ constexpr Table<RSVP_MOR_ReplyPsb, PsbKey> pathState{
     .release = RSVP_MOR_FreeReplyPsb,
 };
 
-constexpr Table<RSVP_MOR_ReplyRsb, RsbKey> reservationState{
+constexpr Table<RSVP_MOR_ReplyRsb, RsbKey> kReservationState{
     .held = true,
     .firstFunction = "RSVP_MOR_GetFirstRsbInfo",
     .first = RSVP_MOR_GetFirstRsbInfo,
@@ -59,7 +59,7 @@ constexpr Table<RSVP_MOR_ReplyRsb, RsbKey> reservationState{
     .release = RSVP_MOR_FreeReplyRsb,
 };
 
-constexpr Table<RSVP_MOR_ReplyPhsb, PhsbKey> previousHopState{
+constexpr Table<RSVP_MOR_ReplyPhsb, PhsbKey> kPreviousHopState{
     .held = true,
     .firstFunction = "RSVP_MOR_GetFirstPhsbInfo",
     .first = RSVP_MOR_GetFirstPhsbInfo,
@@ -73,7 +73,7 @@ constexpr Table<RSVP_MOR_ReplyPhsb, PhsbKey> previousHopState{
     .release = RSVP_MOR_FreeReplyPhsb,
 };
 
-constexpr Table<RSVP_MOR_ReplyCrlsp, RSVP_MOR_CrlspKey> crlsps{
+constexpr Table<RSVP_MOR_ReplyCrlsp, RSVP_MOR_CrlspKey> kCrlsps{
     .held = true,
     .firstFunction = "RSVP_MOR_GetFirstCrlsp",
     .first = RSVP_MOR_GetFirstCrlsp,
@@ -177,11 +177,11 @@ void AddLsps(CommandLine &line, CLI::App &show, const std::string &word, const s
 
 void AddLspCommands(CommandLine &line, CLI::App &show)
 {
-    AddLsps(line, show, "psb", "Path state: one line an LSP, or all of it with --detail", pathState, psbView);
-    AddLsps(line, show, "rsb", "Reservation state", reservationState, rsbView);
-    AddLsps(line, show, "phsb", "Previous hop state: what is reserved towards the senders", previousHopState,
+    AddLsps(line, show, "psb", "Path state: one line an LSP, or all of it with --detail", kPathState, psbView);
+    AddLsps(line, show, "rsb", "Reservation state", kReservationState, rsbView);
+    AddLsps(line, show, "phsb", "Previous hop state: what is reserved towards the senders", kPreviousHopState,
             phsbView);
-    AddLsps(line, show, "crlsp", "CR-LSPs: signalled LSPs with their routes", crlsps, crlspView);
+    AddLsps(line, show, "crlsp", "CR-LSPs: signalled LSPs with their routes", kCrlsps, crlspView);
 }
 
 } // namespace rsvpctl

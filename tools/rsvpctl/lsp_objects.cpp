@@ -10,9 +10,9 @@
 namespace rsvpctl {
 namespace {
 
-constexpr size_t nameWidth = 16;
-constexpr size_t valueWidth = 96;
-constexpr uint32_t unknownLatency = 0xffffffff;
+constexpr size_t kNameWidth = 16;
+constexpr size_t kValueWidth = 96;
+constexpr uint32_t kUnknownLatency = 0xffffffff;
 
 // Bytes a second as they were signalled, and bits a second, by which bandwidth is sold.
 std::string RateText(const uint8_t (&bytes)[4])
@@ -73,14 +73,14 @@ std::string NumbersText(const nlohmann::ordered_json &value)
     return text;
 }
 
-constexpr const char *const errorTerms[4] = {"Ctot", "Dtot", "Csum", "Dsum"};
-constexpr const char *const overrides[4] = {"override 1:", "override 2:", "override 3:", "override 4:"};
+constexpr const char *const kErrorTerms[4] = {"Ctot", "Dtot", "Csum", "Dsum"};
+constexpr const char *const kOverrides[4] = {"override 1:", "override 2:", "override 3:", "override 4:"};
 
 // A service's fragment is left out if the sender did not put it there.
 void AddService(DetailLines &lines, const char *name, uint16_t length, const std::string &terms,
                 std::span<const RSVP_MOR_AdspecParam, 4> own)
 {
-    const std::string more = ParamsText(own, overrides);
+    const std::string more = ParamsText(own, kOverrides);
     if (length == 0 && terms.empty() && more.empty())
         return;
     lines.More(fmt::format("{}: {}{}{}", name, terms.empty() && more.empty() ? "no terms of its own" : terms,
@@ -96,7 +96,7 @@ DetailLines::DetailLines(std::string title) : text_(std::move(title))
 
 void DetailLines::Add(std::string_view name, std::string_view value)
 {
-    text_ += fmt::format("  {:<{}} {}\n", name, nameWidth, value);
+    text_ += fmt::format("  {:<{}} {}\n", name, kNameWidth, value);
 }
 
 void DetailLines::AddHop(std::string_view name, const RSVP_MOR_Hop &hop)
@@ -140,9 +140,9 @@ void DetailLines::AddAdspec(const RSVP_MOR_Adspec &adspec)
     const uint32_t latency = adspec.minPathLatency.paramValue;
     Add("Adspec",
         fmt::format("hops {}, path bandwidth {}, least latency {}, MTU {}", adspec.hopCount.paramValue,
-                    BandwidthText(bandwidth), latency == unknownLatency ? "unknown" : fmt::format("{} us", latency),
+                    BandwidthText(bandwidth), latency == kUnknownLatency ? "unknown" : fmt::format("{} us", latency),
                     adspec.composedMtu.paramValue));
-    AddService(*this, "guaranteed service", adspec.guaranteedLength, ParamsText(adspec.guaranteedParams, errorTerms),
+    AddService(*this, "guaranteed service", adspec.guaranteedLength, ParamsText(adspec.guaranteedParams, kErrorTerms),
                adspec.guaranteedOverrides);
     AddService(*this, "controlled load", adspec.loadLength, "", adspec.loadOverrides);
 }
@@ -196,7 +196,7 @@ void DetailLines::AddRoute(std::string_view name, const RSVP_MOR_RouteList &list
 {
     std::string line;
     for (const RSVP_MOR_RouteEntry &hop : std::span(list.entries, list.entries == nullptr ? 0 : list.count)) {
-        if (line.size() > valueWidth) {
+        if (line.size() > kValueWidth) {
             Add(std::exchange(name, ""), line);
             line.clear();
         }
@@ -211,7 +211,7 @@ void DetailLines::AddOthers(const nlohmann::ordered_json &row, std::span<const s
     std::string_view name = "Other numbers";
     std::string line;
     const auto add = [&](const std::string &text) {
-        if (!line.empty() && line.size() + text.size() > valueWidth) {
+        if (!line.empty() && line.size() + text.size() > kValueWidth) {
             Add(std::exchange(name, ""), line);
             line.clear();
         }

@@ -12,7 +12,7 @@ struct Bit {
     const char *name;
 };
 
-constexpr Bit sessionFlags[] = {
+constexpr Bit kSessionFlags[] = {
     {0x01, "local protection"},     {0x02, "label recording"}, {0x04, "SE style"},
     {0x08, "bandwidth protection"}, {0x10, "node protection"},
 };
@@ -31,13 +31,13 @@ std::string BandwidthText(float bytesPerSecond)
     if (!std::isfinite(bytesPerSecond))
         return std::isnan(bytesPerSecond) ? "no number" : bytesPerSecond > 0 ? "unlimited" : "negative";
     double bits = double{bytesPerSecond} * 8;
-    static constexpr const char *units[] = {"bit/s", "kbit/s", "Mbit/s", "Gbit/s", "Tbit/s"};
+    static constexpr const char *kUnits[] = {"bit/s", "kbit/s", "Mbit/s", "Gbit/s", "Tbit/s"};
     size_t unit = 0;
-    while (std::fabs(bits) >= 1000 && unit + 1 < std::size(units)) {
+    while (std::fabs(bits) >= 1000 && unit + 1 < std::size(kUnits)) {
         bits /= 1000;
         ++unit;
     }
-    return fmt::format("{:.4g} {}", bits, units[unit]);
+    return fmt::format("{:.4g} {}", bits, kUnits[unit]);
 }
 
 // The option vector of the STYLE object: two bits of sharing, three of sender selection.
@@ -58,7 +58,7 @@ std::string StyleText(uint32_t style)
 std::string SessionFlagsText(uint8_t flags)
 {
     std::string text;
-    for (const Bit &bit : sessionFlags) {
+    for (const Bit &bit : kSessionFlags) {
         if ((flags & bit.mask) != 0)
             text += fmt::format("{}{}", text.empty() ? "" : ", ", bit.name);
     }

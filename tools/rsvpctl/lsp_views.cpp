@@ -7,16 +7,16 @@
 namespace rsvpctl {
 namespace {
 
-constexpr auto sessionColumns = "{:<15}  {:>6}  {:<15}";
+constexpr auto kSessionColumns = "{:<15}  {:>6}  {:<15}";
 
 std::string SessionHeader()
 {
-    return fmt::format(sessionColumns, "END POINT", "TUNNEL", "EXTENDED ID");
+    return fmt::format(kSessionColumns, "END POINT", "TUNNEL", "EXTENDED ID");
 }
 
 std::string SessionCells(const RSVP_MOR_Session &session)
 {
-    return fmt::format(sessionColumns, AddressText(session.tunnelEndpoint), session.tunnelId,
+    return fmt::format(kSessionColumns, AddressText(session.tunnelEndpoint), session.tunnelId,
                        AddressText(session.extendedTunnelId));
 }
 
@@ -119,7 +119,7 @@ std::string RsbBrief(const RSVP_MOR_ReplyRsb &block)
                        LabelsText(block.fsList));
 }
 
-constexpr std::string_view styleField[] = {"style"};
+constexpr std::string_view kStyleField[] = {"style"};
 
 std::string RsbDetail(const RSVP_MOR_ReplyRsb &block)
 {
@@ -132,7 +132,7 @@ std::string RsbDetail(const RSVP_MOR_ReplyRsb &block)
     lines.Add("Style", fmt::format("{} ({})", StyleText(block.style), block.style));
     lines.AddFlowSpec(block.flowSpec);
     AddFilters(lines, block.fsList);
-    lines.AddOthers(ToJson(Describe<RSVP_MOR_ReplyRsb>(), &block), styleField);
+    lines.AddOthers(ToJson(Describe<RSVP_MOR_ReplyRsb>(), &block), kStyleField);
     return lines.Text();
 }
 
@@ -166,7 +166,7 @@ std::string PhsbDetail(const RSVP_MOR_ReplyPhsb &block)
         lines.AddFlowSpec(flow->flowSpec);
         AddFilters(lines, flow->fsList);
     }
-    lines.AddOthers(ToJson(Describe<RSVP_MOR_ReplyPhsb>(), &block), styleField);
+    lines.AddOthers(ToJson(Describe<RSVP_MOR_ReplyPhsb>(), &block), kStyleField);
     return lines.Text();
 }
 

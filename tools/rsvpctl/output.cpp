@@ -14,7 +14,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr size_t widthWithoutTerminal = 120;
+constexpr size_t kWidthWithoutTerminal = 120;
 
 bool UseColor(Color color, FILE *stream)
 {
@@ -28,7 +28,7 @@ size_t LineWidth(FILE *stream)
 {
     winsize size{};
     const bool known = isatty(fileno(stream)) == 1 && ioctl(fileno(stream), TIOCGWINSZ, &size) == 0;
-    return known && size.ws_col > 0 ? size.ws_col : widthWithoutTerminal;
+    return known && size.ws_col > 0 ? size.ws_col : kWidthWithoutTerminal;
 }
 
 const char *EndName(WalkEnd end)
@@ -102,7 +102,7 @@ void Output::OpenDocument(const std::string &operation)
     if (inBatch_)
         text_ += fmt::format("{}{{\"line\":{},", batchDocuments_++ == 0 ? "" : ",", batchLine_);
     else
-        text_ += fmt::format("{{\"schemaVersion\":{},", schemaVersion);
+        text_ += fmt::format("{{\"schemaVersion\":{},", kSchemaVersion);
     text_ += fmt::format("\"operation\":{}", Json(operation).dump());
 }
 

@@ -14,7 +14,7 @@
 namespace rsvpctl {
 
 /** Of the documents; it changes when a program that reads them must. */
-constexpr int schemaVersion = 1;
+constexpr int kSchemaVersion = 1;
 
 enum class Style : uint8_t { Table, Detail, Json };
 enum class Color : uint8_t { Auto, Always, Never };

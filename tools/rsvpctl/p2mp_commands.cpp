@@ -14,7 +14,7 @@
 namespace rsvpctl {
 namespace {
 
-constexpr uint32_t pathStateItem = 11;
+constexpr uint32_t kPathStateItem = 11;
 
 struct P2mpOptions {
     KeyOptions key;
@@ -35,11 +35,11 @@ uint32_t NumberOr(const CLI::Option *option, uint32_t value)
 
 P2mpOptions AddOptions(CLI::App &app, const RecordDescription &key)
 {
-    return {AddKeyOptions(app, key), AddDefaultNumber(app, "--op", UINT8_MAX, getRow, "Message operation")};
+    return {AddKeyOptions(app, key), AddDefaultNumber(app, "--op", UINT8_MAX, kGetRow, "Message operation")};
 }
 
-constexpr auto stateKeyExample = "500,10.0.0.1,10.0.0.1,00000000,50,1,10.0.0.1,0,1,0,0,0000,0,0,0,0,0";
-constexpr auto crlspKeyExample = "500,10.0.0.1,10.0.0.1,50,1,0,0,0,0,0,0";
+constexpr auto kStateKeyExample = "500,10.0.0.1,10.0.0.1,00000000,50,1,10.0.0.1,0,1,0,0,0000,0,0,0,0,0";
+constexpr auto kCrlspKeyExample = "500,10.0.0.1,10.0.0.1,50,1,0,0,0,0,0,0";
 
 std::string Examples(const std::string &name, const char *key)
 {
@@ -53,30 +53,30 @@ template <typename Block, typename Key> struct P2mpTable {
     void (*release)(Block *block);
 };
 
-constexpr P2mpTable<RSVP_MOR_P2mpPsbInfo, RSVP_MOR_P2mpStateKey> pathState{
+constexpr P2mpTable<RSVP_MOR_P2mpPsbInfo, RSVP_MOR_P2mpStateKey> kPathState{
     .function = "RSVP_MOR_GetP2mpPsbInfo",
     .get =
         [](int32_t fd, const P2mpOptions &options, const RSVP_MOR_P2mpStateKey &key, RSVP_MOR_P2mpPsbInfo *block) {
-            return RSVP_MOR_GetP2mpPsbInfo(fd, NumberOr(options.itemType, pathStateItem),
-                                           NumberOr(options.operation, getRow), &key, block);
+            return RSVP_MOR_GetP2mpPsbInfo(fd, NumberOr(options.itemType, kPathStateItem),
+                                           NumberOr(options.operation, kGetRow), &key, block);
         },
     .release = RSVP_MOR_FreeP2mpPsbInfo,
 };
 
-constexpr P2mpTable<RSVP_MOR_P2mpRsbInfo, RSVP_MOR_P2mpStateKey> reservationState{
+constexpr P2mpTable<RSVP_MOR_P2mpRsbInfo, RSVP_MOR_P2mpStateKey> kReservationState{
     .function = "RSVP_MOR_GetP2mpRsbInfo",
     .get =
         [](int32_t fd, const P2mpOptions &options, const RSVP_MOR_P2mpStateKey &key, RSVP_MOR_P2mpRsbInfo *block) {
-            return RSVP_MOR_GetP2mpRsbInfo(fd, NumberOr(options.operation, getRow), &key, block);
+            return RSVP_MOR_GetP2mpRsbInfo(fd, NumberOr(options.operation, kGetRow), &key, block);
         },
     .release = RSVP_MOR_FreeP2mpRsbInfo,
 };
 
-constexpr P2mpTable<RSVP_MOR_P2mpCrlspInfo, RSVP_MOR_P2mpCrlspKey> crlsp{
+constexpr P2mpTable<RSVP_MOR_P2mpCrlspInfo, RSVP_MOR_P2mpCrlspKey> kCrlsp{
     .function = "RSVP_MOR_GetP2mpCrlsp",
     .get =
         [](int32_t fd, const P2mpOptions &options, const RSVP_MOR_P2mpCrlspKey &key, RSVP_MOR_P2mpCrlspInfo *block) {
-            return RSVP_MOR_GetP2mpCrlsp(fd, NumberOr(options.operation, getRow), &key, block);
+            return RSVP_MOR_GetP2mpCrlsp(fd, NumberOr(options.operation, kGetRow), &key, block);
         },
     .release = RSVP_MOR_FreeP2mpCrlspInfo,
 };
@@ -107,7 +107,7 @@ void AddShow(CommandLine &line, CLI::App &p2mp, const std::string &word, const s
     P2mpOptions options = AddOptions(*command.parser, Describe<Key>());
     if constexpr (std::is_same_v<Block, RSVP_MOR_P2mpPsbInfo>)
         options.itemType =
-            AddDefaultNumber(*command.parser, "--item-type", UINT16_MAX, pathStateItem, "Item type of the request");
+            AddDefaultNumber(*command.parser, "--item-type", UINT16_MAX, kPathStateItem, "Item type of the request");
     command.run = [&command, &table, options, detail](Output &out) {
         return WithBlock(out, command, table, options, [&](const Block &block) {
             return out.IsJson() ? out.Record(command.name, ToJson(Describe<Block>(), &block))
@@ -148,18 +148,19 @@ bool LocaleIsUtf8()
 void AddP2mpCommands(CommandLine &line, CLI::App &show)
 {
     CLI::App &p2mp = line.AddGroup(show, "p2mp", "Point-to-multipoint state, one block by its key",
-                                   Examples(PathOf(show) + " p2mp psb", stateKeyExample) + "\n" +
-                                       Examples(PathOf(show) + " p2mp crlsp", crlspKeyExample));
-    AddShow(line, p2mp, "psb", "Path state of a sub-group", pathState, stateKeyExample, P2mpPsbDetail);
-    AddShow(line, p2mp, "rsb", "Reservation state of a sub-group", reservationState, stateKeyExample, P2mpRsbDetail);
-    AddShow(line, p2mp, "crlsp", "A CR-LSP with all its sub-LSPs", crlsp, crlspKeyExample, P2mpCrlspDetail);
+                                   Examples(PathOf(show) + " p2mp psb", kStateKeyExample) + "\n" +
+                                       Examples(PathOf(show) + " p2mp crlsp", kCrlspKeyExample));
+    AddShow(line, p2mp, "psb", "Path state of a sub-group", kPathState, kStateKeyExample, P2mpPsbDetail);
+    AddShow(line, p2mp, "rsb", "Reservation state of a sub-group", kReservationState, kStateKeyExample,
+            P2mpRsbDetail);
+    AddShow(line, p2mp, "crlsp", "A CR-LSP with all its sub-LSPs", kCrlsp, kCrlspKeyExample, P2mpCrlspDetail);
 }
 
 void AddTreeCommand(CommandLine &line)
 {
     Command &command = line.Add(line.Root(), "tree", "A point-to-multipoint LSP as a tree of hops with its leaves",
                                 fmt::format("{}\n  rsvpctl tree --key-file key.json --dot | dot -Tsvg > lsp.svg",
-                                            Examples("tree", crlspKeyExample)));
+                                            Examples("tree", kCrlspKeyExample)));
     const P2mpOptions options = AddOptions(*command.parser, Describe<RSVP_MOR_P2mpCrlspKey>());
     const CLI::Option *leaf = AddAddress(*command.parser, "--leaf", "Only the way to this leaf");
     const CLI::Option *dot = command.parser->add_flag("--dot")->description("A graph in the language of dot");
@@ -168,7 +169,7 @@ void AddTreeCommand(CommandLine &line)
     command.run = [&command, options, leaf, dot, ascii](Output &out) {
         if (out.IsJson() && dot->count() != 0)
             throw UsageError("tree: --dot excludes --json");
-        return WithBlock(out, command, crlsp, options, [&](RSVP_MOR_P2mpCrlspInfo &record) {
+        return WithBlock(out, command, kCrlsp, options, [&](RSVP_MOR_P2mpCrlspInfo &record) {
             if (leaf->count() != 0)
                 KeepLeaf(record, AddressValue(leaf));
             const HopTree tree = TreeOf(record);

@@ -117,24 +117,19 @@ KeyFields KeyFromJson(std::string_view text, const std::string &file)
 void FillKey(const RecordDescription &description, const KeyFields &fields, void *record)
 {
     std::string text;
-    std::string missing;
-    size_t known = 0;
-    for (const Leaf &leaf : Leaves(description)) {
-        const auto given = fields.find(leaf.path);
-        if (given == fields.end()) {
-            missing += (missing.empty() ? "" : ", ") + leaf.path;
-            continue;
-        }
-        ++known;
-        text += (text.empty() ? "" : ",") + leaf.path + "=" + AsNumber(*leaf.field, given->second);
+    const std::vector<Leaf> leaves = Leaves(description);
+    for (const auto &field : fields) {
+        if (std::none_of(leaves.begin(), leaves.end(), [&](const Leaf &leaf) { return leaf.path == field.first; }))
+            throw UsageError(
+                fmt::format("key: there is no field '{}'; the fields are {}", field.first, KeyShape(description)));
     }
-    if (known != fields.size()) {
-        const auto leaves = Leaves(description);
-        for (const auto &[name, value] : fields) {
-            if (std::none_of(leaves.begin(), leaves.end(), [&](const Leaf &leaf) { return leaf.path == name; }))
-                throw UsageError(
-                    fmt::format("key: there is no field '{}'; the fields are {}", name, KeyShape(description)));
-        }
+    std::string missing;
+    for (const Leaf &leaf : leaves) {
+        const auto given = fields.find(leaf.path);
+        if (given == fields.end())
+            missing += (missing.empty() ? "" : ", ") + leaf.path;
+        else
+            text += (text.empty() ? "" : ",") + leaf.path + "=" + AsNumber(*leaf.field, given->second);
     }
     if (!missing.empty())
         throw UsageError(fmt::format("key: no value for {}", missing));

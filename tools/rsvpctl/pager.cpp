@@ -13,7 +13,7 @@
 namespace rsvpctl {
 namespace {
 
-constexpr int endedByInterrupt = 128 + SIGINT;
+constexpr int kEndedByInterrupt = 128 + SIGINT;
 
 volatile sig_atomic_t pagerOfSignal = -1;
 
@@ -29,7 +29,7 @@ extern "C" void LeaveToPager(int)
     close(STDOUT_FILENO);
     close(STDERR_FILENO);
     WaitFor(static_cast<pid_t>(pagerOfSignal));
-    _exit(endedByInterrupt);
+    _exit(kEndedByInterrupt);
 }
 
 const char *Wanted()

@@ -90,7 +90,7 @@ Waiter::Waiter()
     sigemptyset(&toEnd);
     for (const int number : {SIGINT, SIGTERM, SIGHUP})
         sigaddset(&toEnd, number);
-    signals_ = signalfd(-1, &toEnd, SFD_CLOEXEC);
+    signals_ = signalfd(-1, &toEnd, SFD_CLOEXEC | SFD_NONBLOCK);
     if (signals_ < 0)
         Fail("signalfd");
     sigprocmask(SIG_BLOCK, &toEnd, &before_);
@@ -100,7 +100,7 @@ Waiter::Waiter()
 Waiter::~Waiter()
 {
     signalfd_siginfo taken{};
-    while (Wait(-1, 0) == Wake::Interrupted && read(signals_, &taken, sizeof taken) == sizeof taken)
+    while (read(signals_, &taken, sizeof taken) == sizeof taken)
         continue;
     sigprocmask(SIG_SETMASK, &before_, nullptr);
     close(signals_);

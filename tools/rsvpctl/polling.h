@@ -33,6 +33,7 @@ private:
     int signals_;
 };
 
+// NOLINTNEXTLINE(bugprone-exception-escape): the JSON library allocates where it destroys
 struct PollResult {
     Wake end = Wake::Ready;          // other than Ready: the poll was cut short
     nlohmann::ordered_json document; // what was said beside the rows

@@ -10,7 +10,7 @@ struct Counter {
     uint32_t (*read)(uint32_t *count);
 };
 
-constexpr Counter counters[] = {
+constexpr Counter kCounters[] = {
     {"frrInterfaces", "RSVP_MOR_GetFrrIfNum", RSVP_MOR_GetFrrIfNum},
     {"activeFrrInterfaces", "RSVP_MOR_GetFrrActiveIfNum", RSVP_MOR_GetFrrActiveIfNum},
     {"activeBypassTunnels", "RSVP_MOR_GetActBypassTunnels", RSVP_MOR_GetActBypassTunnels},
@@ -21,7 +21,7 @@ constexpr Counter counters[] = {
 Exit ShowCounters(Output &out, const std::string &operation)
 {
     nlohmann::ordered_json record;
-    for (const Counter &counter : counters) {
+    for (const Counter &counter : kCounters) {
         uint32_t count = 0;
         const uint32_t status = counter.read(&count);
         if (status != RSVP_MOR_OK)

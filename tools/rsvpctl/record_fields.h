@@ -7,20 +7,21 @@
 
 namespace rsvpctl {
 
-template <typename Member> constexpr uint32_t ElementWidth = sizeof(std::remove_extent_t<Member>);
-template <typename Member> constexpr uint32_t ElementCount = std::extent_v<Member>;
+template <typename Member> constexpr uint32_t kElementWidth = sizeof(std::remove_extent_t<Member>);
+template <typename Member> constexpr uint32_t kElementCount = std::extent_v<Member>;
 
 /** A field whose array elements are shown one by one. */
 template <typename Member>
 constexpr Field Elements(const char *name, FieldKind kind, size_t offset, const RecordDescription *record = nullptr)
 {
-    return {name, kind, static_cast<uint32_t>(offset), ElementWidth<Member>, ElementCount<Member>, record, 0, {}};
+    return {name, kind, static_cast<uint32_t>(offset), kElementWidth<Member>, kElementCount<Member>, record, 0, {}};
 }
 
 /** A field that is one value, whatever number of bytes it takes. */
 template <typename Member>
 constexpr Field Whole(const char *name, FieldKind kind, size_t offset, const RecordDescription *record = nullptr)
 {
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): of a pointer too it is the pointer's own size
     return {name, kind, static_cast<uint32_t>(offset), sizeof(Member), 0, record, 0, {}};
 }
 

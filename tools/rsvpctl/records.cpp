@@ -43,12 +43,12 @@ uint64_t LoadNumber(const void *at, uint32_t width)
 
 std::string HexText(const void *bytes, uint32_t count)
 {
-    static constexpr char digits[] = "0123456789abcdef";
+    static constexpr char kDigits[] = "0123456789abcdef";
     std::string text(size_t{count} * 2, '0');
     const auto *in = static_cast<const uint8_t *>(bytes);
     for (uint32_t i = 0; i < count; ++i) {
-        text[size_t{i} * 2] = digits[in[i] >> 4];
-        text[size_t{i} * 2 + 1] = digits[in[i] & 15];
+        text[size_t{i} * 2] = kDigits[in[i] >> 4];
+        text[size_t{i} * 2 + 1] = kDigits[in[i] & 15];
     }
     return text;
 }

@@ -11,7 +11,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 using Lines = std::vector<std::pair<std::string, std::string>>;
 
-constexpr size_t numbersPerLine = 8;
+constexpr size_t kNumbersPerLine = 8;
 
 // The widest text that a field can have; a text of the daemon's may be wider and then shifts its own row alone.
 size_t WidestText(const Field &field)
@@ -53,13 +53,13 @@ std::string Trimmed(std::string line)
 // A break inside a value is a line end and a tab; DetailText puts its own indent there.
 std::string ArrayText(const Json &array)
 {
-    if (array.size() > numbersPerLine &&
+    if (array.size() > kNumbersPerLine &&
         std::all_of(array.begin(), array.end(), [](const Json &value) { return value == 0; }))
         return fmt::format("{} times 0", array.size());
     std::string text;
     for (size_t i = 0; i < array.size(); ++i) {
         if (i != 0)
-            text += i % numbersPerLine == 0 ? "\n\t" : " ";
+            text += i % kNumbersPerLine == 0 ? "\n\t" : " ";
         text += PlainText(array[i]);
     }
     return text.empty() ? "none" : text;
@@ -68,8 +68,9 @@ std::string ArrayText(const Json &array)
 void AddLines(const Json &value, const std::string &path, Lines &lines)
 {
     if (value.is_object()) {
+        const std::string prefix = path.empty() ? "" : path + ".";
         for (const auto &[name, member] : value.items())
-            AddLines(member, path.empty() ? name : path + "." + name, lines);
+            AddLines(member, prefix + name, lines);
     } else if (value.is_array() && !value.empty() && value.front().is_object()) {
         for (size_t i = 0; i < value.size(); ++i)
             AddLines(value[i], fmt::format("{}[{}]", path, i), lines);

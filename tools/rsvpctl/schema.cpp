@@ -123,7 +123,7 @@ Json StatusMembers()
 const std::map<std::string, Json> &MembersOfAnswers()
 {
     static const std::map<std::string, Json> members{
-        {"schemaVersion", {{"const", schemaVersion}}},
+        {"schemaVersion", {{"const", kSchemaVersion}}},
         {"line", Integer(UINT64_MAX)},
         {"operation", Text()},
         {"asked", Text()},
@@ -207,7 +207,7 @@ Json Event()
                                 {"before", scalar},
                                 {"after", scalar},
                                 {"perSecond", NullOr({{"type", "number"}, {"minimum", 0}})}});
-    Json members{{"schemaVersion", {{"const", schemaVersion}}},
+    Json members{{"schemaVersion", {{"const", kSchemaVersion}}},
                  {"operation", Pattern("^watch show ")},
                  {"time", Pattern("^[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}Z$")}};
     Json rows = members;

@@ -11,15 +11,15 @@
 namespace rsvpctl {
 namespace {
 
-constexpr uint16_t rsvpOnInterfaceItem = 18;
-constexpr uint16_t disableItem = 20;
+constexpr uint16_t kRsvpOnInterfaceItem = 18;
+constexpr uint16_t kDisableItem = 20;
 
 // Enabling sends nothing: the start of the service, which the service manager does, is the enabling.
 std::vector<WireRequest> RequestsOfGlobal(bool on)
 {
     if (on)
         return {};
-    return {{globalClass, undoOperation, {{disableItem, {}}}}};
+    return {{kGlobalClass, kUndoOperation, {{kDisableItem, {}}}}};
 }
 
 Exit Report(Output &out, const std::string &operation, const std::string &function, const std::string &asked,
@@ -100,9 +100,9 @@ void AddCapability(CommandLine &line)
                       RSVP_SetIfCapability(NumberValue(ifIndex), TextValue(state) == "on" ? 1 : 0));
     };
     interface.requests = [ifIndex, state]() -> std::vector<WireRequest> {
-        return {{interfaceClass,
-                 TextValue(state) == "on" ? setOperation : undoOperation,
-                 {{interfaceItem, WordBytes(NumberValue(ifIndex))}, {rsvpOnInterfaceItem, {}}}}};
+        return {{kInterfaceClass,
+                 TextValue(state) == "on" ? kSetOperation : kUndoOperation,
+                 {{kInterfaceItem, WordBytes(NumberValue(ifIndex))}, {kRsvpOnInterfaceItem, {}}}}};
     };
 }
 

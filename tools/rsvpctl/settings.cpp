@@ -25,7 +25,7 @@ uint32_t SetReduction(uint32_t op, const Arguments &a)
 
 // One line a setting and one for its call; aligned by hand, since the eye checks columns.
 // clang-format off
-constexpr Setting settings[] = {
+constexpr Setting kSettings[] = {
     {"interface", Level::Interface, ValueKind::None, Undo::Sent, nullptr, 18, 0, "RSVP_MOR_SetRsvpEnable",
      [](uint32_t op, const Arguments &a) { return RSVP_MOR_SetRsvpEnable(op, a.ifIndex); },
      "RSVP on an interface"},
@@ -132,7 +132,7 @@ WireItem ValueItem(const Setting &setting, const SettingArguments &arguments)
 
 std::span<const Setting> AllSettings()
 {
-    return settings;
+    return kSettings;
 }
 
 uint64_t MaximumOf(ValueKind kind)
@@ -150,11 +150,11 @@ uint64_t MaximumOf(ValueKind kind)
 WireRequest RequestOf(const Setting &setting, const SettingArguments &arguments)
 {
     const bool sentUndo = arguments.undo && setting.undo == Undo::Sent;
-    WireRequest request{static_cast<uint8_t>(setting.level), sentUndo ? undoOperation : setting.setOperation, {}};
+    WireRequest request{static_cast<uint8_t>(setting.level), sentUndo ? kUndoOperation : setting.setOperation, {}};
     if (setting.level == Level::Interface)
-        request.items.push_back({interfaceItem, WordBytes(arguments.ifIndex)});
+        request.items.push_back({kInterfaceItem, WordBytes(arguments.ifIndex)});
     else if (setting.level == Level::Peer)
-        request.items.push_back({peerItem, WordBytes(arguments.peer)});
+        request.items.push_back({kPeerItem, WordBytes(arguments.peer)});
     request.items.push_back(ValueItem(setting, arguments));
     return request;
 }

@@ -8,7 +8,7 @@ namespace {
 
 // Aligned by hand, since the eye compares rows.
 // clang-format off
-constexpr ShowDescription shows[] = {
+constexpr ShowDescription kShows[] = {
     {"global",           Describe<RSVP_MOR_GlobalInfo>,       ShowForm::Record, {}},
     {"counters",         nullptr,                             ShowForm::Record, {}},
     {"interfaces",       Describe<RSVP_MOR_IfInfo>,           ShowForm::Both,   {"ifWord1"}},
@@ -38,21 +38,21 @@ constexpr ShowDescription shows[] = {
 
 std::span<const ShowDescription> AllShows()
 {
-    return shows;
+    return kShows;
 }
 
 const ShowDescription *FindShow(std::string_view command)
 {
-    constexpr std::string_view watch = "watch ";
-    constexpr std::string_view show = "show ";
-    if (command.starts_with(watch))
-        command.remove_prefix(watch.size());
-    if (!command.starts_with(show))
+    constexpr std::string_view kWatch = "watch ";
+    constexpr std::string_view kShow = "show ";
+    if (command.starts_with(kWatch))
+        command.remove_prefix(kWatch.size());
+    if (!command.starts_with(kShow))
         return nullptr;
-    command.remove_prefix(show.size());
-    const auto *found = std::find_if(std::begin(shows), std::end(shows),
+    command.remove_prefix(kShow.size());
+    const auto *found = std::find_if(std::begin(kShows), std::end(kShows),
                                      [&](const ShowDescription &row) { return row.command == command; });
-    return found == std::end(shows) ? nullptr : found;
+    return found == std::end(kShows) ? nullptr : found;
 }
 
 } // namespace rsvpctl

@@ -8,7 +8,7 @@
 namespace rsvpctl {
 namespace {
 
-constexpr StatusText known[] = {
+constexpr StatusText kKnown[] = {
     {RSVP_MOR_OK, "RSVP_MOR_OK", Exit::Done,
      "the operation was done; or the service does not run and there was nothing to take back", "nothing"},
     {RSVP_MOR_ERR_FAIL, "RSVP_MOR_ERR_FAIL", Exit::Exchange,
@@ -24,16 +24,17 @@ constexpr StatusText known[] = {
      "the service \"RSVP\" runs on no node, so there is nothing to command", "start it with 'rsvpctl enable'"},
 };
 
-constexpr StatusText foreign = {0, "DAEMON_STATUS", Exit::Refused,
-                                "the daemon refused: the code is its own, for a value or a key that it does not take",
-                                "check the value against the daemon's ranges; its log tells more"};
+constexpr StatusText kForeign = {
+    0, "DAEMON_STATUS", Exit::Refused,
+    "the daemon refused: the code is its own, for a value or a key that it does not take",
+    "check the value against the daemon's ranges; its log tells more"};
 
 struct Narrower {
     std::string_view function;
     StatusText text;
 };
 
-constexpr Narrower narrower[] = {
+constexpr Narrower kNarrower[] = {
     {"RSVP_MOR_SetMplsRsvp(0)",
      {RSVP_MOR_ERR_FAIL, "RSVP_MOR_ERR_FAIL", Exit::Exchange,
       "the service manager could not be asked about the master, or the service did not start on a node; what has "
@@ -55,22 +56,22 @@ constexpr Narrower narrower[] = {
 
 std::span<const StatusText> KnownStatuses()
 {
-    return known;
+    return kKnown;
 }
 
 const StatusText &Explain(uint32_t status)
 {
-    const auto found = std::find_if(std::begin(known), std::end(known),
+    const auto found = std::find_if(std::begin(kKnown), std::end(kKnown),
                                     [&](const StatusText &text) { return text.status == status; });
-    return found == std::end(known) ? foreign : *found;
+    return found == std::end(kKnown) ? kForeign : *found;
 }
 
 const StatusText &Explain(uint32_t status, std::string_view function)
 {
-    const auto found = std::find_if(std::begin(narrower), std::end(narrower), [&](const Narrower &row) {
+    const auto found = std::find_if(std::begin(kNarrower), std::end(kNarrower), [&](const Narrower &row) {
         return row.text.status == status && row.function == function;
     });
-    return found == std::end(narrower) ? Explain(status) : found->text;
+    return found == std::end(kNarrower) ? Explain(status) : found->text;
 }
 
 } // namespace rsvpctl

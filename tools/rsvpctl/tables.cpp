@@ -34,7 +34,7 @@ DESCRIBE(FacilityIndex, NUMBER(facilityWord0), NUMBER(facilityWord1), NUMBER(fac
 
 namespace {
 
-constexpr Table<RSVP_MOR_IfInfo, InterfaceIndex> interfaces{
+constexpr Table<RSVP_MOR_IfInfo, InterfaceIndex> kInterfaces{
     .held = true,
     .firstFunction = "RSVP_MOR_GetFirstIfInfo",
     .first = RSVP_MOR_GetFirstIfInfo,
@@ -48,7 +48,7 @@ constexpr Table<RSVP_MOR_IfInfo, InterfaceIndex> interfaces{
     .keyColumns = {"ifWord1", ""},
 };
 
-constexpr Table<RSVP_MOR_IfConfig, InterfaceIndex> interfaceConfig{
+constexpr Table<RSVP_MOR_IfConfig, InterfaceIndex> kInterfaceConfig{
     .held = false,
     .firstFunction = "RSVP_GetFirstIfConfig",
     .first = [](int32_t, RSVP_MOR_IfConfig *row) { return RSVP_GetFirstIfConfig(row); },
@@ -61,7 +61,7 @@ constexpr Table<RSVP_MOR_IfConfig, InterfaceIndex> interfaceConfig{
               RSVP_MOR_IfConfig *row) { return RSVP_GetIfConfig(key.ifIndex, row); },
 };
 
-constexpr Table<RSVP_MOR_ReplyNbr, RSVP_MOR_NbrKey> neighbours{
+constexpr Table<RSVP_MOR_ReplyNbr, RSVP_MOR_NbrKey> kNeighbours{
     .held = true,
     .firstFunction = "RSVP_MOR_GetFirstNbr",
     .first = RSVP_MOR_GetFirstNbr,
@@ -74,7 +74,7 @@ constexpr Table<RSVP_MOR_ReplyNbr, RSVP_MOR_NbrKey> neighbours{
         },
 };
 
-constexpr Table<RSVP_MOR_ReplyAuth, RSVP_MOR_AuthWalkKey> authentication{
+constexpr Table<RSVP_MOR_ReplyAuth, RSVP_MOR_AuthWalkKey> kAuthentication{
     .held = true,
     .firstFunction = "RSVP_MOR_GetFirstAuth",
     .first = RSVP_MOR_GetFirstAuth,
@@ -101,14 +101,14 @@ uint32_t ReadFacility(uint32_t operation, const FacilityIndex &index, RSVP_MOR_R
     return RSVP_MOR_GetFrrFacilityDBTbl(operation, &key, row);
 }
 
-constexpr Table<RSVP_MOR_ReplyFrrFacility, FacilityIndex> facility{
+constexpr Table<RSVP_MOR_ReplyFrrFacility, FacilityIndex> kFacility{
     .held = false,
     .firstFunction = "RSVP_MOR_GetFrrFacilityDBTbl",
     .first = [](int32_t,
-                RSVP_MOR_ReplyFrrFacility *row) { return RSVP_MOR_GetFrrFacilityDBTbl(getFirst, nullptr, row); },
+                RSVP_MOR_ReplyFrrFacility *row) { return RSVP_MOR_GetFrrFacilityDBTbl(kGetFirst, nullptr, row); },
     .nextFunction = "RSVP_MOR_GetFrrFacilityDBTbl",
     .next = [](int32_t, const FacilityIndex &key,
-               RSVP_MOR_ReplyFrrFacility *row) { return ReadFacility(getNext, key, row); },
+               RSVP_MOR_ReplyFrrFacility *row) { return ReadFacility(kGetNext, key, row); },
     .keyOf =
         [](const RSVP_MOR_ReplyFrrFacility &row) {
             return FacilityIndex{row.facilityWord0, row.facilityWord1, row.facilityWord2,
@@ -116,10 +116,10 @@ constexpr Table<RSVP_MOR_ReplyFrrFacility, FacilityIndex> facility{
         },
     .getFunction = "RSVP_MOR_GetFrrFacilityDBTbl",
     .get = [](int32_t, const FacilityIndex &key,
-              RSVP_MOR_ReplyFrrFacility *row) { return ReadFacility(getRow, key, row); },
+              RSVP_MOR_ReplyFrrFacility *row) { return ReadFacility(kGetRow, key, row); },
 };
 
-constexpr Table<RSVP_MOR_ReplyFrrGeneral, RSVP_MOR_FrrGeneralKey> general{
+constexpr Table<RSVP_MOR_ReplyFrrGeneral, RSVP_MOR_FrrGeneralKey> kGeneral{
     .held = false,
     .firstFunction = "RSVP_MOR_GetFirstFrrGeneralTbl",
     .first = [](int32_t, RSVP_MOR_ReplyFrrGeneral *row) { return RSVP_MOR_GetFirstFrrGeneralTbl(row); },
@@ -143,7 +143,7 @@ template <typename Hop> uint32_t ReadHop(uint32_t (*read)(Hop *), const HopIndex
     return read(row);
 }
 
-constexpr Table<RSVP_MOR_ReplyCHop, HopIndex> computedHops{
+constexpr Table<RSVP_MOR_ReplyCHop, HopIndex> kComputedHops{
     .held = false,
     .firstFunction = "RSVP_GetFirstCHop",
     .first = [](int32_t, RSVP_MOR_ReplyCHop *row) { return RSVP_GetFirstCHop(row); },
@@ -158,7 +158,7 @@ constexpr Table<RSVP_MOR_ReplyCHop, HopIndex> computedHops{
     .keyColumns = {"hopListIndex", "hopIndex"},
 };
 
-constexpr Table<RSVP_MOR_ReplyArHop, HopIndex> actualHops{
+constexpr Table<RSVP_MOR_ReplyArHop, HopIndex> kActualHops{
     .held = false,
     .firstFunction = "RSVP_GetFirstArHop",
     .first = [](int32_t, RSVP_MOR_ReplyArHop *row) { return RSVP_GetFirstArHop(row); },
@@ -174,7 +174,7 @@ constexpr Table<RSVP_MOR_ReplyArHop, HopIndex> actualHops{
     .keyColumns = {"hopListIndex", "hopIndex"},
 };
 
-constexpr Table<RSVP_MOR_ReplyExtArHop, HopIndex> extendedHops{
+constexpr Table<RSVP_MOR_ReplyExtArHop, HopIndex> kExtendedHops{
     .held = false,
     .firstFunction = "RSVP_MOR_GetFirstExtArHop",
     .first = [](int32_t, RSVP_MOR_ReplyExtArHop *row) { return RSVP_MOR_GetFirstExtArHop(row); },
@@ -200,7 +200,7 @@ uint32_t ReadTunnel(int32_t, const RSVP_MOR_TunnelKey &key, RSVP_MOR_ReplyTunnel
     return RSVP_GetTunnel(&key, row);
 }
 
-constexpr Table<RSVP_MOR_ReplyTunnel, RSVP_MOR_TunnelKey> tunnels{
+constexpr Table<RSVP_MOR_ReplyTunnel, RSVP_MOR_TunnelKey> kTunnels{
     .held = false,
     .firstFunction = "RSVP_GetFirstTunnel",
     .first = [](int32_t, RSVP_MOR_ReplyTunnel *row) { return RSVP_GetFirstTunnel(row); },
@@ -212,7 +212,7 @@ constexpr Table<RSVP_MOR_ReplyTunnel, RSVP_MOR_TunnelKey> tunnels{
     .get = ReadTunnel,
 };
 
-constexpr Table<RSVP_MOR_ReplyTunnel, RSVP_MOR_TunnelKey> ingressTunnels{
+constexpr Table<RSVP_MOR_ReplyTunnel, RSVP_MOR_TunnelKey> kIngressTunnels{
     .held = false,
     .firstFunction = "RSVP_GetFirstIngressTunnel",
     .first = [](int32_t, RSVP_MOR_ReplyTunnel *row) { return RSVP_GetFirstIngressTunnel(row); },
@@ -229,7 +229,7 @@ uint32_t ReadResource(uint32_t (*read)(RSVP_MOR_ReplyResource *), const Resource
     return read(row);
 }
 
-constexpr Table<RSVP_MOR_ReplyResource, ResourceIndex> resources{
+constexpr Table<RSVP_MOR_ReplyResource, ResourceIndex> kResources{
     .held = false,
     .firstFunction = "RSVP_GetFirstResource",
     .first = [](int32_t, RSVP_MOR_ReplyResource *row) { return RSVP_GetFirstResource(row); },
@@ -246,32 +246,32 @@ constexpr Table<RSVP_MOR_ReplyResource, ResourceIndex> resources{
 
 void AddTableCommands(CommandLine &line, CLI::App &show)
 {
-    AddTable(line, show, "interfaces", "Settings and counters of interfaces", interfaces);
-    AddTable(line, show, "interface-config", "The configuration row of interfaces", interfaceConfig);
-    AddTable(line, show, "neighbours", "Neighbours", neighbours);
-    AddTable(line, show, "auth", "Authentication entries", authentication);
-    AddTable(line, show, "resources", "Tunnel resources", resources);
+    AddTable(line, show, "interfaces", "Settings and counters of interfaces", kInterfaces);
+    AddTable(line, show, "interface-config", "The configuration row of interfaces", kInterfaceConfig);
+    AddTable(line, show, "neighbours", "Neighbours", kNeighbours);
+    AddTable(line, show, "auth", "Authentication entries", kAuthentication);
+    AddTable(line, show, "resources", "Tunnel resources", kResources);
 
-    Command &command = AddTable(line, show, "tunnels", "Tunnels", tunnels);
+    Command &command = AddTable(line, show, "tunnels", "Tunnels", kTunnels);
     const CLI::Option *ingress = command.parser->add_flag("--ingress")
                                      ->description("Only tunnels that begin here; not with a key")
                                      ->excludes(command.parser->get_option("--key"));
     const CLI::Option *after = command.parser->get_option("--after");
     command.run = [all = command.run, ingress, after](Output &out) {
-        return ingress->count() == 0 ? all(out) : ShowTable(out, "show tunnels", ingressTunnels, TextValue(after));
+        return ingress->count() == 0 ? all(out) : ShowTable(out, "show tunnels", kIngressTunnels, TextValue(after));
     };
 
     CLI::App &frr = line.AddGroup(show, "frr", "Fast reroute tables",
                                   "  rsvpctl show frr facility\n  rsvpctl show frr general --key 1,1,1");
-    AddTable(line, frr, "facility", "The fast reroute facility table", facility);
-    AddTable(line, frr, "general", "The fast reroute general table", general);
+    AddTable(line, frr, "facility", "The fast reroute facility table", kFacility);
+    AddTable(line, frr, "general", "The fast reroute general table", kGeneral);
 
     CLI::App &hops = line.AddGroup(
         show, "hops", "Hops of tunnels",
         "  rsvpctl show hops computed\n  rsvpctl show hops actual --key 1,2\n  rsvpctl show hops extended");
-    AddTable(line, hops, "computed", "Computed hops", computedHops);
-    AddTable(line, hops, "actual", "Actual route hops", actualHops);
-    AddTable(line, hops, "extended", "Fast reroute state of actual route hops", extendedHops);
+    AddTable(line, hops, "computed", "Computed hops", kComputedHops);
+    AddTable(line, hops, "actual", "Actual route hops", kActualHops);
+    AddTable(line, hops, "extended", "Fast reroute state of actual route hops", kExtendedHops);
 }
 
 } // namespace rsvpctl

@@ -9,14 +9,14 @@
 namespace rsvpctl {
 namespace {
 
-constexpr auto firstShown = std::chrono::seconds(1);
-constexpr auto betweenShown = std::chrono::milliseconds(250);
+constexpr auto kFirstShown = std::chrono::seconds(1);
+constexpr auto kBetweenShown = std::chrono::milliseconds(250);
 
 } // namespace
 
 Progress::Progress()
     : onTerminal_(isatty(STDERR_FILENO) == 1), rowsOnTerminal_(isatty(STDOUT_FILENO) == 1), start_(Clock::now()),
-      next_(start_ + firstShown)
+      next_(start_ + kFirstShown)
 {
 }
 
@@ -51,7 +51,7 @@ void Progress::AfterRow(uint64_t rows)
         fmt::format("\r\x1b[K{}, {:.0f} rows/s", CountText(rows, "row"), static_cast<double>(rows) / seconds);
     (void)std::fputs(line.c_str(), stderr);
     shown_ = true;
-    next_ = now + betweenShown;
+    next_ = now + kBetweenShown;
 }
 
 } // namespace rsvpctl

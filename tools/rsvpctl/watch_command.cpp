@@ -16,7 +16,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 using SystemClock = std::chrono::system_clock;
 
-constexpr double defaultInterval = 2;
+constexpr double kDefaultInterval = 2;
 
 struct WatchOptions {
     const CLI::Option *interval;
@@ -92,7 +92,7 @@ public:
 private:
     Json Head(const char *event) const
     {
-        return {{"schemaVersion", schemaVersion},
+        return {{"schemaVersion", kSchemaVersion},
                 {"operation", operation_},
                 {"time", TimeForPrograms(SystemClock::now())},
                 {"event", event}};
@@ -138,7 +138,7 @@ double SecondsNow()
 Exit Watch(Output &out, const Command &command, const std::function<Exit(Output &)> &show,
            const WatchOptions &options)
 {
-    const double interval = options.interval->count() == 0 ? defaultInterval : options.interval->as<double>();
+    const double interval = options.interval->count() == 0 ? kDefaultInterval : options.interval->as<double>();
     const uint64_t last = options.count->count() == 0 ? 0 : NumberValue(options.count);
     const Waiter waiter;
     RowChanges changes(FindShow(command.name)->keyFields);
@@ -183,7 +183,7 @@ void AddWatchCommands(CommandLine &line)
                       "  rsvpctl watch show interfaces --interval 10       counters as rates\n"
                       "  rsvpctl watch show psb --initial --json           one object a line");
     const WatchOptions options{watch.add_option("--interval")
-                                   ->description(fmt::format("Seconds between polls (default {})", defaultInterval))
+                                   ->description(fmt::format("Seconds between polls (default {})", kDefaultInterval))
                                    ->type_name("SECONDS")
                                    ->check(CLI::Range(0.1, 86400.0)),
                                AddNumber(watch, "--count", UINT32_MAX, "Polls after which it ends; 0 for no end"),

@@ -12,16 +12,16 @@
 namespace rsvpctl {
 
 // Message classes, operations, and the items that say whom a command is for.
-constexpr uint8_t globalClass = 0;
-constexpr uint8_t interfaceClass = 1;
-constexpr uint8_t resetClass = 5;
-constexpr uint8_t setOperation = 0;
-constexpr uint8_t undoOperation = 1;
-constexpr uint8_t getRow = 3;
-constexpr uint8_t getFirst = 4;
-constexpr uint8_t getNext = 5;
-constexpr uint16_t interfaceItem = 1;
-constexpr uint16_t peerItem = 0;
+constexpr uint8_t kGlobalClass = 0;
+constexpr uint8_t kInterfaceClass = 1;
+constexpr uint8_t kResetClass = 5;
+constexpr uint8_t kSetOperation = 0;
+constexpr uint8_t kUndoOperation = 1;
+constexpr uint8_t kGetRow = 3;
+constexpr uint8_t kGetFirst = 4;
+constexpr uint8_t kGetNext = 5;
+constexpr uint16_t kInterfaceItem = 1;
+constexpr uint16_t kPeerItem = 0;
 
 struct WireItem {
     uint16_t type;
