@@ -73,20 +73,16 @@ enum ItemResult { ITEM_READ, ITEM_END, ITEM_MALFORMED };
 // item library reported. `item` is only written with ITEM_READ.
 ItemResult NextItem(Items &items, Item &item);
 
-// Hands each item of a body to `decode`, in order, up to the first status that is not RSVP_MOR_OK, and gives that
-// status; RSVP_MOR_ERR_FAIL where the body cannot be read on. What was decoded before is the caller's to release.
-template <typename Decode> uint32_t WalkItems(const uint8_t *body, uint16_t length, Decode decode)
+// The condition of a walk over all items of a body: whether there is one more and nothing has failed so far. A body
+// that cannot be read on makes `status` RSVP_MOR_ERR_FAIL.
+inline bool MoreItems(Items &items, Item &item, uint32_t &status)
 {
-    Items items = {body, length};
-    Item item;
-    uint32_t status = RSVP_MOR_OK;
-    while (status == RSVP_MOR_OK) {
-        const ItemResult result = NextItem(items, item);
-        if (result == ITEM_END)
-            return RSVP_MOR_OK;
-        status = result == ITEM_READ ? decode(item) : RSVP_MOR_ERR_FAIL;
-    }
-    return status;
+    if (status != RSVP_MOR_OK)
+        return false;
+    const ItemResult result = NextItem(items, item);
+    if (result == ITEM_MALFORMED)
+        status = RSVP_MOR_ERR_FAIL;
+    return result == ITEM_READ;
 }
 
 // The first item of a body, for replies that have one. Without a readable item the result is false and `item` is an

@@ -118,9 +118,12 @@ uint32_t DecodeItem(const Item &item, RSVP_MOR_ReplyCrlsp &record, FilledSlots &
 
 uint32_t rsvp_mor_DecodeReplyCrlsp(const uint8_t *body, uint16_t length, RSVP_MOR_ReplyCrlsp *record)
 {
+    Items items = {body, length};
+    Item item;
     FilledSlots filled = 0;
-    const uint32_t status =
-        WalkItems(body, length, [&](const Item &item) { return DecodeItem(item, *record, filled); });
+    uint32_t status = RSVP_MOR_OK;
+    while (MoreItems(items, item, status))
+        status = DecodeItem(item, *record, filled);
     if (status != RSVP_MOR_OK)
         RSVP_MOR_FreeReplyCrlsp(record);
     return status;

@@ -69,9 +69,12 @@ uint32_t DecodeItem(const Item &item, RSVP_MOR_ReplyPsb &record, FilledSlots &fi
 
 uint32_t rsvp_mor_DecodePsb(const uint8_t *body, uint16_t length, RSVP_MOR_ReplyPsb *record)
 {
+    Items items = {body, length};
+    Item item;
     FilledSlots filled = 0;
-    const uint32_t status =
-        WalkItems(body, length, [&](const Item &item) { return DecodeItem(item, *record, filled); });
+    uint32_t status = RSVP_MOR_OK;
+    while (MoreItems(items, item, status))
+        status = DecodeItem(item, *record, filled);
     if (status != RSVP_MOR_OK)
         RSVP_MOR_FreeReplyPsb(record);
     return status;

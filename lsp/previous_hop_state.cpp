@@ -66,9 +66,12 @@ uint32_t DecodeItem(const Item &item, RSVP_MOR_ReplyPhsb &record, RSVP_MOR_Reply
 
 uint32_t rsvp_mor_DecodePhsb(const uint8_t *body, uint16_t length, RSVP_MOR_ReplyPhsb *record)
 {
+    Items items = {body, length};
+    Item item;
     RSVP_MOR_ReplyFDInfo *current = nullptr;
-    const uint32_t status =
-        WalkItems(body, length, [&](const Item &item) { return DecodeItem(item, *record, current); });
+    uint32_t status = RSVP_MOR_OK;
+    while (MoreItems(items, item, status))
+        status = DecodeItem(item, *record, current);
     if (status != RSVP_MOR_OK)
         RSVP_MOR_FreeReplyPhsb(record);
     return status;

@@ -66,9 +66,12 @@ uint32_t DecodeItem(const Item &item, RSVP_MOR_ReplyRsb &record, RsbWalk &walk)
 
 uint32_t rsvp_mor_DecodeRsb(const uint8_t *body, uint16_t length, RSVP_MOR_ReplyRsb *record)
 {
+    Items items = {body, length};
+    Item item;
     RsbWalk walk = {};
-    const uint32_t status =
-        WalkItems(body, length, [&](const Item &item) { return DecodeItem(item, *record, walk); });
+    uint32_t status = RSVP_MOR_OK;
+    while (MoreItems(items, item, status))
+        status = DecodeItem(item, *record, walk);
     if (status != RSVP_MOR_OK)
         RSVP_MOR_FreeReplyRsb(record);
     return status;

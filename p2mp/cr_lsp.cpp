@@ -127,10 +127,12 @@ uint32_t RSVP_MOR_GetP2mpCrlsp(int32_t fd, uint32_t op, const RSVP_MOR_P2mpCrlsp
     if (status != RSVP_MOR_OK)
         return status;
 
+    Items items = {Body(reply), BodyLength(reply)};
+    Item item;
     RSVP_MOR_P2mpRro *last = nullptr; // the sub-LSP that takes the next route
     FilledSlots filled = 0;
-    status = WalkItems(Body(reply), BodyLength(reply),
-                       [&](const Item &item) { return DecodeItem(item, *record, last, filled); });
+    while (MoreItems(items, item, status))
+        status = DecodeItem(item, *record, last, filled);
     if (status != RSVP_MOR_OK)
         RSVP_MOR_FreeP2mpCrlspInfo(record);
     return status;

@@ -99,13 +99,14 @@ uint32_t RSVP_MOR_GetP2mpPsbInfo(int32_t fd, uint32_t itemType, uint32_t op, con
     if (status != RSVP_MOR_OK)
         return status;
 
+    Items items = {Body(reply), BodyLength(reply)};
+    Item item;
     FilledSlots filled = 0;
     bool listRefused = false;
-    status = WalkItems(Body(reply), BodyLength(reply), [&](const Item &item) {
-        const uint32_t decoded = DecodeItem(item, *record, filled);
-        listRefused = decoded != RSVP_MOR_OK && IsListItem(item.type);
-        return decoded;
-    });
+    while (MoreItems(items, item, status)) {
+        status = DecodeItem(item, *record, filled);
+        listRefused = status != RSVP_MOR_OK && IsListItem(item.type);
+    }
     if (listRefused)
         RSVP_MOR_FreeP2mpPsbInfo(record); // as in any release of this record, its pointers and counts stand
     else if (status != RSVP_MOR_OK)

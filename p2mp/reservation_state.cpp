@@ -42,9 +42,11 @@ uint32_t RSVP_MOR_GetP2mpRsbInfo(int32_t fd, uint32_t op, const RSVP_MOR_P2mpSta
     if (status != RSVP_MOR_OK)
         return status;
 
+    Items items = {Body(reply), BodyLength(reply)};
+    Item item;
     FilledSlots filled = 0;
-    status = WalkItems(Body(reply), BodyLength(reply),
-                       [&](const Item &item) { return DecodeItem(item, *record, filled); });
+    while (MoreItems(items, item, status))
+        status = DecodeItem(item, *record, filled);
     if (status != RSVP_MOR_OK && filled != 0) // a failed call leaves the caller nothing to release
         FreeHopList(record->hopList);
     return status;
