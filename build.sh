@@ -91,6 +91,7 @@ test_preset() {
   shift
   say "testing $preset"
   ctest --test-dir "build/$preset" --output-on-failure --parallel "$(nproc)" --no-tests=error "$@"
+  sed -n 's/^stripped size/== &/p' "build/$preset/Testing/Temporary/LastTest.log" # growth is seen at every run
 }
 
 build_and_test() {
