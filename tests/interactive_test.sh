@@ -134,6 +134,20 @@ looks paged on_terminal "$rsvpctl" show psb
 looks plain on_terminal "$rsvpctl" show psb --no-pager --color never
 looks plain "$rsvpctl" show psb
 
+unset PAGER
+use_device slow <<'SCENARIO'
+[rows]
+tunnel = 2
+[[fault]]
+kind = "late"
+number = 1050
+class = 3
+op = 5
+item = 101
+SCENARIO
+[[ $(on_terminal "$rsvpctl" show tunnels) == *"2 rows, "*" rows/s"* ]] || fail "a long walk shows no progress"
+[[ $("$rsvpctl" show tunnels 2>&1) != *"rows/s"* ]] || fail "progress where there is no terminal"
+
 echo "-- completion"
 offers() {
   local words=$1
@@ -152,5 +166,6 @@ offers "--tunnel-id" rsvpctl show psb --t
 offers "auto always never" rsvpctl show --color ""
 
 echo "-- the tree as a graph"
+export RSVP_HOST_DIR=$work/demo.device
 svg=$("$rsvpctl" tree --key 500,10.0.0.1,10.0.0.1,50,1,0,0,0,0,0,0 --dot | dot -Tsvg)
 expect "leaves in the graph" 8 "$(grep -c '>10\.0\.0\.1[1-8]</text>' <<<"$svg")"
