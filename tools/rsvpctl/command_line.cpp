@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <system_error>
 
 namespace rsvpctl {
 namespace {
@@ -210,6 +211,9 @@ int RunProgram(const std::vector<std::string> &words)
         return static_cast<int>(out.Finish(command->run(out)));
     } catch (const UsageError &error) {
         return static_cast<int>(out.Finish(out.WrongUsage(command->name, error)));
+    } catch (const std::system_error &error) { // a watch that cannot have a process or a pipe
+        out.Message(fmt::format("rsvpctl: {}: {}", command->name, error.what()));
+        return static_cast<int>(Exit::Exchange);
     }
 }
 
