@@ -18,11 +18,10 @@ fail() {
 start_daemon() {
   "$rsvpsimd" --scenario "$scenario" "$@" &
   daemon=$!
-  for _ in $(seq 100); do
-    [ -S "$RSVP_HOST_DIR/lipc-0ae18000" ] && return
+  until [ -S "$RSVP_HOST_DIR/lipc-0ae18000" ]; do
+    kill -0 $daemon || fail "the daemon ended before it was ready"
     sleep 0.1
   done
-  fail "the daemon is not ready after ten seconds"
 }
 
 stop_daemon() {
@@ -47,10 +46,7 @@ ask_cache() {
   mkfifo "$RSVP_HOST_DIR/questions" "$RSVP_HOST_DIR/answers"
   "$examples/row_cache" 1 <"$RSVP_HOST_DIR/questions" >"$RSVP_HOST_DIR/answers" &
   exec 3>"$RSVP_HOST_DIR/questions" 4<"$RSVP_HOST_DIR/answers"
-  for _ in $(seq 100); do
-    echo "next 0" >&3
-    read -r row <&4
-    [ "$row" = "no table yet" ] || break
+  while echo "next 0" >&3 && read -r row <&4 && [ "$row" = "no table yet" ]; do
     sleep 0.1
   done
   echo "$row"

@@ -30,13 +30,16 @@ use_device() {
   "$rsvpctl" enable >"$work/enabled"
 }
 
-# Waits until a file has a line with the text.
+# Waits until a file has a line with the text, for as long as the watch runs.
 await() {
-  for _ in $(seq 300); do
-    ! grep -qsF -- "$2" "$1" || return 0
+  until grep -qsF -- "$2" "$1"; do
+    kill -0 "$watcher" || fail "the watch ended before \"$2\" came: $(cat "$1")"
     sleep 0.1
   done
-  fail "\"$2\" does not come: $(cat "$1")"
+}
+
+expect() {
+  [ "$2" = "$3" ] || fail "$1: \"$3\", not \"$2\""
 }
 
 # A watch that ends as it should ends with status 0, however it is told to.
@@ -45,10 +48,6 @@ expect_end() {
   wait "$watcher" || status=$?
   watcher=
   expect "$1" 0 $status
-}
-
-expect() {
-  [ "$2" = "$3" ] || fail "$1: \"$3\", not \"$2\""
 }
 
 echo "-- rows that come, change and go"
@@ -102,11 +101,13 @@ kill -INT -- -$watcher
 expect_end "watch, interrupted while it waits"
 [ ! -s "$events" ] || fail "the wait went on to its end: $(cat "$events")"
 mkfifo "$work/pipe"
+: >"$RSVP_HOST_DIR/rsvpsimd.log"
 "$rsvpctl" watch show tunnels --json >"$work/pipe" &
 watcher=$!
 exec 3<"$work/pipe"
-sleep 0.1
+await "$RSVP_HOST_DIR/rsvpsimd.log" "< no answer"
 exec 3<&-
+# At the end of the wait the failure could not be written, and that would be the exit status.
 expect_end "watch, whose reader went away"
 
 echo "-- on a terminal"

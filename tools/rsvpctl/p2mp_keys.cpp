@@ -116,13 +116,13 @@ KeyFields KeyFromJson(std::string_view text, const std::string &file)
 
 void FillKey(const RecordDescription &description, const KeyFields &fields, void *record)
 {
-    std::string text;
     const std::vector<Leaf> leaves = Leaves(description);
     for (const auto &field : fields) {
         if (std::none_of(leaves.begin(), leaves.end(), [&](const Leaf &leaf) { return leaf.path == field.first; }))
             throw UsageError(
                 fmt::format("key: there is no field '{}'; the fields are {}", field.first, KeyShape(description)));
     }
+    std::string text;
     std::string missing;
     for (const Leaf &leaf : leaves) {
         const auto given = fields.find(leaf.path);
