@@ -84,7 +84,10 @@ await "$events" '"event":"failed"'
 await "$events" '"event":"recovered"'
 kill -TERM $watcher
 expect_end "watch, terminated"
-expect "a failure is told once" 2 "$(wc -l <"$events")"
+expect "the last event" 1 "$(tail -n 1 "$events" | grep -c '"event":"recovered"')"
+"$rsvpctl" disable
+"$rsvpctl" watch show interface-config --json --interval 0.1 --count 5 >"$events" || expect "watch, with no daemon" 3 $?
+expect "failures told of in five polls" 1 "$(grep -c '"event":"failed"' "$events")"
 
 echo "-- Ctrl-C and a closed pipe in the middle of a wait"
 use_device silent <<'SCENARIO'
