@@ -2,7 +2,8 @@
 // the two are held against each other over a real socket: random values that the daemon encodes by its field tables
 // must come out of the library under the same names, and the keys that the library sends must find the rows meant.
 #include "commands.h"
-#include "record_fields.h"
+#include "manager/record/describe.h"
+#include "manager/record/json.h"
 #include "row_kinds.h"
 #include "support/program.h"
 
@@ -13,6 +14,7 @@
 #include <gtest/gtest.h>
 #include <list>
 #include <map>
+#include <nlohmann/json.hpp>
 #include <random>
 #include <set>
 
@@ -40,21 +42,21 @@ struct PreviousHopKey {
 };
 } // namespace trip
 
-namespace rsvpctl {
+namespace manager {
 DESCRIBE(trip::Index, NUMBER(index))
 DESCRIBE(trip::HopIndex, NUMBER(list), NUMBER(index))
 DESCRIBE(trip::PathKey, RECORD(session), RECORD(sender))
 DESCRIBE(trip::ReservationKey, RECORD(session), RECORD(hop), RECORD(filter))
 DESCRIBE(trip::PreviousHopKey, RECORD(session), RECORD(hop))
-} // namespace rsvpctl
+} // namespace manager
 
 namespace {
 
 using namespace trip;
 using nlohmann::json;
-using rsvpctl::Describe;
-using rsvpctl::FieldKind;
-using rsvpctl::RecordDescription;
+using manager::Describe;
+using manager::FieldKind;
+using manager::RecordDescription;
 using rsvpsimd::Layout;
 using rsvpsimd::ListKind;
 using rsvpsimd::Order;
@@ -63,9 +65,9 @@ using rsvpsimd::Shape;
 // ---- The side of the records ----
 
 // Fields that the tool does not show, but which travel, and some of them are parts of keys.
-std::vector<rsvpctl::Field> Unshown(const RecordDescription &description)
+std::vector<manager::Field> Unshown(const RecordDescription &description)
 {
-    using rsvpctl::Elements, rsvpctl::Whole;
+    using manager::Elements, manager::Whole;
     const std::string_view name = description.name;
 #define UNSHOWN(Type, ...)                                                                                           \
     if (name == #Type) {                                                                                             \
@@ -79,7 +81,7 @@ std::vector<rsvpctl::Field> Unshown(const RecordDescription &description)
     UNSHOWN(RSVP_MOR_P2mpSession, NUMBER(reserved))
     UNSHOWN(RSVP_MOR_P2mpSender, BYTES(reserved), NUMBER(subGroupReserved))
     UNSHOWN(RSVP_MOR_LabelRequest, BYTES(reserved0), NUMBER(reserved),
-            rsvpctl::UnlessTag(Whole<uint8_t[8]>("rangeBytes", FieldKind::Bytes, offsetof(Row, minVpi)),
+            manager::UnlessTag(Whole<uint8_t[8]>("rangeBytes", FieldKind::Bytes, offsetof(Row, minVpi)),
                                offsetof(Row, kind), RSVP_MOR_LABEL_REQUEST_ATM))
 #undef UNSHOWN
     return {};
@@ -90,7 +92,7 @@ const RecordDescription &Whole(const RecordDescription &shown)
 {
     struct Made {
         const RecordDescription *shown;
-        std::vector<rsvpctl::Field> fields;
+        std::vector<manager::Field> fields;
         RecordDescription description;
     };
     static std::list<Made> all;
@@ -98,9 +100,9 @@ const RecordDescription &Whole(const RecordDescription &shown)
         if (made.shown == &shown)
             return made.description;
     Made made{&shown, {shown.fields.begin(), shown.fields.end()}, shown};
-    for (const rsvpctl::Field &field : Unshown(shown))
+    for (const manager::Field &field : Unshown(shown))
         made.fields.push_back(field);
-    for (rsvpctl::Field &field : made.fields) {
+    for (manager::Field &field : made.fields) {
         if (field.record != nullptr)
             field.record = &Whole(*field.record);
         if (field.kind == FieldKind::Address)
@@ -115,7 +117,7 @@ const RecordDescription &Whole(const RecordDescription &shown)
 
 json RecordToJson(const RecordDescription &description, const void *record)
 {
-    json all = json(rsvpctl::ToJson(Whole(description), record));
+    json all = json(manager::ToJson(Whole(description), record));
     if (all.contains("labelRequest") && all["labelRequest"]["kind"] == RSVP_MOR_LABEL_REQUEST_FRAME_RELAY)
         all["labelRequest"].erase("rangeBytes"); // the bytes of the two numbers
     return all;
@@ -457,7 +459,7 @@ protected:
                   [&](const json &a, const json &b) { return KeyOf(*wire_, a) < KeyOf(*wire_, b); });
         std::erase_if(rows_, [&](const json &row) { return kind.ingress && row["tunnelRole"] != 1; });
         ASSERT_FALSE(rows_.empty());
-        leaves_ = rsvpctl::Leaves(Whole(*kind.key));
+        leaves_ = manager::Leaves(Whole(*kind.key));
         std::sort(leaves_.begin(), leaves_.end(), [](const auto &a, const auto &b) { return a.offset < b.offset; });
         ASSERT_EQ(leaves_.size(), KeyPlaces(*wire_).size());
         directory_.Write("scenario.toml", scenario);
@@ -471,7 +473,7 @@ protected:
     {
         key_.assign(GetParam().key->size, 0);
         for (size_t i = 0; i < values.size(); i++) {
-            const rsvpctl::Leaf &leaf = leaves_[i];
+            const manager::Leaf &leaf = leaves_[i];
             uint8_t *at = reinterpret_cast<uint8_t *>(key_.data()) + leaf.offset;
             const uint32_t width = leaf.field->width;
             if (leaf.field->kind == FieldKind::Bytes) {
@@ -513,7 +515,7 @@ protected:
     int32_t fd_ = -1;
     const rsvpsimd::RowKind *wire_ = nullptr;
     std::vector<json> rows_;
-    std::vector<rsvpctl::Leaf> leaves_;
+    std::vector<manager::Leaf> leaves_;
     std::vector<uint64_t> record_;
     std::vector<uint8_t> key_;
 };

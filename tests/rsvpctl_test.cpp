@@ -1,12 +1,13 @@
 // rsvpctl as its users meet it: a program with a command line, two streams and an exit status, in front of a real
 // daemon that is well, that misbehaves, or that is not there.
-#include "batch.h"
-#include "command_line.h"
 #include "frame.h"
 #include "instance.h"
-#include "row_changes.h"
-#include "settings.h"
 #include "support/program.h"
+#include "tools/rsvpctl/command/batch.h"
+#include "tools/rsvpctl/command/command_line.h"
+#include "tools/rsvpctl/commands.h"
+#include "tools/rsvpctl/set/settings.h"
+#include "tools/rsvpctl/watch/row_changes.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -14,6 +15,7 @@
 #include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 #include <poll.h>
 #include <set>
 #include <sstream>
@@ -127,7 +129,7 @@ TEST(Rsvpctl, SaysWhatItDidAndWhyNot)
         {"debug undo 16 --endpoint 10.0.0.4 --tunnel-id 65536 --extended-tunnel-id 10.0.0.1", 2, "", "65535"},
         {"show tunnels", 0, "tunnelWord0", "3 rows, end of table"},
         {"show tunnels 1,2", 2, "", "tunnelIndex,tunnelInstance,ingressLsrId,egressLsrId"},
-        {"show tunnels --key tunnelIndex=1,size=2,ingressLsrId=3,egressLsrId=4", 2, "", "size=2"},
+        {"show tunnels --key tunnelIndex=1,size=2,ingressLsrId=3,egressLsrId=4", 2, "", "'size'"},
         {"show tunnels --after 4294967295,0,0.0.0.0,0", 0, "", "0 rows, end of table"},
         {"show tunnels --json --detail", 2, "\"exitStatus\":2", "--json"},
         {"show counters", 0, "upLsps", ""},
@@ -160,19 +162,13 @@ std::set<std::string> EveryLine()
     rsvpctl::CommandLine line;
     AddCommands(line);
     std::set<std::string> lines;
-    const std::function<void(const CLI::App &)> visit = [&](const CLI::App &app) {
-        const auto subcommands = app.get_subcommands([](const CLI::App *) { return true; });
-        for (const CLI::App *subcommand : subcommands)
-            visit(*subcommand);
-        if (!subcommands.empty())
-            return;
-        lines.insert(rsvpctl::PathOf(app));
-        std::istringstream footer(app.get_footer());
-        for (std::string text; std::getline(footer, text);)
+    for (const rsvpctl::Command *command : line.CommandsBelow("")) {
+        lines.insert(command->name);
+        std::istringstream examples(command->examples);
+        for (std::string text; std::getline(examples, text);)
             if (text.starts_with("  rsvpctl "))
                 lines.insert(text.substr(10, text.find("  ", 10) - 10));
-    };
-    visit(line.Root());
+    }
     // What has no end, what changes the service under the other lines, and what is made for other programs.
     std::erase_if(lines, [](const std::string &text) {
         return text.starts_with("watch") || text.starts_with("completion") || text == "schema" ||
@@ -461,6 +457,46 @@ TEST(Rsvpctl, NumbersThatDoNotFitAreRefusedBeforeAnythingIsSent)
         EXPECT_TRUE(row["exitStatus"] == 3 || row["exitStatus"] == 5) << row;
 }
 
+TEST(Rsvpctl, AKeyThatIsNotOneIsRefusedByTheNameOfItsField)
+{
+    const HostDirectory directory("[rows]\np2mpCrlsp = 1\n");
+    ASSERT_EQ(Ctl(directory, "enable").exit, 0);
+    // A whole key, in which one field is another one each time.
+    const auto file = [](const std::string &first) {
+        std::string text = "{" + first;
+        for (const char *name : {"keyWord1", "keyWord2", "keyShort0", "keyShort1", "keyShort2", "keyShort3",
+                                 "keyWord3", "keyWord4", "keyWord5", "keyWord6"})
+            text += fmt::format(", \"{}\": 0", name);
+        return text + "}";
+    };
+    const struct {
+        std::string text;
+        int exit;
+        const char *err;
+    } cases[] = {
+        {file("\"keyWord0\": 1"), 0, ""},
+        {file("\"keyWord0\": \"0.0.0.1\""), 0, ""},
+        {file("\"keyWord0\": \"500,1\""), 2, "keyWord0 takes an IPv4 address or 0 to 4294967295, not '500,1'"},
+        {file("\"keyWord0\": -1"), 2, "keyWord0 takes"},
+        {file("\"keyWord0\": 1.5"), 2, "keyWord0 takes a whole number or a text"},
+        {file("\"keyWord0\": 1e400"), 2, "has a number that no field holds"},
+        {file("\"keyWord0\": 1, \"keyWord0\": 2"), 2, "keyWord0 is given twice"},
+        {file("\"key\": {\"a\": 1}"), 2, "there is no field 'key.a'; the key is keyWord0,"},
+        {file("\"keyShort0\": 1"), 2, "keyShort0 is given twice"},
+        {"{\"keyWord0\": 1}", 2, "no value for keyWord1, keyWord2,"},
+        {"[1]", 2, "is not a JSON object"},
+        {"{\"keyWord0\"", 2, "is not JSON, at byte"},
+    };
+    for (const auto &row : cases) {
+        directory.Write("key.json", row.text);
+        const Result result = Ctl(directory, "show p2mp crlsp --key-file " + directory.PathOf("key.json"));
+        EXPECT_EQ(result.exit, row.exit) << row.text << "\n" << result.err;
+        EXPECT_NE(result.err.find(row.err), std::string::npos) << row.text << "\n" << result.err;
+    }
+    EXPECT_EQ(Ctl(directory, "tree --key 1 0.0.0.0 0 0 0 0 0 0 0 0 0").exit, 0);
+    EXPECT_NE(Ctl(directory, "tree --key 1,0").err.find("takes 11 values (keyWord0,"), std::string::npos);
+}
+
 TEST(Rsvpctl, EnablesAndDisablesTheNodesOfOneDeviceAlone)
 {
     const HostDirectory device;
@@ -492,7 +528,7 @@ TEST(Rsvpctl, AWatchedCounterIsARateUntilItIsCleared)
 {
     using nlohmann::ordered_json;
     using Rate = std::optional<double>;
-    constexpr std::string_view keys[] = {"row"};
+    constexpr manager::KeyPart keys[] = {{"row", 0, 4}};
     const struct {
         const char *field;
         ordered_json before;

@@ -1,0 +1,37 @@
+// Keys of rows as people and programs write them: values in order, names with values, or a JSON object. Whatever is
+// wrong with one is said with the shape of the key, since nobody knows the fields of seventeen keys by heart.
+#ifndef MANAGER_RECORD_KEY_H
+#define MANAGER_RECORD_KEY_H
+
+#include "manager/record/record.h"
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace manager {
+
+/** Text that is not a key of the record; says what is wrong with it. */
+struct KeyError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/**
+ * Reads a key into a record: its fields in order, with commas between them ("5,1,10.0.0.1,10.0.0.9"), or as
+ * name=value in any order. A 32-bit number may be written as an IPv4 address and an address as a number; bytes are
+ * hex text. Throws KeyError, and then the record may be half filled.
+ */
+void ReadKey(const RecordDescription &description, std::string_view text, void *record);
+
+/** Reads a key from a JSON object of field names with numbers or texts, as ToJson writes one. Throws KeyError. */
+void ReadJsonKey(const RecordDescription &description, std::string_view json, void *record);
+
+/** The key as ReadKey takes it. */
+std::string KeyText(const RecordDescription &description, const void *record);
+
+/** "tunnelIndex,tunnelInstance" for help texts and refusals, from the names of the fields. */
+std::string KeyShape(const RecordDescription &description);
+
+} // namespace manager
+
+#endif

@@ -1,0 +1,88 @@
+// The records of LSP state and the objects that they share, field by field in the order of the header.
+#include "manager/record/describe.h"
+
+namespace manager {
+
+// What a hop of another kind holds was not converted by the library, so it is shown as the bytes that it is.
+DESCRIBE(RSVP_MOR_HopEntry, NUMBER(kind), IfTag(ADDRESS(address), offsetof(Row, kind), RSVP_MOR_HOP_IPV4),
+         UnlessTag(BYTES(address), offsetof(Row, kind), RSVP_MOR_HOP_IPV4),
+         IfTag(NUMBER(label), offsetof(Row, kind), RSVP_MOR_HOP_LABEL),
+         UnlessTag(BYTES(label), offsetof(Row, kind), RSVP_MOR_HOP_LABEL))
+
+DESCRIBE(RSVP_MOR_RouteEntry, NUMBER(value))
+
+DESCRIBE(RSVP_MOR_Session, ADDRESS(tunnelEndpoint), NUMBER(tunnelId), ADDRESS(extendedTunnelId))
+
+DESCRIBE(RSVP_MOR_Hop, ADDRESS(hopAddress), NUMBER(logicalIfHandle))
+
+DESCRIBE(RSVP_MOR_Sender, ADDRESS(senderAddress), NUMBER(lspId))
+
+DESCRIBE(RSVP_MOR_IfRef, BYTES(ifRefHead), NUMBER(ifRefNumber), BYTES(ifRefTail))
+
+DESCRIBE(RSVP_MOR_SenderTspec, BYTES(versionHeader), NUMBER(overallLength), BYTES(serviceHeader),
+         NUMBER(serviceLength), BYTES(tspecParamHeader), NUMBER(tspecParamLength), RATE(tokenRate), RATE(bucketSize),
+         RATE(peakRate), NUMBER(minPolicedUnit), NUMBER(maxPacketSize))
+
+DESCRIBE(RSVP_MOR_FlowSpec, BYTES(versionHeader), NUMBER(overallLength), BYTES(serviceHeader), NUMBER(serviceLength),
+         BYTES(tspecParamHeader), NUMBER(tspecParamLength), RATE(tokenRate), RATE(bucketSize), RATE(peakRate),
+         NUMBER(minPolicedUnit), NUMBER(maxPacketSize), BYTES(rspecParamHeader), NUMBER(rspecParamLength),
+         RATE(rspecRate), NUMBER(slackTerm))
+
+DESCRIBE(RSVP_MOR_AdspecParam, BYTES(paramHeader), NUMBER(paramLength), NUMBER(paramValue))
+
+DESCRIBE(RSVP_MOR_Adspec, BYTES(msgHeader), NUMBER(msgLength), BYTES(generalHeader), NUMBER(generalLength),
+         RECORD(hopCount), RECORD(pathBandwidth), RECORD(minPathLatency), RECORD(composedMtu), NUMBER(guaranteedLead),
+         BYTES(guaranteedLeadTail), BYTES(guaranteedHeader), NUMBER(guaranteedLength), RECORD(guaranteedParams),
+         NUMBER(guaranteedWord), RECORD(guaranteedOverrides), NUMBER(loadLead), BYTES(loadLeadTail),
+         BYTES(loadHeader), NUMBER(loadLength), NUMBER(loadWord), RECORD(loadOverrides))
+
+DESCRIBE(RSVP_MOR_LabelRequest, NUMBER(kind), NUMBER(l3pid),
+         IfTag(NUMBER(minVpi), offsetof(Row, kind), RSVP_MOR_LABEL_REQUEST_ATM),
+         IfTag(NUMBER(minVci), offsetof(Row, kind), RSVP_MOR_LABEL_REQUEST_ATM),
+         IfTag(NUMBER(maxVpi), offsetof(Row, kind), RSVP_MOR_LABEL_REQUEST_ATM),
+         IfTag(NUMBER(maxVci), offsetof(Row, kind), RSVP_MOR_LABEL_REQUEST_ATM),
+         IfTag(NUMBER(minDlci), offsetof(Row, kind), RSVP_MOR_LABEL_REQUEST_FRAME_RELAY),
+         IfTag(NUMBER(maxDlci), offsetof(Row, kind), RSVP_MOR_LABEL_REQUEST_FRAME_RELAY))
+
+DESCRIBE(RSVP_MOR_SessionAttrAffinity, NUMBER(excludeAny), NUMBER(includeAny), NUMBER(includeAll),
+         NUMBER(setupPriority), NUMBER(holdingPriority), NUMBER(flags))
+
+DESCRIBE(RSVP_MOR_SessionAttrShort, NUMBER(setupPriority), NUMBER(holdingPriority), NUMBER(flags))
+
+DESCRIBE(RSVP_MOR_SessionAttr, NUMBER(kind),
+         IfTag(RECORD(affinityForm), offsetof(Row, kind), RSVP_MOR_SESSION_ATTR_AFFINITY),
+         UnlessTag(RECORD(shortForm), offsetof(Row, kind), RSVP_MOR_SESSION_ATTR_AFFINITY))
+
+DESCRIBE(RSVP_MOR_ReplyFSInfo, RECORD(filter), LIST(rro), NUMBER(label))
+
+DESCRIBE(RSVP_MOR_PsbSlot, RECORD(slotSender), NUMBER(slotWords), NUMBER(slotByte))
+
+DESCRIBE(RSVP_MOR_ReplyPsb, RECORD(session), RECORD(hop), RECORD(ifRef), RECORD(sender), RECORD(tspec),
+         RECORD(adspec), RECORD(labelRequest), BYTES(leadBytes), RECORD(sessionAttr), NUMBER(wordsA), NUMBER(wordsB),
+         LIST(routeList3), LIST(routeList4), LIST(routeList6), LIST(hopList), RECORD(secondSender), LIST(routeList5),
+         NUMBER(wordsC), NUMBER(halfC), RECORD(slots), NUMBER(wordsD), NUMBER(halvesD), BYTES(flagBytes))
+
+DESCRIBE(RSVP_MOR_ReplyRsb, RECORD(session), RECORD(hop), RECORD(filter), RECORD(ifRef), RECORD(flowSpec),
+         NUMBER(style), CHAIN(fsList), NUMBER(wordsA), NUMBER(wordsB), NUMBER(halfB), BYTES(flagBytes))
+
+DESCRIBE(RSVP_MOR_ReplyFDInfo, RECORD(flowSpec), CHAIN(fsList))
+
+DESCRIBE(RSVP_MOR_ReplyPhsb, RECORD(session), RECORD(hop), RECORD(ifRef), NUMBER(style), CHAIN(fdList),
+         NUMBER(wordsA), NUMBER(wordsB), NUMBER(halvesB))
+
+DESCRIBE(RSVP_MOR_CrlspKey, NUMBER(keyWord0), NUMBER(keyWord1), NUMBER(keyWord2), NUMBER(keyShort0),
+         NUMBER(keyShort1), BYTES(keyTail))
+
+DESCRIBE(RSVP_MOR_CrlspPath, NUMBER(pathWord0), NUMBER(pathWord1), NUMBER(pathWord2), NUMBER(pathWord3),
+         NUMBER(pathWord4), NUMBER(pathShort), BYTES(pathTail))
+
+DESCRIBE(RSVP_MOR_CrlspTraffic, NUMBER(trafficWord0), NUMBER(trafficWord1), FLOAT(trafficRate0), NUMBER(trafficWord2),
+         FLOAT(trafficRate1), NUMBER(trafficWord3), NUMBER(trafficWord4))
+
+DESCRIBE(RSVP_MOR_ReplyCrlsp, RECORD(key), RECORD(path), RECORD(traffic), LIST(hopList), NUMBER(tailWord0),
+         NUMBER(tailWord1), NUMBER(tailShort), NUMBER(tailWord2), NUMBER(tailWord3), NUMBER(tailWord4),
+         NUMBER(tailWord5), NUMBER(tailWord6), NUMBER(tailWord7), NUMBER(tailWord8), NUMBER(tailWord9),
+         NUMBER(tailWord10), NUMBER(tailByte0), NUMBER(tailByte1), NUMBER(tailByte2), NUMBER(tailByte3),
+         NUMBER(tailByte4), TEXT(name))
+
+} // namespace manager

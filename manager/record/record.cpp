@@ -1,0 +1,59 @@
+// What can be told of a description without a record of its kind. The descriptions themselves stand in
+// status_records.cpp, lsp_records.cpp and p2mp_records.cpp.
+#include "manager/record/record.h"
+
+namespace manager {
+namespace {
+
+void AddLeaves(const RecordDescription &description, const std::string &prefix, uint32_t base, std::vector<Leaf> &out)
+{
+    for (const Field &field : description.fields) {
+        if (field.count != 0 || field.condition.test != Condition::Test::Always)
+            continue;
+        if (field.kind == FieldKind::Record)
+            AddLeaves(*field.record, prefix + field.name + ".", base + field.offset, out);
+        else if (field.kind != FieldKind::List && field.kind != FieldKind::Chain)
+            out.push_back({prefix + field.name, &field, base + field.offset});
+    }
+}
+
+} // namespace
+
+std::span<const RecordDescription *const> AllRecords()
+{
+#define MANAGER_DESCRIPTION(Type) &Describe<Type>(),
+    static const RecordDescription *const all[] = {MANAGER_RECORDS(MANAGER_DESCRIPTION)};
+#undef MANAGER_DESCRIPTION
+    return all;
+}
+
+bool IsPresent(const Field &field, const void *record)
+{
+    if (field.condition.test == Condition::Test::Always)
+        return true;
+    const bool equal = Load<uint8_t>(At(record, field.condition.tagOffset)) == field.condition.tag;
+    return equal == (field.condition.test == Condition::Test::Equal);
+}
+
+std::vector<Leaf> Leaves(const RecordDescription &description)
+{
+    std::vector<Leaf> out;
+    AddLeaves(description, "", 0, out);
+    return out;
+}
+
+uint64_t LoadNumber(const Field &field, const void *element)
+{
+    switch (field.width) {
+    case 1:
+        return Load<uint8_t>(element);
+    case 2:
+        return Load<uint16_t>(element);
+    case 4:
+        return Load<uint32_t>(element);
+    default:
+        return Load<uint64_t>(element);
+    }
+}
+
+} // namespace manager

@@ -1,0 +1,109 @@
+// Writing and reading of single values.
+#include "manager/record/text.h"
+
+#include "manager/record/record.h"
+
+#include <arpa/inet.h>
+#include <array>
+#include <bit>
+#include <charconv>
+#include <fmt/compile.h>
+
+namespace manager {
+
+std::string DottedText(uint32_t address)
+{
+    return fmt::format(FMT_COMPILE("{}.{}.{}.{}"), address >> 24, address >> 16 & 255, address >> 8 & 255,
+                       address & 255);
+}
+
+std::optional<uint32_t> ParseAddress(std::string_view text)
+{
+    in_addr address{};
+    if (inet_pton(AF_INET, std::string(text).c_str(), &address) != 1)
+        return std::nullopt;
+    return ntohl(address.s_addr);
+}
+
+std::optional<uint64_t> ParseNumber(std::string_view text)
+{
+    const bool hex = text.starts_with("0x") || text.starts_with("0X");
+    if (hex)
+        text.remove_prefix(2);
+    uint64_t number = 0;
+    const char *end = text.data() + text.size();
+    const auto parsed = std::from_chars(text.data(), end, number, hex ? 16 : 10);
+    if (parsed.ec != std::errc{} || parsed.ptr != end)
+        return std::nullopt;
+    return number;
+}
+
+float NetFloat(const void *at)
+{
+    const auto bytes = Load<std::array<uint8_t, 4>>(at);
+    return std::bit_cast<float>(uint32_t{bytes[0]} << 24 | uint32_t{bytes[1]} << 16 | uint32_t{bytes[2]} << 8 |
+                                bytes[3]);
+}
+
+std::string HexText(std::span<const std::byte> bytes)
+{
+    static constexpr char kDigits[] = "0123456789abcdef";
+    std::string text;
+    text.reserve(bytes.size() * 2);
+    for (const std::byte byte : bytes) {
+        text += kDigits[std::to_integer<uint8_t>(byte >> 4)];
+        text += kDigits[std::to_integer<uint8_t>(byte & std::byte{15})];
+    }
+    return text;
+}
+
+std::string PrintableText(const char *text)
+{
+    std::string out;
+    for (; *text != '\0'; ++text) {
+        const auto byte = static_cast<uint8_t>(*text);
+        if (byte >= 0x20 && byte < 0x7f)
+            out += *text;
+        else
+            out += fmt::format("\\x{:02x}", byte);
+    }
+    return out;
+}
+
+std::string CountText(uint64_t count, std::string_view noun)
+{
+    return fmt::format("{} {}{}", count, noun, count == 1 ? "" : "s");
+}
+
+std::vector<std::string_view> Split(std::string_view text, char separator)
+{
+    std::vector<std::string_view> parts;
+    for (size_t begin = 0;;) {
+        const size_t end = text.find(separator, begin);
+        parts.push_back(text.substr(begin, end - begin));
+        if (end == std::string_view::npos)
+            return parts;
+        begin = end + 1;
+    }
+}
+
+std::string Joined(std::span<const std::string> texts, std::string_view separator)
+{
+    return fmt::format("{}", fmt::join(texts, separator));
+}
+
+std::string Quoted(std::string_view text, const Quotes &quotes)
+{
+    std::string out(1, quotes.mark);
+    for (const char c : text) {
+        const bool special = quotes.special.find(c) != std::string_view::npos;
+        if (special)
+            out += quotes.before;
+        out += c;
+        if (special)
+            out += quotes.behind;
+    }
+    return out + quotes.mark;
+}
+
+} // namespace manager

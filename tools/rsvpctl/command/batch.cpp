@@ -1,0 +1,168 @@
+// `batch`: many commands in one process, one a line. All lines go through the parsers of the one command tree; each
+// line is parsed and run before the next one is looked at, so that a batch from a pipe works line by line.
+#include "tools/rsvpctl/command/batch.h"
+
+#include "tools/rsvpctl/command/command_line.h"
+#include "tools/rsvpctl/command/commands.h"
+#include "tools/rsvpctl/print/usage_error.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fmt/format.h>
+#include <fstream>
+#include <iostream>
+#include <nlohmann/json.hpp>
+#include <optional>
+
+namespace rsvpctl {
+namespace {
+
+struct BatchOptions {
+    bool keepGoing = false;
+    bool dryRun = false;
+    bool fromInput = false; // the batch itself is standard input
+};
+
+// What a line reads has no bytes to show: most of its requests depend on the answers.
+Exit Rehearse(Output &out, const Command &command)
+{
+    manager::Json requests = manager::Json::array();
+    std::string text;
+    if (command.requests) {
+        for (const WireRequest &request : command.requests()) {
+            requests.push_back(ToJson(request));
+            text += command.name + ": " + ToText(request) + "\n";
+        }
+    }
+    return out.Plan(command.name, requests, text.empty() ? command.name + ": sends no command\n" : text);
+}
+
+// A key and the batch itself cannot both come from standard input.
+void RefuseKeyFromInput(const std::vector<std::string> &words)
+{
+    if (std::find(words.begin(), words.end(), "-") != words.end() ||
+        std::find(words.begin(), words.end(), "--key-file=-") != words.end())
+        throw UsageError("--key-file: standard input is the batch itself; name a file");
+}
+
+Exit RunWords(Output &out, CommandLine &line, const std::vector<std::string> &words, const BatchOptions &options)
+{
+    if (options.fromInput)
+        RefuseKeyFromInput(words);
+    const Command &command = line.ParseLine(words);
+    return options.dryRun ? Rehearse(out, command) : command.run(out);
+}
+
+// The exit status of a line, or nothing for an empty one.
+std::optional<Exit> RunLine(Output &out, CommandLine &line, const std::string &text, const BatchOptions &options)
+{
+    try {
+        const std::vector<std::string> words = SplitWords(text);
+        return words.empty() ? std::nullopt : std::optional(RunWords(out, line, words, options));
+    } catch (const UsageError &error) {
+        return out.WrongUsage(error.command.empty() ? "batch" : error.command, error);
+    }
+}
+
+// The status that stands for an exit status in the document of the whole batch.
+uint32_t StatusOf(Exit exit)
+{
+    switch (exit) {
+    case Exit::Done:
+        return RSVP_MOR_OK;
+    case Exit::NoSession:
+        return RSVP_MOR_ERR_LIPC;
+    case Exit::NotEnabled:
+        return RSVP_MOR_ERR_NOT_ENABLED;
+    default:
+        return RSVP_MOR_ERR_FAIL;
+    }
+}
+
+/** Runs the lines of `input`; `name` stands in messages. The result is the highest exit status of the lines. */
+Exit RunBatch(Output &out, CommandLine &line, std::istream &input, const std::string &name,
+              const BatchOptions &options)
+{
+    Exit worst = Exit::Done;
+    bool complete = true;
+    std::string text;
+    out.BeginBatch(name);
+    // A dry run looks at every line, since it is there to find what is wrong with any of them.
+    for (uint64_t number = 1; complete && std::getline(input, text); ++number) {
+        out.BatchLine(number);
+        const Exit exit = RunLine(out, line, text, options).value_or(Exit::Done);
+        worst = std::max(worst, exit);
+        complete = exit == Exit::Done || options.keepGoing || options.dryRun;
+    }
+    if (input.bad()) {
+        worst = std::max(worst,
+                         out.WrongUsage("batch", UsageError(std::string("cannot be read: ") + std::strerror(errno))));
+        complete = false;
+    }
+    return out.EndBatch(complete, StatusOf(worst), worst);
+}
+
+} // namespace
+
+std::vector<std::string> SplitWords(std::string_view line)
+{
+    std::vector<std::string> words;
+    std::string word;
+    char quote = '\0';
+    bool inWord = false;
+    for (const char c : line) {
+        if (quote != '\0') {
+            if (c == quote)
+                quote = '\0';
+            else
+                word += c;
+        } else if (c == '\'' || c == '"') {
+            quote = c;
+            inWord = true;
+        } else if (c == ' ' || c == '\t' || c == '\r') {
+            if (inWord)
+                words.push_back(std::move(word));
+            word.clear();
+            inWord = false;
+        } else if (c == '#' && !inWord) {
+            break;
+        } else {
+            word += c;
+            inWord = true;
+        }
+    }
+    if (quote != '\0')
+        throw UsageError(fmt::format("a quote {} is open at the end of the line", quote));
+    if (inWord)
+        words.push_back(std::move(word));
+    return words;
+}
+
+void AddBatchCommand(CommandLine &line)
+{
+    Command &command =
+        line.Add(line.Root(), "batch",
+                 "Run the commands of a file, one a line; # begins a comment, quotes keep words together",
+                 "  rsvpctl batch settings.txt\n"
+                 "  rsvpctl batch --dry-run settings.txt          what would be sent\n"
+                 "  printf 'set interface 3\\n' | rsvpctl batch - --keep-going\n\n"
+                 "Stops at the first line that fails. The exit status is the highest of the lines'.");
+    command.inBatch = false;
+    const Option file = command.node.AddFile("file,--file", "The file, or - for standard input").Required();
+    const Option keepGoing = command.node.AddFlag("--keep-going", "Go on after a failure");
+    const Option dryRun = command.node.AddFlag(
+        "--dry-run", "Parse every line and print the class, operation and items of what it would send; send nothing");
+    command.run = [&line, file, keepGoing, dryRun](Output &out) {
+        const std::string name = file.Text();
+        const BatchOptions options{keepGoing.IsGiven(), dryRun.IsGiven(), name == "-"};
+        if (options.fromInput)
+            return RunBatch(out, line, std::cin, "standard input", options);
+        std::ifstream input(name);
+        if (!input)
+            throw UsageError(fmt::format("batch: {}: {}", name, std::strerror(errno)));
+        return RunBatch(out, line, input, name, options);
+    };
+}
+
+} // namespace rsvpctl

@@ -1,0 +1,17 @@
+// How a line of a batch becomes words.
+#ifndef TOOLS_RSVPCTL_COMMAND_BATCH_H
+#define TOOLS_RSVPCTL_COMMAND_BATCH_H
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace rsvpctl {
+
+/** The words of a line: spaces part them, quotes of either kind keep them together, # begins a comment where a word
+ * could begin. Throws UsageError for a quote that is left open. */
+std::vector<std::string> SplitWords(std::string_view line);
+
+} // namespace rsvpctl
+
+#endif

@@ -1,0 +1,186 @@
+// Options on top of the library that parses command lines. The ranges of numbers come from the width of the field
+// that they go into: the library passes numbers through, so a number that was cut on the way would be set as another
+// one.
+#include "tools/rsvpctl/command/options.h"
+
+#include "manager/record/key.h"
+#include "manager/record/text.h"
+#include "tools/rsvpctl/print/usage_error.h"
+
+#include <CLI/CLI.hpp>
+#include <cerrno>
+#include <cstring>
+#include <fmt/format.h>
+#include <fstream>
+#include <iterator>
+
+namespace rsvpctl {
+namespace {
+
+using manager::ParseAddress, manager::ParseNumber, manager::RecordDescription;
+
+std::string FileText(const std::string &name)
+{
+    std::ifstream input(name, std::ios::binary);
+    std::string text;
+    if (input)
+        text.assign(std::istreambuf_iterator<char>(input), {});
+    if (!input.is_open() || input.bad())
+        throw UsageError(fmt::format("--key-file: {}: {}", name, std::strerror(errno)));
+    return text;
+}
+
+} // namespace
+
+bool Option::IsGiven() const
+{
+    return option_ != nullptr && option_->count() != 0;
+}
+
+std::string Option::Text() const
+{
+    return IsGiven() ? option_->results().at(0) : std::string{};
+}
+
+std::vector<std::string> Option::Words() const
+{
+    return IsGiven() ? option_->results() : std::vector<std::string>{};
+}
+
+uint32_t Option::NumberOr(uint32_t value) const
+{
+    return IsGiven() ? static_cast<uint32_t>(ParseNumber(Text()).value()) : value;
+}
+
+uint32_t Option::Address() const
+{
+    return IsGiven() ? ParseAddress(Text()).value() : 0;
+}
+
+double Option::SecondsOr(double value) const
+{
+    return IsGiven() ? option_->as<double>() : value;
+}
+
+Option Option::Required(bool required) const
+{
+    option_->required(required);
+    return *this;
+}
+
+Option Option::Excludes(Option other) const
+{
+    option_->excludes(other.option_);
+    return *this;
+}
+
+Option Option::Needs(Option other) const
+{
+    option_->needs(other.option_);
+    return *this;
+}
+
+std::string Node::Path() const
+{
+    const CLI::App *parent = app_->get_parent();
+    if (parent == nullptr)
+        return {};
+    const std::string before = Node(app_->get_parent()).Path();
+    return before.empty() ? app_->get_name() : before + " " + app_->get_name();
+}
+
+Option Node::AddFlag(const std::string &names, const std::string &help) const
+{
+    return Option(app_->add_flag(names)->description(help));
+}
+
+Option Node::AddNumber(const std::string &names, uint64_t max, const std::string &help) const
+{
+    return Option(
+        app_->add_option(names, help)->type_name(fmt::format("0..{}", max))->check([max](const std::string &text) {
+            const auto number = ParseNumber(text);
+            return number && *number <= max ? std::string()
+                                            : fmt::format("takes a number from 0 to {}, not '{}'", max, text);
+        }));
+}
+
+Option Node::AddAddress(const std::string &names, const std::string &help) const
+{
+    return Option(app_->add_option(names, help)->type_name("A.B.C.D")->check([](const std::string &text) {
+        return ParseAddress(text) ? std::string() : "takes an IPv4 address (10.0.0.9), not '" + text + "'";
+    }));
+}
+
+Option Node::AddSeconds(const std::string &names, double min, double max, const std::string &help) const
+{
+    return Option(app_->add_option(names, help)->type_name("SECONDS")->check(CLI::Range(min, max)));
+}
+
+Option Node::AddChoice(const std::string &names, const std::string &type, const std::vector<std::string> &choices,
+                       const std::string &help) const
+{
+    return Option(app_->add_option(names, help)->type_name(type)->check(CLI::IsMember(choices)));
+}
+
+Option Node::AddFile(const std::string &names, const std::string &help) const
+{
+    return Option(app_->add_option(names, help)->type_name("FILE"));
+}
+
+Option Node::AddKey(const std::string &names, const RecordDescription &description, const std::string &help) const
+{
+    return Option(app_->add_option(names, help)
+                      ->type_name(KeyShape(description))
+                      ->check([&description](const std::string &text) -> std::string {
+                          std::vector<std::byte> scratch(description.size);
+                          try {
+                              ReadKey(description, text, scratch.data());
+                          } catch (const manager::KeyError &error) {
+                              return error.what();
+                          }
+                          return {};
+                      }));
+}
+
+Option Node::AddKeyWords(const std::string &names, const RecordDescription &description,
+                         const std::string &help) const
+{
+    return Option(app_->add_option(names, help)
+                      ->type_name("FIELD=VALUE...")
+                      ->expected(1, static_cast<int>(Leaves(description).size())));
+}
+
+void RequireKey(const RecordDescription &description, const std::string &text, void *record)
+{
+    try {
+        ReadKey(description, text, record);
+    } catch (const manager::KeyError &error) {
+        throw UsageError(std::string("key: ") + error.what());
+    }
+}
+
+KeyOptions AddKeyOptions(const Node &node, const RecordDescription &description)
+{
+    const Option words = node.AddKeyWords("--key", description,
+                                          "The key: every field, or all values in their order (" +
+                                              KeyShape(description) + "); a number may be written as an address");
+    const Option file =
+        node.AddFile("--key-file", "JSON file with the key: an object of field names with values").Excludes(words);
+    return {&description, words, file};
+}
+
+void RequireKey(const KeyOptions &options, void *record)
+{
+    if (options.words.IsGiven())
+        return RequireKey(*options.description, manager::Joined(options.words.Words(), ","), record);
+    if (!options.file.IsGiven())
+        throw UsageError("key: --key or --key-file is needed");
+    const std::string file = options.file.Text();
+    try {
+        ReadJsonKey(*options.description, FileText(file), record);
+    } catch (const manager::KeyError &error) {
+        throw UsageError(fmt::format("--key-file: {}: {}", file, error.what()));
+    }
+}
+
+} // namespace rsvpctl

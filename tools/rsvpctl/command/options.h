@@ -1,0 +1,104 @@
+// The options and arguments of commands: numbers that must fit their field, IPv4 addresses, keys of rows, files.
+// Every refusal names the argument and its range and happens while the command line is parsed, before anything is
+// sent. The library that parses command lines is known to this room alone.
+#ifndef TOOLS_RSVPCTL_COMMAND_OPTIONS_H
+#define TOOLS_RSVPCTL_COMMAND_OPTIONS_H
+
+#include "manager/record/record.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+class Option;
+} // namespace CLI
+
+namespace rsvpctl {
+
+/** An option or an argument of a command. What it holds is there once a line is parsed. */
+class Option {
+public:
+    Option() = default; // one that the command does not have, and that is never given
+    explicit Option(CLI::Option *option) : option_(option) {}
+
+    bool IsGiven() const;
+
+    /** What was written; an empty text if nothing was. */
+    std::string Text() const;
+    std::vector<std::string> Words() const;
+
+    /** Of an option that AddNumber made; 0 if it is not given. */
+    uint32_t Number() const { return NumberOr(0); }
+    uint32_t NumberOr(uint32_t value) const;
+
+    /** Of an option that AddAddress made; 0 if it is not given. */
+    uint32_t Address() const;
+
+    /** Of an option that AddSeconds made. */
+    double SecondsOr(double value) const;
+
+    Option Required(bool required = true) const;
+    Option Excludes(Option other) const;
+    Option Needs(Option other) const;
+
+private:
+    CLI::Option *option_ = nullptr;
+};
+
+/** A word of the command line, and what may stand behind it. Names are "word,--option" for an argument that is an
+ * option too, "--option" for an option alone. */
+class Node {
+public:
+    Node() = default;
+    explicit Node(CLI::App *app) : app_(app) {}
+
+    /** The words that lead here, without the program's own. */
+    std::string Path() const;
+
+    Option AddFlag(const std::string &names, const std::string &help) const;
+    Option AddNumber(const std::string &names, uint64_t max, const std::string &help) const;
+    Option AddAddress(const std::string &names, const std::string &help) const;
+    Option AddSeconds(const std::string &names, double min, double max, const std::string &help) const;
+    Option AddChoice(const std::string &names, const std::string &type, const std::vector<std::string> &choices,
+                     const std::string &help) const;
+    Option AddFile(const std::string &names, const std::string &help) const;
+    Option AddKey(const std::string &names, const manager::RecordDescription &description,
+                  const std::string &help) const;
+
+    /** A key whose parts may stand apart: its check comes with its reading. */
+    Option AddKeyWords(const std::string &names, const manager::RecordDescription &description,
+                       const std::string &help) const;
+
+    CLI::App &App() const { return *app_; }
+
+private:
+    CLI::App *app_ = nullptr;
+};
+
+/** Reads a key that a command line gave. Throws UsageError. */
+void RequireKey(const manager::RecordDescription &description, const std::string &text, void *record);
+
+/** The same for a key of the type that it is read into. */
+template <typename Key> Key KeyOf(const Option &option)
+{
+    Key key{};
+    RequireKey(manager::Describe<Key>(), option.Text(), &key);
+    return key;
+}
+
+/** The two ways in which a command takes a key that is long: words or a JSON file. */
+struct KeyOptions {
+    const manager::RecordDescription *description;
+    Option words;
+    Option file;
+};
+KeyOptions AddKeyOptions(const Node &node, const manager::RecordDescription &description);
+
+/** Reads the key that the options give. Throws UsageError if they give none. */
+void RequireKey(const KeyOptions &options, void *record);
+
+} // namespace rsvpctl
+
+#endif

@@ -1,0 +1,129 @@
+// Everything that the tool prints goes through here: the document on standard output (tables, the detail view or one
+// JSON document) and what people are told on standard error. Rows are written as they come and none is kept.
+#ifndef TOOLS_RSVPCTL_PRINT_OUTPUT_H
+#define TOOLS_RSVPCTL_PRINT_OUTPUT_H
+
+#include "manager/record/json.h"
+#include "manager/table/walk.h"
+#include "tools/rsvpctl/print/render.h"
+#include "tools/rsvpctl/print/statuses.h"
+#include "tools/rsvpctl/print/usage_error.h"
+
+#include <cstdio>
+#include <optional>
+#include <string>
+
+namespace rsvpctl {
+
+/** Of the documents; it changes when a program that reads them must. */
+constexpr int kSchemaVersion = 1;
+
+enum class Style : uint8_t { Table, Detail, Json };
+enum class Color : uint8_t { Auto, Always, Never };
+
+/** What a call of the library gave. */
+struct Outcome {
+    std::string operation; // as the user calls it: "set refresh-interval"
+    std::string function;  // the library's function
+    std::string asked;     // its arguments in words, no secret among them; may be empty
+    uint32_t status;
+};
+
+class Output {
+public:
+    Output(Style style, Color color, FILE *document = stdout, FILE *messages = stderr);
+
+    /** A command that was done, with its arguments in words, no secret among them. */
+    Exit Done(const std::string &operation, const std::string &asked);
+
+    /** Text that was asked for as text. */
+    Exit Help(const std::string &text);
+
+    /** One record. A status other than 0 says that the record tells of a fault, such as a service that is stopped. */
+    Exit Record(const std::string &operation, const manager::Json &record, uint32_t status = RSVP_MOR_OK);
+
+    /** The same, where people want to read it in other words than the record's. */
+    Exit Record(const std::string &operation, const manager::Json &record, const std::string &text, uint32_t status);
+
+    /** A record of the library's, where people want to read a view of it. */
+    Exit Record(const std::string &operation, const manager::RecordDescription &description, const void *record,
+                std::string (*view)(const void *record));
+
+    /** What a command would send. */
+    Exit Plan(const std::string &operation, const manager::Json &requests, const std::string &text);
+
+    /** An operation that gave a status other than 0. */
+    Exit Failed(const Outcome &failure);
+
+    /** Done or failed, as the status says. */
+    Exit Report(const Outcome &outcome);
+
+    /** Arguments that cannot be taken; nothing was sent. */
+    Exit WrongUsage(const std::string &operation, const UsageError &error);
+
+    /** The rows of a walk: begin, any number of rows, end. Row gives false when the document cannot be written. */
+    void BeginRows(const std::string &operation, const manager::Table &table);
+    bool Row(const void *record);
+
+    /** The same, where people read `text` in place of the fields. */
+    bool Row(const void *record, const std::string &text);
+    Exit EndRows(const manager::WalkResult &result);
+
+    /** A list whose rows are more than records: each is an object for programs and text for people. */
+    void BeginList(const std::string &operation);
+    bool ListRow(const manager::Json &row, const std::string &text);
+    Exit EndList();
+
+    /** A line that stands above others. */
+    std::string Heading(const std::string &text) const;
+
+    /** One of many documents that tell of what happens, a line each, written at once. False when it cannot be. */
+    bool Line(const manager::Json &document, const std::string &text);
+
+    /** From BeginBatch to EndBatch every document becomes a row of the batch's own, and messages name the line. */
+    void BeginBatch(const std::string &file);
+    void BatchLine(uint64_t line);
+    Exit EndBatch(bool complete, uint32_t status, Exit exit);
+
+    /** A line on standard error. */
+    void Message(const std::string &text);
+
+    /** The exit status after everything is written: a document that could not be written is a failure of its own,
+     * while a reader that went away got what it wanted. */
+    Exit Finish(Exit exit);
+
+    Style ChosenStyle() const { return style_; }
+    bool IsJson() const { return style_ == Style::Json; }
+
+private:
+    Exit Document(const std::string &operation, const char *name, const manager::Json &value, const std::string &text,
+                  uint32_t status);
+    void OpenDocument(const std::string &operation);
+    void CloseDocument(uint32_t status, Exit exit);
+    void Member(const char *name, const manager::Json &value);
+    void Complain(const std::string &text);
+    bool Flush();
+
+    Style style_;
+    FILE *document_;
+    FILE *messages_;
+    bool colorDocument_;
+    bool colorMessages_;
+    size_t lineWidth_;
+    std::string text_; // what is not written yet: never more than one row
+    int writeError_ = 0;
+
+    std::string operation_;
+    const manager::Table *table_ = nullptr;
+    std::optional<TableLayout> layout_;
+    uint64_t rows_ = 0;
+
+    std::string batchFile_;
+    uint64_t batchLine_ = 0;
+    uint64_t batchDocuments_ = 0;
+    bool inBatch_ = false;
+};
+
+} // namespace rsvpctl
+
+#endif

@@ -1,0 +1,41 @@
+// What a status means to a person: its name, the likely cause, what to do about it, and the exit status that a script
+// sees. The library has no texts of its own, so they live here, all of them.
+#ifndef TOOLS_RSVPCTL_PRINT_STATUSES_H
+#define TOOLS_RSVPCTL_PRINT_STATUSES_H
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+namespace rsvpctl {
+
+/** The tool's exit statuses. They are part of its interface: scripts test them. */
+enum class Exit : int {
+    Done = 0,
+    Refused = 1,    // the daemon said no
+    Usage = 2,      // wrong arguments; nothing was sent
+    NoSession = 3,  // the daemon could not be reached
+    Exchange = 4,   // the exchange failed or the reply was out of format
+    NotEnabled = 5, // the service does not run
+};
+
+struct StatusText {
+    uint32_t status;
+    const char *name;
+    Exit exit;
+    const char *cause;
+    const char *remedy;
+};
+
+/** The statuses that have a name, success among them. */
+std::span<const StatusText> KnownStatuses();
+
+/** The text of a status in general; any number that has no name is the daemon's own. */
+const StatusText &Explain(uint32_t status);
+
+/** The text of a status that a certain library function returned: some codes mean something narrower there. */
+const StatusText &Explain(uint32_t status, std::string_view function);
+
+} // namespace rsvpctl
+
+#endif

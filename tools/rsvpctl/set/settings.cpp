@@ -1,0 +1,162 @@
+// The table of settings and what it says about the wire. The commands made of it stand in setting_commands.cpp.
+#include "tools/rsvpctl/set/settings.h"
+
+namespace rsvpctl {
+namespace {
+
+using Arguments = SettingArguments;
+
+uint8_t Byte(uint32_t number)
+{
+    return static_cast<uint8_t>(number);
+}
+
+uint16_t Short(uint32_t number)
+{
+    return static_cast<uint16_t>(number);
+}
+
+// The library leaves the caller's pair in network order, so it gets a copy.
+uint32_t SetReduction(uint32_t op, const Arguments &a)
+{
+    uint16_t pair[2] = {Short(a.number), Short(a.secondNumber)};
+    return RSVP_MOR_SetReduction(op, a.ifIndex, pair);
+}
+
+// One line a setting and one for its call; aligned by hand, since the eye checks columns.
+// clang-format off
+constexpr Setting kSettings[] = {
+    {"interface", Level::Interface, ValueKind::None, Undo::Sent, nullptr, 18, 0, "RSVP_MOR_SetRsvpEnable",
+     [](uint32_t op, const Arguments &a) { return RSVP_MOR_SetRsvpEnable(op, a.ifIndex); },
+     "RSVP on an interface"},
+    {"peer", Level::Peer, ValueKind::None, Undo::Sent, nullptr, 13, 0, "RSVP_MOR_SetRsvpPeer",
+     [](uint32_t op, const Arguments &a) { return RSVP_MOR_SetRsvpPeer(op, a.peer); },
+     "An RSVP peer"},
+
+    {"refresh-interval", Level::Global, ValueKind::Short, Undo::None, "interval", 15, 0, "RSVP_MOR_SetRefreshInterval",
+     [](uint32_t, const Arguments &a) { return RSVP_MOR_SetRefreshInterval(Short(a.number)); },
+     "Interval of Path and Resv refreshes"},
+    {"keep-multiplier", Level::Global, ValueKind::Byte, Undo::None, "multiplier", 12, 0, "RSVP_MOR_SetKeepMultiplier",
+     [](uint32_t, const Arguments &a) { return RSVP_MOR_SetKeepMultiplier(Byte(a.number)); },
+     "Refreshes that may be missed before state is dropped"},
+    {"hello-interval", Level::Global, ValueKind::Byte, Undo::None, "interval", 10, 8, "RSVP_MOR_SetHelloInterval",
+     [](uint32_t, const Arguments &a) { return RSVP_MOR_SetHelloInterval(Byte(a.number)); },
+     "Interval of Hello messages"},
+    {"hello-lost", Level::Global, ValueKind::Byte, Undo::None, "lost", 11, 8, "RSVP_MOR_SetHelloLost",
+     [](uint32_t, const Arguments &a) { return RSVP_MOR_SetHelloLost(Byte(a.number)); },
+     "Hello messages that may be lost before a neighbour is taken for dead"},
+    {"dscp", Level::Global, ValueKind::Word, Undo::None, "dscp", 19, 0, "RSVP_MOR_SetDscpValue",
+     [](uint32_t, const Arguments &a) { return RSVP_MOR_SetDscpValue(a.number); },
+     "DSCP value of the daemon's messages"},
+    {"graceful-restart", Level::Global, ValueKind::None, Undo::Sent, nullptr, 8, 0, "RSVP_MOR_SetGrEnable",
+     [](uint32_t op, const Arguments &) { return RSVP_MOR_SetGrEnable(op); },
+     "Graceful restart"},
+
+    {"hello", Level::Interface, ValueKind::None, Undo::Sent, nullptr, 9, 0, "RSVP_MOR_SetHelloEnable",
+     [](uint32_t op, const Arguments &a) { return RSVP_MOR_SetHelloEnable(op, a.ifIndex); },
+     "Hello messages on an interface"},
+    {"bfd", Level::Interface, ValueKind::None, Undo::Sent, nullptr, 6, 0, "RSVP_MOR_SetBfdEnable",
+     [](uint32_t op, const Arguments &a) { return RSVP_MOR_SetBfdEnable(op, a.ifIndex); },
+     "BFD on an interface"},
+    {"reduction", Level::Interface, ValueKind::Pair, Undo::Sent, "first", 14, 0, "RSVP_MOR_SetReduction",
+     SetReduction,
+     "Refresh overhead reduction on an interface"},
+    {"retrans-interval", Level::Interface, ValueKind::Short, Undo::Number, "interval", 16, 0, "RSVP_MOR_SetRetransInterval",
+     [](uint32_t op, const Arguments &a) { return RSVP_MOR_SetRetransInterval(op, a.ifIndex, Short(a.number)); },
+     "Retransmission interval of an interface"},
+    {"retrans-increment", Level::Interface, ValueKind::Byte, Undo::Number, "increment", 17, 0, "RSVP_MOR_SetRetransIncrement",
+     [](uint32_t op, const Arguments &a) { return RSVP_MOR_SetRetransIncrement(op, a.ifIndex, Byte(a.number)); },
+     "Retransmission increment of an interface"},
+
+    {"auth-key", Level::Global, ValueKind::Key, Undo::Sent, nullptr, 3, 0, "RSVP_MOR_SetAuthKey",
+     [](uint32_t op, const Arguments &a) { return RSVP_MOR_SetAuthKey(op, a.key.Bytes()); },
+     "Authentication key"},
+    {"auth-key", Level::Interface, ValueKind::Key, Undo::Sent, nullptr, 3, 0, "RSVP_MOR_SetIntfAuthKey",
+     [](uint32_t op, const Arguments &a) { return RSVP_MOR_SetIntfAuthKey(op, a.ifIndex, a.key.Bytes()); },
+     "Authentication key"},
+    {"auth-key", Level::Peer, ValueKind::Key, Undo::Sent, nullptr, 3, 0, "RSVP_MOR_SetPeerAuthKey",
+     [](uint32_t op, const Arguments &a) { return RSVP_MOR_SetPeerAuthKey(op, a.peer, a.key.Bytes()); },
+     "Authentication key"},
+    {"auth-challenge", Level::Global, ValueKind::None, Undo::Sent, nullptr, 2, 0, "RSVP_MOR_SetAuthChallenge",
+     [](uint32_t op, const Arguments &) { return RSVP_MOR_SetAuthChallenge(op); },
+     "Challenge handshake of authentication"},
+    {"auth-challenge", Level::Interface, ValueKind::None, Undo::Sent, nullptr, 2, 0, "RSVP_MOR_SetIntfAuthChallenge",
+     [](uint32_t op, const Arguments &a) { return RSVP_MOR_SetIntfAuthChallenge(op, a.ifIndex); },
+     "Challenge handshake of authentication"},
+    {"auth-challenge", Level::Peer, ValueKind::None, Undo::Sent, nullptr, 2, 0, "RSVP_MOR_SetPeerAuthChallenge",
+     [](uint32_t op, const Arguments &a) { return RSVP_MOR_SetPeerAuthChallenge(op, a.peer); },
+     "Challenge handshake of authentication"},
+    {"auth-lifetime", Level::Global, ValueKind::Word, Undo::None, "life-time", 4, 0, "RSVP_MOR_SetAuthLifeTime",
+     [](uint32_t, const Arguments &a) { return RSVP_MOR_SetAuthLifeTime(a.number); },
+     "Life time of the authentication key"},
+    {"auth-lifetime", Level::Interface, ValueKind::Word, Undo::Number, "life-time", 4, 0, "RSVP_MOR_SetIntfAuthLifeTime",
+     [](uint32_t op, const Arguments &a) { return RSVP_MOR_SetIntfAuthLifeTime(op, a.ifIndex, a.number); },
+     "Life time of the authentication key"},
+    {"auth-lifetime", Level::Peer, ValueKind::Word, Undo::None, "life-time", 4, 0, "RSVP_MOR_SetPeerAuthLifeTime",
+     [](uint32_t, const Arguments &a) { return RSVP_MOR_SetPeerAuthLifeTime(a.peer, a.number); },
+     "Life time of the authentication key"},
+    {"auth-window", Level::Global, ValueKind::Byte, Undo::None, "window-size", 5, 0, "RSVP_MOR_SetAuthWindowSize",
+     [](uint32_t, const Arguments &a) { return RSVP_MOR_SetAuthWindowSize(Byte(a.number)); },
+     "Messages that may arrive out of sequence"},
+    {"auth-window", Level::Interface, ValueKind::Byte, Undo::Number, "window-size", 5, 0, "RSVP_MOR_SetIntfAuthWindowSize",
+     [](uint32_t op, const Arguments &a) { return RSVP_MOR_SetIntfAuthWindowSize(op, a.ifIndex, Byte(a.number)); },
+     "Messages that may arrive out of sequence"},
+    {"auth-window", Level::Peer, ValueKind::Byte, Undo::None, "window-size", 5, 0, "RSVP_MOR_SetPeerAuthWindowSize",
+     [](uint32_t, const Arguments &a) { return RSVP_MOR_SetPeerAuthWindowSize(a.peer, Byte(a.number)); },
+     "Messages that may arrive out of sequence"},
+};
+// clang-format on
+
+// Item types of the key that a message of an interface or a peer begins with.
+
+WireItem ValueItem(const Setting &setting, const SettingArguments &arguments)
+{
+    switch (setting.kind) {
+    case ValueKind::Byte:
+        return {setting.item, ByteBytes(Byte(arguments.number))};
+    case ValueKind::Short:
+        return {setting.item, ShortBytes(Short(arguments.number))};
+    case ValueKind::Word:
+        return {setting.item, WordBytes(arguments.number)};
+    case ValueKind::Pair:
+        return {setting.item, PairBytes(Short(arguments.number), Short(arguments.secondNumber))};
+    case ValueKind::Key:
+        // The length is all that a dry run tells of a key, so the bytes stay where they are.
+        return {setting.item, std::vector<uint8_t>(RSVP_MOR_AUTH_KEY_SIZE), true};
+    default:
+        return {setting.item, {}};
+    }
+}
+
+} // namespace
+
+std::span<const Setting> AllSettings()
+{
+    return kSettings;
+}
+
+uint64_t MaximumOf(ValueKind kind)
+{
+    switch (kind) {
+    case ValueKind::Byte:
+        return UINT8_MAX;
+    case ValueKind::Word:
+        return UINT32_MAX;
+    default:
+        return UINT16_MAX;
+    }
+}
+
+WireRequest RequestOf(const Setting &setting, const SettingArguments &arguments)
+{
+    const bool sentUndo = arguments.undo && setting.undo == Undo::Sent;
+    WireRequest request{static_cast<uint8_t>(setting.level), sentUndo ? kUndoOperation : setting.setOperation, {}};
+    if (setting.level == Level::Interface)
+        request.items.push_back({kInterfaceItem, WordBytes(arguments.ifIndex)});
+    else if (setting.level == Level::Peer)
+        request.items.push_back({kPeerItem, WordBytes(arguments.peer)});
+    request.items.push_back(ValueItem(setting, arguments));
+    return request;
+}
+
+} // namespace rsvpctl

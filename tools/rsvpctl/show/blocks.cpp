@@ -1,0 +1,55 @@
+// Reading of blocks with the numbers that the library leaves to its caller.
+#include "tools/rsvpctl/show/blocks.h"
+
+#include "manager/record/key.h"
+#include "manager/table/tables.h"
+#include "tools/rsvpctl/command/session.h"
+
+#include <fmt/format.h>
+
+namespace rsvpctl {
+namespace {
+
+Option AddDefaultNumber(const Node &node, const std::string &name, uint64_t max, uint32_t value,
+                        const std::string &help)
+{
+    return node.AddNumber(name, max, fmt::format("{} (default {})", help, value));
+}
+
+} // namespace
+
+std::string BlockExamples(const std::string &command, const ShowSpec &show)
+{
+    return fmt::format("  rsvpctl {0} --key {1}\n  rsvpctl {0} --key-file key.json --json", command, show.keyExample);
+}
+
+BlockOptions AddBlockOptions(const Node &node, const ShowSpec &show)
+{
+    BlockOptions options{AddKeyOptions(node, show.table->key()),
+                         AddDefaultNumber(node, "--op", UINT8_MAX, manager::kGetRow, "Message operation"),
+                         {}};
+    if (show.table == &manager::kP2mpPathState)
+        options.itemType = AddDefaultNumber(node, "--item-type", UINT16_MAX, manager::kP2mpPathStateItem,
+                                            "Item type of the request");
+    return options;
+}
+
+Exit WithBlock(Output &out, const std::string &operation, const ShowSpec &show, const BlockOptions &options,
+               const std::function<Exit(void *block)> &print)
+{
+    const manager::Table &table = *show.table;
+    std::vector<std::byte> key(table.key().size);
+    RequireKey(options.key, key.data());
+    return WithSession(out, operation, true, [&](int32_t fd) {
+        std::vector<std::byte> block(table.row().size);
+        const uint32_t status = table.ask(fd, options.itemType.NumberOr(manager::kP2mpPathStateItem),
+                                          options.operation.NumberOr(manager::kGetRow), key.data(), block.data());
+        if (status != RSVP_MOR_OK)
+            return out.Failed({operation, table.get.function, "key " + KeyText(table.key(), key.data()), status});
+        const Exit exit = print(block.data());
+        table.release(block.data());
+        return exit;
+    });
+}
+
+} // namespace rsvpctl

@@ -1,0 +1,38 @@
+// Which LSPs a user wants to see: by tunnel, LSP, end point and sender. A block that holds many senders is cut down
+// to those that match, so that what is shown is what was asked for.
+#ifndef TOOLS_RSVPCTL_SHOW_LSP_FILTERS_H
+#define TOOLS_RSVPCTL_SHOW_LSP_FILTERS_H
+
+#include <cstdint>
+#include <optional>
+#include <rsvp_mor.h>
+
+namespace rsvpctl {
+
+struct LspFilter {
+    std::optional<uint32_t> tunnelId;
+    std::optional<uint32_t> lspId;
+    std::optional<uint32_t> endPoint;
+    std::optional<uint32_t> sender;
+
+    bool TakesSession(const RSVP_MOR_Session &session) const;
+    bool TakesSender(const RSVP_MOR_Sender &which) const;
+    bool AsksForSender() const { return lspId || sender; }
+};
+
+/** Tells whether the row is wanted. Filter specs that are not are taken out of the row and released. */
+bool Takes(const LspFilter &filter, RSVP_MOR_ReplyPsb &row);
+bool Takes(const LspFilter &filter, RSVP_MOR_ReplyRsb &row);
+bool Takes(const LspFilter &filter, RSVP_MOR_ReplyPhsb &row);
+bool Takes(const LspFilter &filter, RSVP_MOR_ReplyCrlsp &row);
+
+/** The same for a row whose type a description knows. */
+using RowFilter = bool (*)(const LspFilter &filter, void *row);
+template <typename Row> bool TakesRow(const LspFilter &filter, void *row)
+{
+    return Takes(filter, *static_cast<Row *>(row));
+}
+
+} // namespace rsvpctl
+
+#endif

@@ -1,0 +1,298 @@
+// Documents come in a few forms, told apart by their members; which record or rows a document holds is told by its
+// operation. Objects are closed: a member that the schema does not name is a fault of the tool.
+#include "tools/rsvpctl/show/schema.h"
+
+#include "manager/record/text.h"
+#include "tools/rsvpctl/command/command_line.h"
+#include "tools/rsvpctl/show/commands.h"
+#include "tools/rsvpctl/show/shows.h"
+
+#include <algorithm>
+#include <map>
+#include <nlohmann/json.hpp>
+
+namespace rsvpctl {
+namespace {
+
+using manager::Condition, manager::Describe, manager::Field, manager::FieldKind, manager::Json,
+    manager::RecordDescription;
+
+Json Reference(const std::string &name)
+{
+    return {{"$ref", "#/$defs/" + name}};
+}
+
+Json Integer(uint64_t maximum)
+{
+    return {{"type", "integer"}, {"minimum", 0}, {"maximum", maximum}};
+}
+
+Json Text()
+{
+    return {{"type", "string"}};
+}
+
+Json OneOfTexts(const std::vector<std::string> &texts)
+{
+    return {{"enum", texts}};
+}
+
+Json Pattern(const std::string &pattern)
+{
+    return {{"type", "string"}, {"pattern", pattern}};
+}
+
+Json ArrayOf(Json items)
+{
+    return {{"type", "array"}, {"items", std::move(items)}};
+}
+
+Json NullOr(Json schema)
+{
+    return {{"anyOf", {{{"type", "null"}}, std::move(schema)}}};
+}
+
+/** A closed object; each member is required unless it is among `optional`. */
+Json Object(const Json &members, const std::vector<std::string> &optional = {})
+{
+    Json required = Json::array();
+    for (const auto &[name, schema] : members.items()) {
+        if (std::find(optional.begin(), optional.end(), name) == optional.end())
+            required.push_back(name);
+    }
+    return {{"type", "object"},
+            {"properties", members},
+            {"required", std::move(required)},
+            {"additionalProperties", false}};
+}
+
+Json ElementSchema(const Field &field)
+{
+    switch (field.kind) {
+    case FieldKind::Number:
+        return Integer(manager::MaximumOf(field.width));
+    case FieldKind::Address:
+        return Reference("address");
+    case FieldKind::Bytes:
+        return Pattern("^[0-9a-f]{" + std::to_string(field.width * 2) + "}$");
+    case FieldKind::Rate:
+    case FieldKind::Float:
+        return Reference("rate");
+    case FieldKind::Secret:
+        return OneOfTexts({"hidden", ""});
+    case FieldKind::Text:
+        return NullOr(Text());
+    default:
+        return Reference(field.record->name);
+    }
+}
+
+Json FieldSchema(const Field &field)
+{
+    if (field.kind == FieldKind::List || field.kind == FieldKind::Chain)
+        return ArrayOf(Reference(field.record->name));
+    if (field.count == 0)
+        return ElementSchema(field);
+    Json array = ArrayOf(ElementSchema(field));
+    array["minItems"] = field.count;
+    array["maxItems"] = field.count;
+    return array;
+}
+
+// A field may stand twice in a description, as what it is with one tag and as what it is without; then it is always
+// there. With one of the two alone it may lack.
+Json RecordSchema(const RecordDescription &description)
+{
+    Json members = Json::object();
+    std::map<std::string, int> conditions;
+    for (const Field &field : description.fields) {
+        conditions[field.name] += field.condition.test == Condition::Test::Always ? 2 : 1;
+        Json schema = FieldSchema(field);
+        members[field.name] =
+            members.contains(field.name) ? Json{{"anyOf", {members[field.name], schema}}} : std::move(schema);
+    }
+    std::vector<std::string> optional;
+    for (const auto &[name, seen] : conditions) {
+        if (seen < 2)
+            optional.push_back(name);
+    }
+    return Object(members, optional);
+}
+
+Json StatusMembers()
+{
+    return {{"status", Integer(UINT32_MAX)}, {"statusName", Text()}, {"exitStatus", Integer(5)}};
+}
+
+const std::map<std::string, Json> &MembersOfAnswers()
+{
+    static const std::map<std::string, Json> members{
+        {"schemaVersion", {{"const", kSchemaVersion}}},
+        {"line", Integer(UINT64_MAX)},
+        {"operation", Text()},
+        {"asked", Text()},
+        {"record", {{"type", "object"}}},
+        {"requests", ArrayOf(Reference("request"))},
+        {"function", Text()},
+        {"likelyCause", Text()},
+        {"error", Text()},
+        {"rows", ArrayOf({{"type", "object"}})},
+        {"count", Integer(UINT64_MAX)},
+        {"complete", {{"type", "boolean"}}},
+        {"end", OneOfTexts({"end of table", "stuck", "broken"})},
+        {"file", Text()},
+    };
+    return members;
+}
+
+/** The members that make a form, besides those that all documents have. */
+Json Form(const char *title, const std::vector<std::string> &own)
+{
+    std::vector<std::string> names{"schemaVersion", "line", "operation", "status", "statusName", "exitStatus"};
+    names.insert(names.end(), own.begin(), own.end());
+    return {{"title", title}, {"required", own}, {"propertyNames", OneOfTexts(names)}};
+}
+
+Json Forms()
+{
+    return {Form("a command that was done", {"asked"}),
+            Form("one record", {"record"}),
+            Form("what a command would send", {"requests"}),
+            Form("an operation that failed", {"function", "asked", "likelyCause"}),
+            Form("arguments that cannot be taken", {"error"}),
+            Form("the rows of a walk", {"rows", "count", "complete", "end", "function"}),
+            Form("a list", {"rows", "count", "complete"}),
+            Form("the lines of a batch", {"file", "rows", "count", "complete"})};
+}
+
+Json Rule(const std::string &operation, Json record, Json row)
+{
+    return {{"if", {{"properties", {{"operation", {{"const", operation}}}}}}},
+            {"then", {{"properties", {{"record", std::move(record)}, {"rows", ArrayOf(std::move(row))}}}}}};
+}
+
+Json RecordOf(const ShowSpec &show)
+{
+    return Reference(show.table == nullptr ? "counters" : show.table->row().name);
+}
+
+/** Which record and which rows an operation gives. */
+Json Rules()
+{
+    Json rules = Json::array();
+    for (const ShowSpec &show : AllShows())
+        rules.push_back(Rule(std::string("show ") + show.words, show.HasRecord() ? RecordOf(show) : Json(false),
+                             show.HasRows() ? RecordOf(show) : Json(false)));
+    rules.push_back(Rule("debug show", Reference(Describe<RSVP_MOR_DebugInfo>().name), false));
+    for (const char *name : {"status", "tree"})
+        rules.push_back(Rule(name, Reference(name), false));
+    for (const char *shell : {"bash", "zsh"})
+        rules.push_back(Rule("completion " + std::string(shell), Reference("completion"), false));
+    rules.push_back(Rule("explain", Reference("statusText"), Reference("statusText")));
+    rules.push_back(Rule("batch", false, {{"allOf", {Reference("answer"), {{"required", {"line"}}}}}}));
+    return rules;
+}
+
+Json Answer()
+{
+    Json members = Json::object();
+    for (const auto &[name, schema] : MembersOfAnswers())
+        members[name] = schema;
+    members.update(StatusMembers());
+    return {{"type", "object"},
+            {"properties", std::move(members)},
+            {"required", {"operation", "status", "statusName", "exitStatus"}},
+            {"anyOf", Forms()},
+            {"allOf", Rules()}};
+}
+
+/** A line of a watch. Rows are those of the show; which, the operation tells. */
+Json Event()
+{
+    const Json scalar{{"type", {"null", "number", "string", "array", "object"}}};
+    const Json change = Object({{"field", Pattern("^/")},
+                                {"before", scalar},
+                                {"after", scalar},
+                                {"perSecond", NullOr({{"type", "number"}, {"minimum", 0}})}});
+    Json members{{"schemaVersion", {{"const", kSchemaVersion}}},
+                 {"operation", Pattern("^watch show ")},
+                 {"time", Pattern("^[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}Z$")}};
+    Json rows = members;
+    rows.update(
+        {{"event", OneOfTexts({"added", "removed"})}, {"key", {{"type", "object"}}}, {"row", {{"type", "object"}}}});
+    Json changed = members;
+    changed.update({{"event", OneOfTexts({"changed"})},
+                    {"key", {{"type", "object"}}},
+                    {"changes", ArrayOf(change)},
+                    {"row", {{"type", "object"}}}});
+    Json state = members;
+    state.update(
+        {{"event", OneOfTexts({"failed", "recovered"})}, {"status", Integer(UINT32_MAX)}, {"statusName", Text()}});
+    Json rules = Json::array();
+    for (const ShowSpec &show : AllShows())
+        rules.push_back(
+            {{"if", {{"properties", {{"operation", {{"const", std::string("watch show ") + show.words}}}}}}},
+             {"then", {{"properties", {{"row", RecordOf(show)}}}}}});
+    return {{"anyOf", {Object(rows), Object(changed), Object(state)}}, {"allOf", std::move(rules)}};
+}
+
+/** What no record of the library describes. */
+void AddOwnRecords(Json &definitions)
+{
+    definitions["address"] = {{"type", "string"}, {"format", "ipv4"}};
+    definitions["rate"] = {{"anyOf", {{{"type", "number"}}, OneOfTexts({"nan", "inf", "-inf"})}}};
+    definitions["request"] = Object({{"class", Integer(UINT8_MAX)},
+                                     {"op", Integer(UINT8_MAX)},
+                                     {"items", ArrayOf(Object({{"type", Integer(UINT16_MAX)},
+                                                               {"length", Integer(UINT16_MAX)},
+                                                               {"value", Pattern("^([0-9a-f]{2}|hidden)*$")}}))}});
+    definitions["counters"] = Object({{"frrInterfaces", Integer(UINT32_MAX)},
+                                      {"activeFrrInterfaces", Integer(UINT32_MAX)},
+                                      {"activeBypassTunnels", Integer(UINT32_MAX)},
+                                      {"upLsps", Integer(UINT32_MAX)}});
+    definitions["status"] =
+        Object({{"service", OneOfTexts({"running", "stopped"})},
+                {"daemon", OneOfTexts({"answers", "does not answer"})},
+                {"upLsps", NullOr(Integer(UINT32_MAX))},
+                {"nodes", ArrayOf(Object({{"node", Integer(UINT32_MAX)},
+                                          {"role", OneOfTexts({"master", "standby"})},
+                                          {"service", OneOfTexts({"running", "stopped", "unknown"})}}))}});
+    definitions["statusText"] = Object({{"code", Pattern("^0x[0-9a-f]{8}$")},
+                                        {"name", Text()},
+                                        {"exitStatus", Integer(5)},
+                                        {"likelyCause", Text()},
+                                        {"whatToDo", Text()}});
+    definitions["completion"] = Object({{"shell", OneOfTexts({"bash", "zsh"})}, {"script", Text()}});
+    definitions["hop"] = Object({{"address", Reference("address")},
+                                 {"label", NullOr(Integer(UINT32_MAX))},
+                                 {"leaves", ArrayOf(Reference("address"))},
+                                 {"hops", ArrayOf(Reference("hop"))}});
+    definitions["tree"] = Object({{"title", Text()}, {"leafCount", Integer(UINT32_MAX)}, {"root", Reference("hop")}});
+}
+
+} // namespace
+
+Json JsonSchema()
+{
+    Json definitions = Json::object();
+    definitions["answer"] = Answer();
+    definitions["event"] = Event();
+    AddOwnRecords(definitions);
+    for (const RecordDescription *record : manager::AllRecords())
+        definitions[record->name] = RecordSchema(*record);
+    return {{"$schema", "https://json-schema.org/draft/2020-12/schema"},
+            {"title", "Documents of rsvpctl --json"},
+            {"anyOf", {{{"allOf", {Reference("answer"), {{"required", {"schemaVersion"}}}}}}, Reference("event")}},
+            {"$defs", std::move(definitions)}};
+}
+
+void AddSchemaCommand(CommandLine &line)
+{
+    Command &command = line.Add(line.Root(), "schema", "Print the JSON Schema of what --json prints",
+                                "  rsvpctl schema > rsvpctl.schema.json");
+    command.inBatch = false;
+    command.mayBeLong = true;
+    command.run = [](Output &out) { return out.Help(JsonSchema().dump(2) + "\n"); };
+}
+
+} // namespace rsvpctl

@@ -1,0 +1,14 @@
+// The JSON Schema of everything that the tool prints with --json.
+#ifndef TOOLS_RSVPCTL_SHOW_SCHEMA_H
+#define TOOLS_RSVPCTL_SHOW_SCHEMA_H
+
+#include "manager/record/json.h"
+
+namespace rsvpctl {
+
+/** Made from the descriptions of the records and the list of the shows; the same each time. */
+manager::Json JsonSchema();
+
+} // namespace rsvpctl
+
+#endif

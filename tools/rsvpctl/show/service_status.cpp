@@ -1,0 +1,56 @@
+// `status`: whether the service runs and where, whether the daemon answers, how many LSPs are up.
+#include "manager/table/session.h"
+#include "tools/rsvpctl/command/command_line.h"
+#include "tools/rsvpctl/print/render.h"
+#include "tools/rsvpctl/show/commands.h"
+#include "tools/rsvpctl/show/nodes.h"
+
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+namespace rsvpctl {
+namespace {
+
+using manager::Json;
+
+// The daemon answers if the cheapest question gets a reply; what it says is not looked at.
+uint32_t AskDaemon()
+{
+    const manager::Session session;
+    if (session.IsMissing())
+        return RSVP_MOR_ERR_LIPC;
+    RSVP_MOR_DebugInfo info{};
+    return RSVP_MOR_GetRsvpDebug(session.Fd(), &info);
+}
+
+Exit ShowStatus(Output &out, const std::string &operation)
+{
+    const bool runs = RSVP_IsGlobalEnabled() != 0;
+    const uint32_t answer = AskDaemon();
+    const bool answers = answer != RSVP_MOR_ERR_LIPC && answer != RSVP_MOR_ERR_FAIL;
+    Json record{{"service", runs ? "running" : "stopped"}, {"daemon", answers ? "answers" : "does not answer"}};
+    uint32_t count = 0;
+    const uint32_t counted = answers ? RSVP_GetUpLspNumber(&count) : answer;
+    record["upLsps"] = counted == RSVP_MOR_OK ? Json(count) : Json(nullptr);
+    std::string text = DetailText(record);
+    record["nodes"] = Json::array();
+    for (const DeviceNode &node : NodesOfDevice()) {
+        record["nodes"].push_back({{"node", node.node}, {"role", node.role}, {"service", node.service}});
+        text += fmt::format("{:<8} {}, {}\n", fmt::format("node {}", node.node), node.role, node.service);
+    }
+    return out.Record(operation, record, text, runs ? counted : RSVP_MOR_ERR_NOT_ENABLED);
+}
+
+} // namespace
+
+void AddStatusCommand(CommandLine &line)
+{
+    Command &command =
+        line.Add(line.Root(), "status",
+                 "Whether the service runs and on which nodes, the daemon answers, and LSPs are up. The "
+                 "exit status says it too: 5 stopped, 3 or 4 runs and does not answer",
+                 "  rsvpctl status\n  rsvpctl status --json");
+    command.run = [&command](Output &out) { return ShowStatus(out, command.name); };
+}
+
+} // namespace rsvpctl

@@ -1,0 +1,203 @@
+// The `show` commands, made of the descriptions in shows.cpp: walks with filters, single rows and blocks by their
+// keys. A row is printed as it comes and released at once.
+#include "manager/record/key.h"
+#include "manager/record/text.h"
+#include "manager/table/session.h"
+#include "manager/table/walk.h"
+#include "tools/rsvpctl/command/command_line.h"
+#include "tools/rsvpctl/command/session.h"
+#include "tools/rsvpctl/print/progress.h"
+#include "tools/rsvpctl/show/blocks.h"
+#include "tools/rsvpctl/show/commands.h"
+#include "tools/rsvpctl/show/counters.h"
+#include "tools/rsvpctl/show/shows.h"
+
+#include <algorithm>
+#include <map>
+
+namespace rsvpctl {
+namespace {
+
+struct GroupSpec {
+    const char *word;
+    const char *help;
+    const char *examples; // of the commands below, without "rsvpctl show"
+};
+
+constexpr GroupSpec kGroups[] = {
+    {"frr", "Fast reroute tables", "facility\ngeneral --key 1,1,1"},
+    {"hops", "Hops of tunnels", "computed\nactual --key 1,2\nextended"},
+    {"p2mp", "Point-to-multipoint state, one block by its key", "psb --key-file key.json\ncrlsp --key-file key.json"},
+};
+
+/** The options of a walk; those that a table does not have are never given. */
+struct RowOptions {
+    Option after;
+    Option key;
+    Option ingress;
+    Option tunnelId;
+    Option lspId;
+    Option endPoint;
+    Option sender;
+};
+
+LspFilter FilterOf(const RowOptions &options)
+{
+    LspFilter filter;
+    if (options.tunnelId.IsGiven())
+        filter.tunnelId = options.tunnelId.Number();
+    if (options.lspId.IsGiven())
+        filter.lspId = options.lspId.Number();
+    if (options.endPoint.IsGiven())
+        filter.endPoint = options.endPoint.Address();
+    if (options.sender.IsGiven())
+        filter.sender = options.sender.Address();
+    return filter;
+}
+
+/** One row of a view: a line below its heading, or a block of lines. */
+std::string ViewText(const Output &out, const RowView &view, bool isFirst, const void *row)
+{
+    if (out.IsJson())
+        return {};
+    if (out.ChosenStyle() == Style::Detail)
+        return (isFirst ? "" : "\n") + view.detail(row);
+    return (isFirst ? out.Heading(view.header()) : "") + view.brief(row);
+}
+
+Exit ShowRows(Output &out, const std::string &operation, const ShowSpec &show, const RowOptions &options)
+{
+    const manager::Table &table = options.ingress.IsGiven() ? *show.ingressTable : *show.table;
+    const LspFilter filter = FilterOf(options);
+    std::vector<std::byte> after(table.key().size);
+    if (options.after.IsGiven())
+        RequireKey(table.key(), options.after.Text(), after.data());
+    out.BeginRows(operation, table);
+    const manager::Session session(table.first.held);
+    if (session.IsMissing())
+        return out.EndRows({manager::WalkEnd::Broken, 0, RSVP_MOR_ERR_LIPC, "RSVP_MOR_LIPCOpen", ""});
+    uint64_t shown = 0;
+    manager::WalkResult result;
+    {
+        Progress progress;
+        uint64_t rows = 0;
+        const void *behind = options.after.IsGiven() ? after.data() : nullptr;
+        result = Walk(table, session.Fd(), behind, [&](void *row) {
+            bool written = true;
+            if (show.takes == nullptr || show.takes(filter, row)) {
+                progress.BeforeRow();
+                written =
+                    show.view == nullptr ? out.Row(row) : out.Row(row, ViewText(out, *show.view, shown == 0, row));
+                ++shown;
+            }
+            progress.AfterRow(++rows);
+            return written;
+        });
+    }
+    result.rows = shown;
+    return out.EndRows(result);
+}
+
+Exit ShowRow(Output &out, const std::string &operation, const ShowSpec &show, const Option &keyOption)
+{
+    std::vector<std::byte> key(show.table->key().size);
+    RequireKey(show.table->key(), keyOption.Text(), key.data());
+    return ShowRecord(out, operation, *show.table, key.data(), "key " + keyOption.Text());
+}
+
+RowOptions AddRowOptions(const Node &node, const ShowSpec &show)
+{
+    RowOptions options;
+    const manager::RecordDescription &key = show.table->key();
+    options.after = node.AddKey("--after", key, "Begin behind the row with this key");
+    if (show.HasRecord())
+        options.key = node.AddKey("key,--key", key, "One row only").Excludes(options.after);
+    if (show.ingressTable != nullptr)
+        options.ingress =
+            node.AddFlag("--ingress", "Only tunnels that begin here; not with a key").Excludes(options.key);
+    if (show.takes != nullptr) {
+        options.tunnelId = node.AddNumber("--tunnel-id", UINT16_MAX, "Only LSPs of this tunnel");
+        options.lspId = node.AddNumber("--lsp-id", UINT16_MAX, "Only LSPs with this identifier");
+        options.endPoint = node.AddAddress("--end-point", "Only LSPs to this end point");
+        options.sender = node.AddAddress("--sender", "Only LSPs from this sender");
+    }
+    return options;
+}
+
+std::string Examples(const std::string &name, const ShowSpec &show)
+{
+    const std::string command = "  rsvpctl " + name;
+    if (show.keyExample != nullptr)
+        return BlockExamples(name, show);
+    if (!show.HasRows())
+        return command + "\n" + command + " --json";
+    if (show.takes != nullptr)
+        return command + "\n" + command + " --detail --tunnel-id 100\n" + command + " --end-point 10.0.0.4 --json";
+    const std::string shape = KeyShape(show.table->key());
+    return command + "\n" + command + " --json\n" + command + " --after " + shape +
+           (show.HasRecord() ? "\n" + command + " " + shape : "");
+}
+
+void AddShow(CommandLine &line, Node parent, const std::string &word, const ShowSpec &show)
+{
+    const std::string name = parent.Path() + " " + word;
+    Command &command = line.Add(parent, word, show.help, Examples(name, show));
+    command.mayBeLong = true;
+    if (show.table == nullptr) {
+        command.run = [&command](Output &out) { return ShowCounters(out, command.name); };
+    } else if (show.HasRows()) {
+        const RowOptions options = AddRowOptions(command.node, show);
+        command.run = [&command, &show, options](Output &out) {
+            return options.key.IsGiven() ? ShowRow(out, command.name, show, options.key)
+                                         : ShowRows(out, command.name, show, options);
+        };
+    } else if (show.keyExample != nullptr) {
+        const BlockOptions options = AddBlockOptions(command.node, show);
+        command.run = [&command, &show, options](Output &out) {
+            return WithBlock(out, command.name, show, options, [&](void *block) {
+                return out.Record(command.name, show.table->row(), block, show.view->detail);
+            });
+        };
+    } else {
+        command.run = [&command, &show](Output &out) {
+            return ShowRecord(out, command.name, *show.table, nullptr, "");
+        };
+    }
+}
+
+std::string GroupExamples(const std::string &path, const GroupSpec &group)
+{
+    std::string text;
+    for (const std::string_view example : manager::Split(group.examples, '\n'))
+        text += (text.empty() ? "  rsvpctl " : "\n  rsvpctl ") + path + " " + group.word + " " + std::string(example);
+    return text;
+}
+
+} // namespace
+
+void AddShowCommands(CommandLine &line, Node parent)
+{
+    const Node shows = line.AddGroup(parent, "show", "Read settings, counters, tables and state",
+                                     "  rsvpctl show global\n"
+                                     "  rsvpctl show interfaces 3 --json\n"
+                                     "  rsvpctl show tunnels --ingress\n"
+                                     "  rsvpctl show neighbours --after 1,0        the rows behind this key");
+    std::map<std::string, Node> groups;
+    for (const ShowSpec &show : AllShows()) {
+        const std::string words = show.words;
+        const size_t space = words.find(' ');
+        if (space == std::string::npos) {
+            AddShow(line, shows, words, show);
+            continue;
+        }
+        const std::string group = words.substr(0, space);
+        if (!groups.contains(group)) {
+            const auto &spec = *std::find_if(std::begin(kGroups), std::end(kGroups),
+                                             [&](const GroupSpec &one) { return one.word == group; });
+            groups[group] = line.AddGroup(shows, group, spec.help, GroupExamples(shows.Path(), spec));
+        }
+        AddShow(line, groups[group], words.substr(space + 1), show);
+    }
+}
+
+} // namespace rsvpctl

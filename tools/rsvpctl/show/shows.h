@@ -1,0 +1,35 @@
+// Every `show`, described once: what it reads, how a row looks, what it can be asked for. The commands, the schema
+// and `watch` are made of these descriptions.
+#ifndef TOOLS_RSVPCTL_SHOW_SHOWS_H
+#define TOOLS_RSVPCTL_SHOW_SHOWS_H
+
+#include "manager/table/table.h"
+#include "tools/rsvpctl/show/lsp_filters.h"
+#include "tools/rsvpctl/view/views.h"
+
+#include <span>
+#include <string_view>
+
+namespace rsvpctl {
+
+struct ShowSpec {
+    const char *words; // without "show"
+    const char *help;
+    const manager::Table *table = nullptr;        // null for `counters`, which is four numbers of four reads
+    const RowView *view = nullptr;                // null: the fields of the record as columns
+    RowFilter takes = nullptr;                    // not null: rows can be chosen by tunnel, LSP, end point and sender
+    const manager::Table *ingressTable = nullptr; // what --ingress reads instead
+    const char *keyExample = nullptr;             // of a block that is read by its key alone
+
+    bool HasRows() const { return table != nullptr && table->next.function != nullptr; }
+    bool HasRecord() const { return table == nullptr || table->get.function != nullptr; }
+};
+
+std::span<const ShowSpec> AllShows();
+
+/** By the words of a command behind its "show"; the words are those of a command that there is. */
+const ShowSpec &ShowNamed(std::string_view words);
+
+} // namespace rsvpctl
+
+#endif
