@@ -27,7 +27,7 @@ constexpr Field Whole(const char *name, FieldKind kind, size_t offset, const Rec
     return {name, kind, static_cast<uint32_t>(offset), sizeof(Member), 0, record, 0, {}};
 }
 
-/** A pointer to entries in front, and somewhere behind it their 16-bit count. */
+/** A list record: a pointer to entries first, then their 16-bit count. */
 template <typename ListType> constexpr Field ListOf(const char *name, size_t offset, const RecordDescription *record)
 {
     static_assert(std::is_pointer_v<decltype(ListType::entries)> && offsetof(ListType, entries) == 0);
@@ -38,7 +38,7 @@ template <typename ListType> constexpr Field ListOf(const char *name, size_t off
         {}};
 }
 
-/** A chain is followed by its nodes' first bytes, so the link to the next node stands there. */
+/** A chain is followed by the first bytes of its nodes, so these must be the link to the next node. */
 template <typename NodePointer>
 constexpr Field ChainOf(const char *name, size_t offset, const RecordDescription *record)
 {

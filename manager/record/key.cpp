@@ -68,7 +68,7 @@ void Add(Values &values, std::string_view name, std::string_view value)
         throw KeyError(fmt::format("{} is given twice", name));
 }
 
-/** The names of what the key lacks, or an empty text. */
+/** The names of the fields that have no value, or an empty text. */
 std::string Missing(const std::vector<Leaf> &leaves, const Values &values)
 {
     std::string missing;

@@ -1,5 +1,5 @@
-// Keys of rows as people and programs write them: values in order, names with values, or a JSON object. Whatever is
-// wrong with one is said with the shape of the key, since nobody knows the fields of seventeen keys by heart.
+// Keys of rows as people and programs write them: values in order, names with values, or a JSON object. A refusal
+// shows the shape of the key, since nobody knows the fields of every key by heart.
 #ifndef MANAGER_RECORD_KEY_H
 #define MANAGER_RECORD_KEY_H
 

@@ -1,5 +1,5 @@
-// What can be told of a description without a record of its kind. The descriptions themselves stand in
-// status_records.cpp, lsp_records.cpp and p2mp_records.cpp.
+// What a description says without a record of its kind. The descriptions themselves are in status_records.cpp,
+// lsp_records.cpp and p2mp_records.cpp.
 #include "manager/record/record.h"
 
 namespace manager {

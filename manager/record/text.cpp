@@ -101,7 +101,7 @@ std::string Quoted(std::string_view text, const Quotes &quotes)
             out += quotes.before;
         out += c;
         if (special)
-            out += quotes.behind;
+            out += quotes.after;
     }
     return out + quotes.mark;
 }

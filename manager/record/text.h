@@ -46,12 +46,12 @@ std::vector<std::string_view> Split(std::string_view text, char separator);
 /** The texts with the separator between them. */
 std::string Joined(std::span<const std::string> texts, std::string_view separator);
 
-/** The marks around a quoted text, and what stands before and behind each special character inside it. */
+/** The mark around a quoted text, and what goes before and after each special character inside it. */
 struct Quotes {
     char mark;
     std::string_view special;
     std::string_view before;
-    std::string_view behind;
+    std::string_view after;
 };
 inline constexpr Quotes kShellQuotes{'\'', "'", "'\\", "'"};
 inline constexpr Quotes kDotQuotes{'"', "\"\\", "\\", ""};

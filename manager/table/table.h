@@ -22,7 +22,7 @@ struct RowRead {
 struct KeyPart {
     const char *field = "";
     uint32_t offset = 0;
-    uint32_t size = 0; // 0 behind the last part
+    uint32_t size = 0; // 0 after the last part
 };
 
 struct Table {

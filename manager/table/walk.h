@@ -1,5 +1,5 @@
-// Walking a table. The walk keeps one row and two keys, so that its memory does not grow with the table, and it tells
-// three ends apart: the daemon said that there is no further row, something broke it, or the keys do not advance.
+// Walking a table. The walk keeps one row and two keys, so that its memory does not grow with the table, and it has
+// three ends: the daemon said that there is no further row, something broke the walk, or the keys do not advance.
 #ifndef MANAGER_TABLE_WALK_H
 #define MANAGER_TABLE_WALK_H
 
@@ -34,10 +34,10 @@ struct WalkResult {
     std::string lastKey;           // key of the last row, as ReadKey takes it; empty before the first
 };
 
-/** Looks at a row, which is released behind it; false ends the walk as stopped. */
+/** Looks at a row, which is released afterwards; false ends the walk as stopped. */
 using OnRow = std::function<bool(void *row)>;
 
-/** Walks a table from its first row, or from the row behind the key in `after`, if that is not null. */
+/** Walks a table from its first row, or from the row after the key in `after`, if that is not null. */
 WalkResult Walk(const Table &table, int32_t fd, const void *after, const OnRow &onRow);
 
 } // namespace manager

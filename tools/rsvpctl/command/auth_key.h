@@ -1,5 +1,5 @@
-// Authentication keys, which come from a file or standard input alone: what stands in a command line is seen by every
-// user of the machine.
+// Authentication keys, which come from a file or standard input alone: every user of the machine can see what is in a
+// command line.
 #ifndef TOOLS_RSVPCTL_COMMAND_AUTH_KEY_H
 #define TOOLS_RSVPCTL_COMMAND_AUTH_KEY_H
 
@@ -18,7 +18,7 @@ public:
     AuthKey(const AuthKey &) = delete;
     AuthKey &operator=(const AuthKey &) = delete;
 
-    /** Reads the key from a file, or from standard input for "-". One line end behind a key is not part of it, unless
+    /** Reads the key from a file, or from standard input for "-". A line end after the key is not part of it, unless
      * the key has its full length. Throws UsageError. */
     void Read(const std::string &file);
     const uint8_t *Bytes() const { return bytes_.data(); }

@@ -24,7 +24,7 @@ struct BatchOptions {
     bool fromInput = false; // the batch itself is standard input
 };
 
-// What a line reads has no bytes to show: most of its requests depend on the answers.
+// A line that only reads has no bytes to show: most of its requests depend on the answers.
 Exit Rehearse(Output &out, const Command &command)
 {
     manager::Json requests = manager::Json::array();
@@ -80,7 +80,7 @@ uint32_t StatusOf(Exit exit)
     }
 }
 
-/** Runs the lines of `input`; `name` stands in messages. The result is the highest exit status of the lines. */
+/** Runs the lines of `input`; `name` is what messages call it. The result is the highest exit status of the lines. */
 Exit RunBatch(Output &out, CommandLine &line, std::istream &input, const std::string &name,
               const BatchOptions &options)
 {
@@ -133,7 +133,7 @@ std::vector<std::string> SplitWords(std::string_view line)
         }
     }
     if (quote != '\0')
-        throw UsageError(fmt::format("a quote {} is open at the end of the line", quote));
+        throw UsageError(fmt::format("the quote {} is not closed", quote));
     if (inWord)
         words.push_back(std::move(word));
     return words;

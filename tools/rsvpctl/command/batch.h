@@ -8,8 +8,8 @@
 
 namespace rsvpctl {
 
-/** The words of a line: spaces part them, quotes of either kind keep them together, # begins a comment where a word
- * could begin. Throws UsageError for a quote that is left open. */
+/** The words of a line: spaces separate them, quotes of either kind keep them together, # begins a comment where a
+ * word could begin. Throws UsageError for a quote that is not closed. */
 std::vector<std::string> SplitWords(std::string_view line);
 
 } // namespace rsvpctl

@@ -28,7 +28,7 @@ Exit status: 0 done; 1 the daemon refused; 2 wrong usage; 3 no session to the da
                      fmt::format("see 'rsvpctl{}{} --help'", name.empty() ? "" : " ", name));
 }
 
-// A word that no parser took says more than the parser's complaint about what is missing behind it.
+// A word that no parser took says more than the parser's complaint about what should follow it.
 std::string Problem(const CLI::App &top, const CLI::ParseError &error)
 {
     const std::vector<std::string> left = top.remaining(true);
@@ -113,12 +113,12 @@ Command &CommandLine::ParseLine(const std::vector<std::string> &words)
             continue;
         Command &command = *found->second;
         if (!command.inBatch)
-            Refuse(command.name, "cannot stand in a batch");
+            Refuse(command.name, "cannot be used in a batch");
         try {
-            const auto last = words.rend() - static_cast<std::ptrdiff_t>(count);
+            const auto last = words.rend() - static_cast<ptrdiff_t>(count);
             command.node.App().parse(std::vector<std::string>(words.rbegin(), last));
         } catch (const CLI::CallForHelp &) {
-            Refuse(command.name, "--help cannot stand in a batch");
+            Refuse(command.name, "--help cannot be used in a batch");
         } catch (const CLI::ParseError &error) {
             Refuse(command.name, Problem(command.node.App(), error));
         }

@@ -27,7 +27,7 @@ struct Command {
     /** What it would send. Empty for a command that changes nothing at the daemon. May throw UsageError. */
     std::function<std::vector<WireRequest>()> requests;
 
-    bool inBatch = true;    // may stand in a batch file
+    bool inBatch = true;    // may be used in a batch file
     bool mayBeLong = false; // may fill more than a screen; a change or a watch is never held behind a pager
 };
 
@@ -49,13 +49,13 @@ public:
     /**
      * Parses a whole command line, without the program's name.
      *
-     * @return the command to run; null if help was asked for, which then stands in `help`. Throws UsageError.
+     * @return the command to run; null if help was asked for, which is then in `help`. Throws UsageError.
      */
     Command *Parse(const std::vector<std::string> &words, std::string &help);
 
     /**
      * Parses a line of a batch. The parser of the command that it names is cut off from the tree by that, so the
-     * whole command line can not be parsed again afterwards. Throws UsageError.
+     * whole command line cannot be parsed again afterwards. Throws UsageError.
      */
     Command &ParseLine(const std::vector<std::string> &words);
 

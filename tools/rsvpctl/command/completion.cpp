@@ -14,7 +14,7 @@
 namespace rsvpctl {
 namespace {
 
-// A check for membership puts its list behind the type: "WHEN:{auto,always,never}".
+// A check for membership appends its list to the type: "WHEN:{auto,always,never}".
 std::vector<std::string> ChoicesOf(const CLI::Option &option)
 {
     const std::string type = option.get_type_name();
@@ -41,7 +41,7 @@ void AddNodes(const Node &at, std::vector<CompletionOption> inherited, std::vect
             for (const std::string &choice : choices)
                 node.words.push_back({choice, option->get_description()});
         }
-        // Help stands in every node on its own; the one of the program is enough to offer.
+        // Every node has a help option of its own; the program's is enough to offer.
         const bool isNewOption = nodes.empty() || option != app.get_help_ptr();
         for (const std::string &name : isNewOption ? option->get_lnames() : std::vector<std::string>{})
             node.options.push_back({"--" + name, option->get_description(), option->get_items_expected_min() > 0,
@@ -101,7 +101,7 @@ std::string Quoted(const std::string &text)
 }
 
 // `words` is the shell's array of the command line, `count` the number of words between the program's name and the
-// cursor. "node" becomes the words that lead to a node, each with a space in front.
+// cursor. "node" becomes the words that lead to a node, each after a space.
 std::string FindNode(const std::vector<CompletionNode> &nodes, const char *words, const char *count)
 {
     return fmt::format(R"(    local node='' word='' value=''

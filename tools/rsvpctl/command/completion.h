@@ -22,7 +22,7 @@ struct CompletionOption {
     std::vector<std::string> choices; // of its value
 };
 
-/** What can stand behind the words of `path`. */
+/** What can follow the words of `path`. */
 struct CompletionNode {
     std::string path; // "show psb"; empty for the program itself
     std::vector<CompletionWord> words;

@@ -25,7 +25,7 @@ public:
 
     bool IsGiven() const;
 
-    /** What was written; an empty text if nothing was. */
+    /** The text that was given, or an empty one. */
     std::string Text() const;
     std::vector<std::string> Words() const;
 
@@ -47,7 +47,7 @@ private:
     CLI::Option *option_ = nullptr;
 };
 
-/** A word of the command line, and what may stand behind it. Names are "word,--option" for an argument that is an
+/** A word of the command line, and what may follow it. Names are "word,--option" for an argument that is an
  * option too, "--option" for an option alone. */
 class Node {
 public:
@@ -67,7 +67,7 @@ public:
     Option AddKey(const std::string &names, const manager::RecordDescription &description,
                   const std::string &help) const;
 
-    /** A key whose parts may stand apart: its check comes with its reading. */
+    /** A key whose parts may be separate words: it is checked when it is read. */
     Option AddKeyWords(const std::string &names, const manager::RecordDescription &description,
                        const std::string &help) const;
 

@@ -9,7 +9,7 @@
 
 namespace rsvpctl {
 
-/** Runs `use` on a session that is closed behind it, or says that there is none. A function that opens a session of
+/** Runs `use` on a session and closes it, or says that there is none. A function that opens a session of
  * its own is `held` = false and gets -1. */
 Exit WithSession(Output &out, const std::string &operation, bool held, const std::function<Exit(int32_t fd)> &use);
 

@@ -11,7 +11,7 @@
 
 namespace rsvpctl {
 
-// Message classes, operations, and the items that say whom a command is for.
+// Message classes, operations, and the items that name the interface or peer of a command.
 constexpr uint8_t kGlobalClass = 0;
 constexpr uint8_t kInterfaceClass = 1;
 constexpr uint8_t kResetClass = 5;
@@ -34,11 +34,11 @@ struct WireRequest {
 
 /** The four bytes of an item with a 32-bit number. */
 std::vector<uint8_t> WordBytes(uint32_t number);
-/** A 16-bit number in front and two zero bytes. */
+/** A 16-bit number, then two zero bytes. */
 std::vector<uint8_t> ShortBytes(uint16_t number);
 /** Two 16-bit numbers. */
 std::vector<uint8_t> PairBytes(uint16_t first, uint16_t second);
-/** A byte in front and three zero bytes. */
+/** A byte, then three zero bytes. */
 std::vector<uint8_t> ByteBytes(uint8_t number);
 
 /** {"class":0,"op":0,"items":[{"type":15,"value":"001e0000"}]} */

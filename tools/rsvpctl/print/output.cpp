@@ -1,5 +1,5 @@
 // The document and the messages. JSON is written piece by piece, since a walk of any length must neither wait for its
-// end nor grow in memory; each piece comes from the JSON library, so that quoting is never done by hand.
+// end nor grow in memory; each piece comes from the JSON library, so that nothing is quoted by hand.
 #include "tools/rsvpctl/print/output.h"
 
 #include "manager/record/text.h"
@@ -75,7 +75,7 @@ bool Output::Flush()
 
 void Output::Message(const std::string &text)
 {
-    // There is nowhere left to tell that standard error cannot be written.
+    // If standard error cannot be written, there is nowhere left to say so.
     (void)std::fwrite(text.data(), 1, text.size(), messages_);
     (void)std::fputc('\n', messages_);
 }
@@ -201,7 +201,7 @@ Exit Output::WrongUsage(const std::string &operation, const UsageError &error)
     OpenDocument(operation);
     if (IsJson())
         Member("error", error.what());
-    // The library's code for a bad argument; the exit status tells it from a failed exchange.
+    // The library's code for a bad argument; the exit status distinguishes it from a failed exchange.
     CloseDocument(RSVP_MOR_ERR_FAIL, Exit::Usage);
     return Exit::Usage;
 }
@@ -273,12 +273,12 @@ bool Output::Row(const void *record, const std::string &text)
 
 Exit Output::EndRows(const WalkResult &result)
 {
-    // A table that cannot be written any more has no end to tell of; Finish says what became of it.
+    // A table that can no longer be written has no end to report; Finish says what happened.
     if (result.end == WalkEnd::Stopped)
         return Exit::Done;
     const std::string count = CountText(result.rows, "row");
     const std::string onward =
-        result.lastKey.empty() ? "" : fmt::format("; '--after {}' goes on behind the last one", result.lastKey);
+        result.lastKey.empty() ? "" : fmt::format("; '--after {}' goes on after the last one", result.lastKey);
     const StatusText &text = Explain(result.status, result.function);
     Exit exit = text.exit;
     if (result.end == WalkEnd::Broken) {

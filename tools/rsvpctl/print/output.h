@@ -1,5 +1,5 @@
 // Everything that the tool prints goes through here: the document on standard output (tables, the detail view or one
-// JSON document) and what people are told on standard error. Rows are written as they come and none is kept.
+// JSON document) and the messages on standard error. Rows are written as they come and are not kept.
 #ifndef TOOLS_RSVPCTL_PRINT_OUTPUT_H
 #define TOOLS_RSVPCTL_PRINT_OUTPUT_H
 
@@ -15,7 +15,7 @@
 
 namespace rsvpctl {
 
-/** Of the documents; it changes when a program that reads them must. */
+/** Version of the documents: it changes when the programs that read them must change too. */
 constexpr int kSchemaVersion = 1;
 
 enum class Style : uint8_t { Table, Detail, Json };
@@ -39,7 +39,7 @@ public:
     /** Text that was asked for as text. */
     Exit Help(const std::string &text);
 
-    /** One record. A status other than 0 says that the record tells of a fault, such as a service that is stopped. */
+    /** One record. A status other than 0 means that the record reports a fault, such as a service that is stopped. */
     Exit Record(const std::string &operation, const manager::Json &record, uint32_t status = RSVP_MOR_OK);
 
     /** The same, where people want to read it in other words than the record's. */
@@ -74,10 +74,10 @@ public:
     bool ListRow(const manager::Json &row, const std::string &text);
     Exit EndList();
 
-    /** A line that stands above others. */
+    /** The text as a heading. */
     std::string Heading(const std::string &text) const;
 
-    /** One of many documents that tell of what happens, a line each, written at once. False when it cannot be. */
+    /** One of many documents that report events, one a line, written at once. False when it cannot be written. */
     bool Line(const manager::Json &document, const std::string &text);
 
     /** From BeginBatch to EndBatch every document becomes a row of the batch's own, and messages name the line. */
@@ -89,7 +89,7 @@ public:
     void Message(const std::string &text);
 
     /** The exit status after everything is written: a document that could not be written is a failure of its own,
-     * while a reader that went away got what it wanted. */
+     * but a reader that went away got what it wanted. */
     Exit Finish(Exit exit);
 
     Style ChosenStyle() const { return style_; }

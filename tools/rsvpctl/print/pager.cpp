@@ -23,7 +23,7 @@ void WaitFor(pid_t child)
         continue;
 }
 
-// Only what a signal handler may do: the pager sees the end of its input and the person leaves it when done.
+// Only what a signal handler may do: the pager sees the end of its input, and the person leaves it when done.
 extern "C" void LeaveToPager(int)
 {
     close(STDOUT_FILENO);
@@ -59,7 +59,7 @@ Pager::Pager(bool wanted)
     if (child_ == 0)
         BecomePager(pager, ends[0]);
     if (child_ > 0) {
-        // Messages stand with the rows that they belong to, unless they are kept in a file.
+        // Messages appear beside the rows that they belong to, unless they go to a file.
         for (const int stream : {STDOUT_FILENO, STDERR_FILENO}) {
             if (isatty(stream) != 1)
                 continue;

@@ -1,5 +1,5 @@
 // Records as people read them: a table whose columns are chosen once, before the first row is there, and the detail
-// view with every field. Text only; where it goes is output.h's matter.
+// view with every field. Text only: output.h decides where it goes.
 #ifndef TOOLS_RSVPCTL_PRINT_RENDER_H
 #define TOOLS_RSVPCTL_PRINT_RENDER_H
 

@@ -1,5 +1,5 @@
-// The table behind `rsvpctl explain` and behind every refusal. A code that means something narrower in one function
-// has a row of its own for it, since "an exchange failed" helps nobody whose service did not start.
+// The table behind `rsvpctl explain` and behind every refusal. A code with a narrower meaning in one function has
+// a row of its own for it, since "an exchange failed" helps nobody whose service did not start.
 #include "tools/rsvpctl/print/statuses.h"
 
 #include <algorithm>
@@ -15,7 +15,7 @@ constexpr StatusText kKnown[] = {
      "the daemon did not answer within 10 seconds, ended in mid-exchange, or sent a reply that is out of format",
      "look at 'rsvpctl status' and at the daemon's log, then try again"},
     {RSVP_MOR_ERR_NOT_EXIST, "RSVP_MOR_ERR_NOT_EXIST", Exit::Refused,
-     "the daemon has no row with this key, or no further row",
+     "the daemon has no row with this key, or no next row",
      "list the rows that there are with the same 'rsvpctl show' without a key"},
     {RSVP_MOR_ERR_LIPC, "RSVP_MOR_ERR_LIPC", Exit::NoSession,
      "no session to the daemon could be opened: it does not run, or is not ready yet",

@@ -1,5 +1,5 @@
 // What a status means to a person: its name, the likely cause, what to do about it, and the exit status that a script
-// sees. The library has no texts of its own, so they live here, all of them.
+// sees. The library has no texts of its own, so all of them are here.
 #ifndef TOOLS_RSVPCTL_PRINT_STATUSES_H
 #define TOOLS_RSVPCTL_PRINT_STATUSES_H
 
@@ -30,10 +30,10 @@ struct StatusText {
 /** The statuses that have a name, success among them. */
 std::span<const StatusText> KnownStatuses();
 
-/** The text of a status in general; any number that has no name is the daemon's own. */
+/** The text of a status in general; a number without a name is the daemon's own. */
 const StatusText &Explain(uint32_t status);
 
-/** The text of a status that a certain library function returned: some codes mean something narrower there. */
+/** The text of a status that a certain library function returned: some codes have a narrower meaning there. */
 const StatusText &Explain(uint32_t status, std::string_view function);
 
 } // namespace rsvpctl

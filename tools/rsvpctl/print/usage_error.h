@@ -1,4 +1,4 @@
-// Arguments that cannot be taken, from where they are found to where they are told.
+// The error of arguments that cannot be taken, from the place that finds it to the one that prints it.
 #ifndef TOOLS_RSVPCTL_PRINT_USAGE_ERROR_H
 #define TOOLS_RSVPCTL_PRINT_USAGE_ERROR_H
 

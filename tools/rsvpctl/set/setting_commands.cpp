@@ -125,7 +125,7 @@ void AddOptions(const Node &node, SettingCommand &command)
     }
     if (first.kind == ValueKind::Key)
         command.keyFile = node.AddFile("--key-file", "File with the key, at most 68 bytes, or - for standard input; "
-                                                     "a line end behind a shorter key is dropped")
+                                                     "a line end after a shorter key is dropped")
                               .Required(!command.undo);
 }
 

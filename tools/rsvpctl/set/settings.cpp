@@ -1,4 +1,4 @@
-// The table of settings and what it says about the wire. The commands made of it stand in setting_commands.cpp.
+// The table of settings and what it says about the wire. The commands made of it are in setting_commands.cpp.
 #include "tools/rsvpctl/set/settings.h"
 
 namespace rsvpctl {
@@ -107,8 +107,6 @@ constexpr Setting kSettings[] = {
 };
 // clang-format on
 
-// Item types of the key that a message of an interface or a peer begins with.
-
 WireItem ValueItem(const Setting &setting, const SettingArguments &arguments)
 {
     switch (setting.kind) {
@@ -121,7 +119,7 @@ WireItem ValueItem(const Setting &setting, const SettingArguments &arguments)
     case ValueKind::Pair:
         return {setting.item, PairBytes(Short(arguments.number), Short(arguments.secondNumber))};
     case ValueKind::Key:
-        // The length is all that a dry run tells of a key, so the bytes stay where they are.
+        // A dry run shows the length of a key and nothing else, so the bytes stay where they are.
         return {setting.item, std::vector<uint8_t>(RSVP_MOR_AUTH_KEY_SIZE), true};
     default:
         return {setting.item, {}};

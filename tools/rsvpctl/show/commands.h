@@ -8,7 +8,7 @@ namespace rsvpctl {
 
 class CommandLine;
 
-/** `show` and all that stands below it. */
+/** `show` and all commands below it. */
 void AddShowCommands(CommandLine &line, Node parent);
 
 void AddTreeCommand(CommandLine &line);

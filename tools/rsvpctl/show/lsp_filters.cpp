@@ -1,5 +1,5 @@
-// The filters on rows that have been read. Nodes that are not wanted are unlinked first, as their release functions
-// follow no link.
+// The filters on rows that have been read. Nodes that are not wanted are unlinked first, since their release
+// functions do not follow links.
 #include "tools/rsvpctl/show/lsp_filters.h"
 
 namespace rsvpctl {

@@ -1,5 +1,5 @@
 // Which LSPs a user wants to see: by tunnel, LSP, end point and sender. A block that holds many senders is cut down
-// to those that match, so that what is shown is what was asked for.
+// to those that match.
 #ifndef TOOLS_RSVPCTL_SHOW_LSP_FILTERS_H
 #define TOOLS_RSVPCTL_SHOW_LSP_FILTERS_H
 
@@ -20,7 +20,7 @@ struct LspFilter {
     bool AsksForSender() const { return lspId || sender; }
 };
 
-/** Tells whether the row is wanted. Filter specs that are not are taken out of the row and released. */
+/** Whether the row is wanted. Filter specs that are not wanted are taken out of the row and released. */
 bool Takes(const LspFilter &filter, RSVP_MOR_ReplyPsb &row);
 bool Takes(const LspFilter &filter, RSVP_MOR_ReplyRsb &row);
 bool Takes(const LspFilter &filter, RSVP_MOR_ReplyPhsb &row);

@@ -1,5 +1,5 @@
-// The nodes of the device and whether the service runs on each. The library tells only whether it runs anywhere, so
-// that a management program asks the platform itself.
+// The nodes of the device and whether the service runs on each. The library only says whether it runs anywhere, so a
+// management program asks the platform itself.
 #ifndef TOOLS_RSVPCTL_SHOW_NODES_H
 #define TOOLS_RSVPCTL_SHOW_NODES_H
 

@@ -1,5 +1,5 @@
-// Documents come in a few forms, told apart by their members; which record or rows a document holds is told by its
-// operation. Objects are closed: a member that the schema does not name is a fault of the tool.
+// Documents come in a few forms, which differ in their members; the operation of a document says which record or rows
+// it holds. Objects are closed: a member that is not in the schema is a fault of the tool.
 #include "tools/rsvpctl/show/schema.h"
 
 #include "manager/record/text.h"
@@ -99,8 +99,8 @@ Json FieldSchema(const Field &field)
     return array;
 }
 
-// A field may stand twice in a description, as what it is with one tag and as what it is without; then it is always
-// there. With one of the two alone it may lack.
+// A field may be described twice, once for records with a certain tag and once for all others; then it is always
+// there. If it is described for one of the two alone, it may be missing.
 Json RecordSchema(const RecordDescription &description)
 {
     Json members = Json::object();
@@ -206,7 +206,7 @@ Json Answer()
             {"allOf", Rules()}};
 }
 
-/** A line of a watch. Rows are those of the show; which, the operation tells. */
+/** A line of a watch. Its row is one of the show that the operation names. */
 Json Event()
 {
     const Json scalar{{"type", {"null", "number", "string", "array", "object"}}};
@@ -236,7 +236,7 @@ Json Event()
     return {{"anyOf", {Object(rows), Object(changed), Object(state)}}, {"allOf", std::move(rules)}};
 }
 
-/** What no record of the library describes. */
+/** The objects that are not records of the library. */
 void AddOwnRecords(Json &definitions)
 {
     definitions["address"] = {{"type", "string"}, {"format", "ipv4"}};

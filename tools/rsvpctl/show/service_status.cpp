@@ -13,7 +13,7 @@ namespace {
 
 using manager::Json;
 
-// The daemon answers if the cheapest question gets a reply; what it says is not looked at.
+// The daemon answers if the cheapest question gets a reply, whatever the reply says.
 uint32_t AskDaemon()
 {
     const manager::Session session;

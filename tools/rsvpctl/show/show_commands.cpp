@@ -1,5 +1,5 @@
 // The `show` commands, made of the descriptions in shows.cpp: walks with filters, single rows and blocks by their
-// keys. A row is printed as it comes and released at once.
+// keys. A row is printed when it comes and released at once.
 #include "manager/record/key.h"
 #include "manager/record/text.h"
 #include "manager/table/session.h"
@@ -109,7 +109,7 @@ RowOptions AddRowOptions(const Node &node, const ShowSpec &show)
 {
     RowOptions options;
     const manager::RecordDescription &key = show.table->key();
-    options.after = node.AddKey("--after", key, "Begin behind the row with this key");
+    options.after = node.AddKey("--after", key, "Begin after the row with this key");
     if (show.HasRecord())
         options.key = node.AddKey("key,--key", key, "One row only").Excludes(options.after);
     if (show.ingressTable != nullptr)
@@ -181,7 +181,7 @@ void AddShowCommands(CommandLine &line, Node parent)
                                      "  rsvpctl show global\n"
                                      "  rsvpctl show interfaces 3 --json\n"
                                      "  rsvpctl show tunnels --ingress\n"
-                                     "  rsvpctl show neighbours --after 1,0        the rows behind this key");
+                                     "  rsvpctl show neighbours --after 1,0        the rows after this key");
     std::map<std::string, Node> groups;
     for (const ShowSpec &show : AllShows()) {
         const std::string words = show.words;

@@ -27,7 +27,7 @@ struct ShowSpec {
 
 std::span<const ShowSpec> AllShows();
 
-/** By the words of a command behind its "show"; the words are those of a command that there is. */
+/** The show with these words; there is one. */
 const ShowSpec &ShowNamed(std::string_view words);
 
 } // namespace rsvpctl

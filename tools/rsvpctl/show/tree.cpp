@@ -30,7 +30,7 @@ void KeepLeaf(RSVP_MOR_P2mpCrlspInfo &record, uint32_t leaf)
     }
 }
 
-// The program itself stays in the C locale: only the character set of the user's is asked for.
+// The program itself stays in the C locale: it asks only for the user's character set.
 bool LocaleIsUtf8()
 {
     const locale_t locale = newlocale(LC_CTYPE_MASK, "", nullptr);

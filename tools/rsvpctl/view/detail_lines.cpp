@@ -1,5 +1,5 @@
-// The detail view of objects that several blocks share. A line names what it shows as RSVP does; whatever is there
-// and has no name for people is shown under the name of its field.
+// The detail view of objects that several blocks share. Values have the names of RSVP; a
+// value that has none is shown under the name of its field.
 #include "tools/rsvpctl/view/detail_lines.h"
 
 #include "manager/record/json.h"
@@ -54,7 +54,7 @@ std::string ParamsText(std::span<const RSVP_MOR_AdspecParam, 4> params, std::spa
     return text;
 }
 
-// Bytes are hex text in a row; text that is none, such as a name, is no number.
+// Bytes are hex text in a row; other text, such as a name, is not a number.
 bool IsHexText(const Json &value)
 {
     return value.is_string() &&

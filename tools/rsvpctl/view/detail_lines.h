@@ -29,12 +29,12 @@ public:
     void AddSessionAttribute(const RSVP_MOR_SessionAttr &attribute);
     void AddLabelRequest(const RSVP_MOR_LabelRequest &request);
 
-    /** The hops one a line, a label behind its address; nothing for an empty list. */
+    /** The hops, one a line, a label after its address; nothing for an empty list. */
     void AddHops(std::string_view name, const RSVP_MOR_HopList &list);
     void AddRoute(std::string_view name, const RSVP_MOR_RouteList &list);
 
     /** Numbers that have no word of their own, by the names of their fields and without those that are 0. The fields
-     * in `shown` stand elsewhere in the view; those of the records in `groups` count as the record's own. */
+     * in `shown` appear elsewhere in the view; those of the records in `groups` count as the record's own. */
     void AddOthers(const manager::RecordDescription &description, const void *record,
                    std::span<const std::string_view> shown, std::span<const std::string_view> groups = {});
 

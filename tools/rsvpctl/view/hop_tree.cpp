@@ -29,7 +29,7 @@ struct Hop {
     std::optional<uint32_t> label;
 };
 
-// A label stands behind the address that it leads to. Hops of other kinds name no place in the tree.
+// A label follows the address that it leads to. Hops of other kinds are not places in the tree.
 std::vector<Hop> HopsOf(const RSVP_MOR_HopList &list)
 {
     std::vector<Hop> hops;
@@ -70,7 +70,7 @@ void Draw(const HopNode &node, const std::string &indent, const Strokes &strokes
     }
 }
 
-// Nodes are numbered as they are met: one address may stand at many places of the tree.
+// Nodes are numbered as they are met, since one address may occur at many places in the tree.
 void AddDot(const HopNode &node, size_t parent, size_t &used, std::string &out)
 {
     for (const uint32_t leaf : node.leaves) {

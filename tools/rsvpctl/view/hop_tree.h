@@ -1,4 +1,5 @@
-// A point-to-multipoint LSP as a tree: sub-LSPs with the same first hops share them, and part where their routes do.
+// A point-to-multipoint LSP as a tree: sub-LSPs with the same first hops share them, and separate where their routes
+// do.
 #ifndef TOOLS_RSVPCTL_VIEW_HOP_TREE_H
 #define TOOLS_RSVPCTL_VIEW_HOP_TREE_H
 
@@ -30,7 +31,7 @@ struct HopTree {
  * two labels travels twice. */
 HopTree TreeOf(const RSVP_MOR_P2mpCrlspInfo &record);
 
-/** Lines with box characters, or with ASCII in their place. */
+/** Lines with box characters or, if wanted, ASCII ones. */
 std::string DrawTree(const HopTree &tree, bool ascii);
 
 /** A graph for `dot`. */

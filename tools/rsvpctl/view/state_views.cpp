@@ -1,5 +1,5 @@
 // Path, reservation and previous hop state for people. Columns are as wide as their widest value, an address or a
-// number, and what may be longer stands last.
+// number, and what may be longer comes last.
 #include "manager/record/text.h"
 #include "tools/rsvpctl/view/detail_lines.h"
 #include "tools/rsvpctl/view/views.h"

@@ -1,4 +1,4 @@
-// Words for the single values: addresses, rates, styles, flags. The objects made of them stand in detail_lines.cpp.
+// Words for the single values: addresses, rates, styles, flags. The objects made of them are in detail_lines.cpp.
 #include "tools/rsvpctl/view/words.h"
 
 #include "manager/record/text.h"

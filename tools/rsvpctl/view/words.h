@@ -8,7 +8,7 @@
 
 namespace rsvpctl {
 
-/** "10.0.0.1"; "-" for 0, which stands for no neighbour. */
+/** "10.0.0.1"; "-" for 0, which means that there is no neighbour. */
 std::string AddressText(uint32_t address);
 
 /** A rate in bytes a second as operators count it: "1 Mbit/s", "-" for none. */

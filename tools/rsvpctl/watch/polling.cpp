@@ -96,11 +96,11 @@ Waiter::Waiter()
     sigprocmask(SIG_BLOCK, &toEnd, &before_);
 }
 
-// What has come in meanwhile was answered by ending the watch.
+// Signals that came meanwhile were answered by ending the watch.
 Waiter::~Waiter()
 {
     signalfd_siginfo taken{};
-    while (read(signals_, &taken, sizeof taken) == sizeof taken)
+    while (read(signals_, &taken, sizeof(taken)) == sizeof(taken))
         continue;
     sigprocmask(SIG_SETMASK, &before_, nullptr);
     close(signals_);

@@ -1,4 +1,4 @@
-// Comparing rows. Two rows with the same text are equal, which is the case that costs nothing.
+// Comparing rows. Most rows are as they were, so equal texts are found first, at no cost.
 #include "tools/rsvpctl/watch/row_changes.h"
 
 #include <utility>

@@ -1,5 +1,5 @@
-// What changed between two polls of the same `show`: rows by key, fields by path, counters as rates. No clock and no
-// input of its own, so that it can be tried with any rows at any times.
+// What changed between two polls of the same `show`: rows by key, fields by path, counters as rates. It has no clock
+// and no input of its own, so tests can give it any rows at any time.
 #ifndef TOOLS_RSVPCTL_WATCH_ROW_CHANGES_H
 #define TOOLS_RSVPCTL_WATCH_ROW_CHANGES_H
 

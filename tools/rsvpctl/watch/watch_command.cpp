@@ -1,5 +1,5 @@
-// `watch show ...`: the same `show` again and again, of which only what changed is printed. It stands in the command
-// tree as a second `show`, so that each takes its own options there, and help and completion know them.
+// `watch show ...`: repeats a `show` and prints only what changed. It is a second `show` in the command tree, so that
+// each takes its own options there, and help and completion know them.
 #include "manager/record/text.h"
 #include "tools/rsvpctl/command/command_line.h"
 #include "tools/rsvpctl/print/usage_error.h"
@@ -76,7 +76,7 @@ public:
         return out_.Line(line, text);
     }
 
-    /** Tells of a failure when it begins and of its end, not at each poll in between. */
+    /** Reports a failure when it begins and when it ends, not at each poll in between. */
     bool ReportState(const PollResult &poll)
     {
         const uint32_t status =
@@ -174,7 +174,7 @@ Exit Watch(Output &out, const Command &command, const std::function<Exit(Output 
         written = reporter.ReportState(result) && written;
         if (!written || poll == last)
             return result.exit;
-        // The rows of a poll that failed half way are no base to tell changes from.
+        // Changes cannot be told from the rows of a poll that failed half way.
         if (!print && result.complete) {
             print = true;
             if (!out.IsJson())
