@@ -27,17 +27,16 @@ Exit RunProgram(const std::vector<std::string> &words)
 {
     CommandLine line;
     AddCommands(line);
-    std::string help;
     const Command *command = nullptr;
     try {
-        command = line.Parse(words, help);
+        command = &line.Parse(words);
     } catch (const UsageError &error) {
         Output out(WantsJson(words) ? Style::Json : Style::Table, Color::Auto);
         return out.Finish(out.WrongUsage(error.command.empty() ? "usage" : error.command, error));
     }
     Output out(line.ChosenStyle(), line.ChosenColor());
-    const Pager pager(line.MayUsePager() && (command == nullptr || command->mayBeLong));
-    return out.Finish(command == nullptr ? out.Help(help) : Run(out, *command));
+    const Pager pager(line.MayUsePager() && command->mayBeLong);
+    return out.Finish(Run(out, *command));
 }
 
 } // namespace

@@ -36,6 +36,14 @@ const StatusText &Explain(uint32_t status);
 /** The text of a status that a certain library function returned: some codes have a narrower meaning there. */
 const StatusText &Explain(uint32_t status, std::string_view function);
 
+/** What a status of the simulated daemon's own means. Another daemon may mean something else by the same number. */
+struct SimulatedStatus {
+    uint32_t status;
+    const char *meaning;
+};
+
+std::span<const SimulatedStatus> SimulatedStatuses();
+
 } // namespace rsvpctl
 
 #endif
