@@ -53,7 +53,7 @@ std::string HostDirectory::Read(const std::string &name) const
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-Result Run(const HostDirectory &directory, std::vector<std::string> words, const std::string &input, bool closed)
+Result Run(const HostDirectory &directory, std::vector<std::string> words, const std::string &input, Output output)
 {
     directory.Use();
     directory.Write("stdin", input);
@@ -72,7 +72,9 @@ Result Run(const HostDirectory &directory, std::vector<std::string> words, const
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addchdir_np(&actions, directory.PathOf("").c_str());
     posix_spawn_file_actions_addopen(&actions, 0, directory.PathOf("stdin").c_str(), O_RDONLY, 0);
-    if (closed)
+    if (output == Output::Closed)
+        posix_spawn_file_actions_addclose(&actions, 1);
+    else if (output == Output::ReaderGone)
         posix_spawn_file_actions_adddup2(&actions, ends[1], 1);
     else
         posix_spawn_file_actions_addopen(&actions, 1, directory.PathOf("stdout").c_str(),
@@ -88,8 +90,8 @@ Result Run(const HostDirectory &directory, std::vector<std::string> words, const
 
     int status = 0;
     waitpid(child, &status, 0);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), closed ? "" : directory.Read("stdout"),
-            directory.Read("stderr")};
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
+            output == Output::Kept ? directory.Read("stdout") : "", directory.Read("stderr")};
 }
 
 } // namespace program

@@ -31,9 +31,11 @@ struct Result {
     std::string err;
 };
 
-// Runs a program of this build to its end, in the directory and with `input` on its standard input. With `closed`,
-// whoever should read its standard output has gone.
+// What becomes of a program's standard output.
+enum class Output { Kept, ReaderGone, Closed };
+
+// Runs a program of this build to its end, in the directory and with `input` on its standard input.
 Result Run(const HostDirectory &directory, std::vector<std::string> words, const std::string &input = "",
-           bool closed = false);
+           Output output = Output::Kept);
 
 } // namespace program

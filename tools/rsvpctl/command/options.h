@@ -63,6 +63,7 @@ public:
     Option AddSeconds(const std::string &names, double min, double max, const std::string &help) const;
     Option AddChoice(const std::string &names, const std::string &type, const std::vector<std::string> &choices,
                      const std::string &help) const;
+    Option AddWords(const std::string &names, const std::string &type, const std::string &help) const;
     Option AddFile(const std::string &names, const std::string &help) const;
     Option AddKey(const std::string &names, const manager::RecordDescription &description,
                   const std::string &help) const;

@@ -51,7 +51,7 @@ std::span<const Setting> AllSettings();
 /** The largest number that the setting's field holds. */
 uint64_t MaximumOf(ValueKind kind);
 
-/** The request that the setting would send. */
+/** The request that the setting would send, with its items in words. */
 WireRequest RequestOf(const Setting &setting, const SettingArguments &arguments);
 
 } // namespace rsvpctl
