@@ -1,0 +1,41 @@
+#!/bin/sh
+# No offset beyond its value compiles. In a copy of each source of the library every offset is replaced by one that is
+# too large, each by another, so that the compiler must complain as often as there are offsets.
+#
+#     offsets_test.sh COMPILER SOURCE_FOLDER
+set -eu
+compiler=$1
+cd "$2"
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+view='(Load|Store)(Net|Raw)<|Part<'
+folders='channel config status tables lsp p2mp'
+total=0
+
+for source in $(grep -lE "$view" $(find $folders -name '*.cpp' -o -name '*.h') | grep -v '^channel/wire.h$'); do
+  awk -v view="$view" '{
+    out = ""
+    while (match($0, view)) {
+      out = out substr($0, 1, RSTART + RLENGTH - 1) 9999 ++seeded
+      $0 = substr($0, RSTART + RLENGTH)
+      sub(/^[^>]*/, "")
+    }
+    print out $0
+  }' "$source" >"$work/seeded.cpp"
+  wanted=$(grep -oE "$view" "$source" | wc -l)
+  "$compiler" -std=c++20 -I. -Iinclude -fsyntax-only -fno-diagnostics-show-caret -fmax-errors=0 "$work/seeded.cpp" \
+    2>"$work/errors" || true
+  refused=$(grep -c 'error:.*lies beyond the value' "$work/errors" || true)
+  [ "$refused" -eq "$wanted" ] || {
+    echo "$source: $wanted wrong offsets, of which $refused were refused"
+    exit 1
+  }
+  total=$((total + wanted))
+done
+echo "$total wrong offsets, all refused"
+[ "$total" -gt 0 ]
+
+if grep -rn 'unchecked::' $folders | grep -vE '^channel/(wire\.h|items\.cpp):'; then
+  echo "these lines go around the view"
+  exit 1
+fi
