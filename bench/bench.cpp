@@ -324,7 +324,7 @@ void ArmSize(State &state)
         size = static_cast<double>(std::filesystem::file_size(armLibrary));
         state.SetIterationTime(1);
     }
-    Row(state, size, 24'000, size, 28'000, true);
+    Row(state, size, 21'000, size, 21'000, true);
 }
 
 // Prints the table while the JSON file is written by the framework.
