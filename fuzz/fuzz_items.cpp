@@ -48,17 +48,18 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     liesLeft = std::min<size_t>(data[0], (size - 1) / kLieSize);
     const uint8_t *start = nextLie + liesLeft * kLieSize;
     const size_t length = std::min<size_t>(static_cast<size_t>(data + size - start), UINT16_MAX);
-    const std::vector<uint8_t> body(start, start + length); // a byte outside of it is seen
+    const std::vector<uint8_t> body(start, start + length); // a read outside of it is seen
 
     rsvp_mor::Items items{body.data(), static_cast<uint16_t>(length)};
     rsvp_mor::Item item;
     std::vector<uint8_t> copy;
     for (uint16_t left = items.left; rsvp_mor::NextItem(items, item) == rsvp_mor::ITEM_READ; left = items.left) {
-        Must(items.left < left && items.next + items.left == body.data() + length, "every item moves the walk on");
+        Must(items.left < left && items.next + items.left == body.data() + length,
+             "every item moves the walk forward");
         copy.assign(item.value, item.value + item.length);
     }
     uint8_t record[16] = {};
     const rsvp_mor::ItemResult first = rsvp_mor::CopyFirstRaw(body.data(), static_cast<uint16_t>(length), &record);
-    Must((first == rsvp_mor::ITEM_END) == (length == 0), "only an empty body has an end and no item");
+    Must((first == rsvp_mor::ITEM_END) == (length == 0), "only an empty body ends before its first item");
     return 0;
 }

@@ -1,6 +1,6 @@
 #!/bin/sh
-# No offset beyond its value compiles. In a copy of each source of the library every offset is replaced by one that is
-# too large, each by another, so that the compiler must complain as often as there are offsets.
+# No offset beyond its value compiles. In a copy of each source of the library every offset is replaced by one that is too
+# large, each by a different one, so that the compiler must report as many errors as there are offsets.
 #
 #     offsets_test.sh COMPILER SOURCE_FOLDER
 set -eu
@@ -27,7 +27,7 @@ for source in $(grep -lE "$view" $(find $folders -name '*.cpp' -o -name '*.h') |
     2>"$work/errors" || true
   refused=$(grep -c 'error:.*lies beyond the value' "$work/errors" || true)
   [ "$refused" -eq "$wanted" ] || {
-    echo "$source: $wanted wrong offsets, of which $refused were refused"
+    echo "$source: of $wanted wrong offsets only $refused were refused"
     exit 1
   }
   total=$((total + wanted))
@@ -36,6 +36,6 @@ echo "$total wrong offsets, all refused"
 [ "$total" -gt 0 ]
 
 if grep -rn 'unchecked::' $folders | grep -vE '^channel/(wire\.h|items\.cpp):'; then
-  echo "these lines go around the view"
+  echo "these lines bypass the checked views"
   exit 1
 fi
