@@ -1,5 +1,5 @@
-// Standard streams are files of the host directory, so that no amount of output can block a program. The daemon is
-// never started here: the service manager does that, and gives its word that it answers.
+// Standard streams are files in the host directory, so that no amount of output can block a program. The daemon is
+// not started here: the service manager does that, and returns once the daemon answers.
 #include "support/program.h"
 
 #include "platform/device.h"
@@ -22,7 +22,7 @@ HostDirectory::HostDirectory(const std::string &scenario)
 {
     char name[] = "/tmp/rsvp-test.XXXXXX";
     if (mkdtemp(name) == nullptr)
-        throw std::runtime_error("no directory can be made in /tmp");
+        throw std::runtime_error("cannot make a directory in /tmp");
     path_ = name;
     Write("scenario.toml", scenario);
     setenv("RSVP_SIMD", RSVPSIMD_PATH, 1);
@@ -66,7 +66,7 @@ Result Run(const HostDirectory &directory, std::vector<std::string> words, const
 
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) != 0)
-        throw std::runtime_error("no pipe");
+        throw std::runtime_error("cannot make a pipe");
     close(ends[0]);
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
