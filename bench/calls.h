@@ -2,7 +2,7 @@
 // answers them from memory, so that a daemon's own work does not hide the difference.
 #pragma once
 
-#include "frame.h"
+#include "host/daemon/wire/frame.h"
 
 #include <string>
 #include <sys/types.h>

@@ -1,9 +1,10 @@
 // The library and the daemon describe the same wire, each in its own way and without a line of code in common. Here
 // the two are held against each other over a real socket: random values that the daemon encodes by its field tables
 // must come out of the library under the same names, and the keys that the library sends must find the rows meant.
-#include "commands.h"
+#include "host/daemon/device/commands.h"
+#include "host/daemon/device/row_kinds.h"
+#include "host/daemon/wire/layout.h"
 #include "record_fields.h"
-#include "row_kinds.h"
 #include "support/program.h"
 
 #include <algorithm>
@@ -55,7 +56,7 @@ using nlohmann::json;
 using rsvpctl::Describe;
 using rsvpctl::FieldKind;
 using rsvpctl::RecordDescription;
-using rsvpsimd::Layout;
+using rsvpsimd::LayoutRef;
 using rsvpsimd::ListKind;
 using rsvpsimd::Order;
 using rsvpsimd::Shape;
@@ -162,14 +163,13 @@ json RandomValue(Random &random, const rsvpsimd::Field &field)
     return number >> (field.width == 8 ? 1 : 64 - 8 * field.width); // a scenario has no numbers of all 64 bits
 }
 
-json RandomFields(Random &random, std::string_view layoutName)
+json RandomFields(Random &random, LayoutRef layout)
 {
-    const Layout &layout = rsvpsimd::LayoutNamed(layoutName);
     std::map<std::string, json, std::less<>> values;
     json record = json::object();
-    for (const rsvpsimd::Field &field : layout.fields) {
+    for (const rsvpsimd::Field &field : layout->fields) {
         const auto kinds = [&](std::string_view name) { return values.at(std::string(name)).get<uint64_t>(); };
-        if (FindField(layout, field.name, kinds) == &field)
+        if (FindField(*layout, field.name, kinds) == &field)
             record[PlaceOf(field.name)] = values[field.name] = RandomValue(random, field);
     }
     return record;
@@ -187,9 +187,8 @@ void AddLists(Random &random, json &block, std::span<const ListKind> lists)
             continue;
         }
         json &entries = block[std::string(list.name)] = json::array();
-        const bool counted = list.shape == Shape::Counted;
         for (uint32_t i = 0; i < count; i++) {
-            json entry = RandomFields(random, counted ? rsvpsimd::FindListLayout(list.layout)->entry : list.layout);
+            json entry = RandomFields(random, *list.entry);
             AddLists(random, entry, list.children);
             entries.push_back(std::move(entry));
         }
@@ -272,10 +271,10 @@ std::vector<json::json_pointer> KeyPlaces(const rsvpsimd::RowKind &kind)
 {
     std::vector<json::json_pointer> places;
     if (kind.keyFields.empty())
-        for (const auto &field : rsvpsimd::LayoutNamed(kind.keyLayout).fields)
+        for (const auto &field : kind.keyLayout->fields)
             places.push_back(PlaceOf("requestKey." + field.name));
     for (const std::string_view key : kind.keyFields)
-        for (const auto &field : rsvpsimd::LayoutNamed(kind.parts.front().layout).fields)
+        for (const auto &field : kind.RowLayout()->fields)
             if (field.name == key || field.name.starts_with(std::string(key) + "."))
                 places.push_back(PlaceOf(field.name));
     return places;
@@ -665,13 +664,13 @@ const Setting kSettings[] = {
 // A field of the record where the command shows, as the wire's hex; empty if there is no such row.
 std::string Shown(int32_t fd, rsvpsimd::Target target, const std::string &field)
 {
-    const auto in = [&](uint32_t status, const auto &record, const char *layout) -> std::string {
+    const auto in = [&](uint32_t status, const auto &record, LayoutRef layout) -> std::string {
         if (status != RSVP_MOR_OK)
             return "";
         const json value = RecordToJson(Describe<std::decay_t<decltype(record)>>(), &record)[field];
         if (value.is_string())
             return value;
-        const auto *wire = FindField(rsvpsimd::LayoutNamed(layout), field, [](auto) { return 0; });
+        const auto *wire = FindField(*layout, field, [](auto) { return 0; });
         return fmt::format("{:0{}x}", value.get<uint32_t>(), 2 * wire->width);
     };
     RSVP_MOR_GlobalInfo global;

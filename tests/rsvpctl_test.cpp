@@ -2,8 +2,8 @@
 // daemon that is well, that misbehaves, or that is not there.
 #include "batch.h"
 #include "command_line.h"
-#include "frame.h"
-#include "instance.h"
+#include "host/daemon/instance.h"
+#include "host/daemon/wire/frame.h"
 #include "row_changes.h"
 #include "settings.h"
 #include "support/program.h"

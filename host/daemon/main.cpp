@@ -1,9 +1,9 @@
 // rsvpsimd: a simulated signalling daemon for machines that have none. It answers every request of the management
 // protocol from a scenario, from rows made by number, and from the commands that it was given.
+#include "host/daemon/instance.h"
+#include "host/daemon/options.h"
+#include "host/daemon/server.h"
 #include "host/directory.h"
-#include "instance.h"
-#include "options.h"
-#include "server.h"
 
 #include <csignal>
 #include <cstdio>

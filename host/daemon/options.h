@@ -1,7 +1,8 @@
 // The command line, and the daemon that it describes.
-#pragma once
+#ifndef HOST_DAEMON_OPTIONS_H
+#define HOST_DAEMON_OPTIONS_H
 
-#include "daemon.h"
+#include "host/daemon/daemon.h"
 
 #include <string>
 
@@ -27,3 +28,5 @@ void Configure(Daemon &daemon, Options &options);
 void ListLayouts();
 
 } // namespace rsvpsimd
+
+#endif

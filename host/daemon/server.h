@@ -1,8 +1,10 @@
 // The loop: one thread, one poll, any number of clients up to a limit. A client is read only when it has taken its
-// last answer and answers one request a turn, so that none can fill the memory or keep the others waiting.
-#pragma once
+// last answer, and one request of each is answered a turn, so that none can fill the memory or keep the others
+// waiting.
+#ifndef HOST_DAEMON_SERVER_H
+#define HOST_DAEMON_SERVER_H
 
-#include "daemon.h"
+#include "host/daemon/daemon.h"
 
 #include <deque>
 #include <list>
@@ -18,7 +20,7 @@ public:
     Server(const Server &) = delete;
     Server &operator=(const Server &) = delete;
 
-    enum class End : std::uint8_t { Stopped, Crashed };
+    enum class End : uint8_t { Stopped, Crashed };
     End Run();
 
 private:
@@ -30,7 +32,7 @@ private:
     };
     struct Client {
         int fd = -1;
-        std::uint64_t number = 0;
+        uint64_t number = 0;
         std::deque<Outgoing> answers = {}; // never more than those to one request
         bool blocked = false;              // the socket did not take the answer
     };
@@ -46,8 +48,10 @@ private:
     int stop_;
     Daemon &daemon_;
     std::list<Client> clients_; // the one that was silent longest is in front
-    std::uint64_t accepted_ = 0;
+    uint64_t accepted_ = 0;
     bool crashed_ = false;
 };
 
 } // namespace rsvpsimd
+
+#endif

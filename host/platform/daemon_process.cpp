@@ -9,7 +9,6 @@
 #include <chrono>
 #include <csignal>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
@@ -21,7 +20,6 @@
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
-#include <sys/un.h>
 #include <sys/wait.h>
 #include <system_error>
 #include <vector>
@@ -66,10 +64,7 @@ private:
 
 bool Answers(const std::string &directory)
 {
-    const std::string path = SocketPath(directory);
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    path.copy(address.sun_path, sizeof(address.sun_path) - 1);
+    const sockaddr_un address = SocketAddress(directory);
     const Descriptor probe(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     return probe.Get() >= 0 &&
            connect(probe.Get(), reinterpret_cast<const sockaddr *>(&address), sizeof(address)) == 0;
@@ -111,7 +106,7 @@ std::vector<std::string> CommandLine(const std::string &program, const std::stri
             words.push_back(word);
     }
     words.insert(words.end(), {program, "--host-dir", directory});
-    if (const std::string scenario = ScenarioPath(directory); access(scenario.c_str(), F_OK) == 0)
+    if (const std::string scenario = PathOf(directory, kScenarioFile); access(scenario.c_str(), F_OK) == 0)
         words.insert(words.end(), {"--scenario", scenario});
     return words;
 }
@@ -191,7 +186,7 @@ pid_t Launch(const std::vector<std::string> &words, const std::string &logPath)
 
 std::string WaitForAnswer(const std::string &directory, const Process &process)
 {
-    const std::string where = "; see " + LogPath(directory);
+    const std::string where = "; see " + PathOf(directory, kLogFile);
     const auto deadline = Clock::now() + kStartPatience;
     while (!DaemonIsUp(directory.c_str()) || !Answers(directory)) {
         // One that somebody starts by hand at this moment may have been faster; then that one is waited for.
@@ -219,9 +214,8 @@ bool WaitForEnd(const std::string &directory, const Process &process, millisecon
 
 pid_t LivingDaemon(const char *directory)
 {
-    char path[kDirectoryRoom + sizeof("/rsvpsimd.lock")];
-    std::snprintf(path, sizeof(path), "%s/rsvpsimd.lock", directory);
-    const Descriptor lock(open(path, O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    const FilePath path(directory, kLockFile);
+    const Descriptor lock(open(path.Get(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
     char text[16];
     const ssize_t length = lock.Get() < 0 ? 0 : read(lock.Get(), text, sizeof(text));
     pid_t pid = 0;
@@ -240,9 +234,7 @@ pid_t LivingDaemon(const char *directory)
 
 bool DaemonIsUp(const char *directory)
 {
-    char path[kDirectoryRoom + sizeof("/lipc-0ae18000")];
-    std::snprintf(path, sizeof(path), "%s/lipc-0ae18000", directory);
-    return access(path, F_OK) == 0 && LivingDaemon(directory) != 0;
+    return access(FilePath(directory, kSocketFile).Get(), F_OK) == 0 && LivingDaemon(directory) != 0;
 }
 
 std::string StartDaemon(const std::string &directory)
@@ -250,13 +242,13 @@ std::string StartDaemon(const std::string &directory)
     if (const pid_t living = LivingDaemon(directory.c_str()); living != 0)
         return WaitForAnswer(directory, Process(living));
     // What a daemon that crashed left behind would make the new one look ready before it is.
-    unlink(SocketPath(directory).c_str());
+    unlink(PathOf(directory, kSocketFile).c_str());
     const std::string program = FindProgram();
     if (program.empty())
         return "no program rsvpsimd can be found; set RSVP_SIMD to its path";
-    const pid_t pid = Launch(CommandLine(program, directory), LogPath(directory));
+    const pid_t pid = Launch(CommandLine(program, directory), PathOf(directory, kLogFile));
     if (pid == 0)
-        return "rsvpsimd cannot be started with the log " + LogPath(directory) + ": " + std::strerror(errno);
+        return "rsvpsimd cannot be started with the log " + PathOf(directory, kLogFile) + ": " + std::strerror(errno);
     const Process process(pid);
     std::string problem = WaitForAnswer(directory, process);
     // A start that failed must not succeed behind the caller's back later.

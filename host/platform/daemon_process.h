@@ -1,5 +1,6 @@
 // The daemon as a process of this machine: whether one lives in a host directory, and its start and its end.
-#pragma once
+#ifndef HOST_PLATFORM_DAEMON_PROCESS_H
+#define HOST_PLATFORM_DAEMON_PROCESS_H
 
 #include <string>
 #include <sys/types.h>
@@ -18,3 +19,5 @@ std::string StartDaemon(const std::string &directory);
 std::string StopDaemon(const std::string &directory);
 
 } // namespace rsvp_host
+
+#endif

@@ -18,7 +18,7 @@ constexpr int kProtocol = 1;
 constexpr int kSocketLevel = 1;
 constexpr int kSendTimeout = 0x1005;
 constexpr int kReceiveTimeout = 0x1006;
-constexpr std::size_t kAddressLength = 16;
+constexpr size_t kAddressLength = 16;
 
 } // namespace
 
@@ -41,7 +41,7 @@ int __wrap_socket(int family, int type, int protocol)
 // No other family of this system has these two option numbers, so the descriptor need not be asked for its own.
 int __wrap_setsockopt(int fd, int level, int option, const void *value, socklen_t length)
 {
-    std::uint32_t words[2];
+    uint32_t words[2];
     const bool timeout = option == kSendTimeout || option == kReceiveTimeout;
     if (level != kSocketLevel || !timeout || value == nullptr || length != sizeof(words))
         return setsockopt(fd, level, option, value, length);
@@ -69,7 +69,7 @@ int __wrap_connect(int fd, const sockaddr *address, socklen_t length)
     sockaddr_un file{};
     file.sun_family = AF_UNIX;
     // By hand: a formatted print takes as long as all that the library does in such a call.
-    char *end = stpcpy(stpcpy(file.sun_path, directory), "/lipc-");
+    char *end = stpcpy(stpcpy(stpcpy(file.sun_path, directory), "/"), rsvp_host::kSocketPrefix.data());
     for (int i = 2; i < 6; ++i) {
         *end++ = "0123456789abcdef"[bytes[i] >> 4];
         *end++ = "0123456789abcdef"[bytes[i] & 0xf];

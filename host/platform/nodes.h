@@ -1,14 +1,15 @@
 // The nodes of the device as the file "nodes" names them, for every platform call that is given a node.
-#pragma once
+#ifndef HOST_PLATFORM_NODES_H
+#define HOST_PLATFORM_NODES_H
 
 #include <cstdint>
 
 namespace rsvp_host {
 
 struct Nodes {
-    std::uint16_t master = 0; // 0: there is none
-    std::uint32_t standbyCount = 0;
-    std::uint16_t standby[64];
+    uint16_t master = 0; // 0: there is none
+    uint32_t standbyCount = 0;
+    uint16_t standby[64];
 };
 
 // Reads the file without use of the heap. Returns null, or what is wrong with the file, to stand behind its path in a
@@ -16,3 +17,5 @@ struct Nodes {
 const char *ReadNodes(const char *directory, Nodes &nodes);
 
 } // namespace rsvp_host
+
+#endif
