@@ -7,7 +7,6 @@
 
 #include <csignal>
 #include <cstdio>
-#include <fmt/format.h>
 #include <sys/signalfd.h>
 #include <system_error>
 #include <unistd.h>
@@ -35,9 +34,9 @@ void OpenTrace(rsvpsimd::Daemon &daemon, const std::string &path)
 {
     std::FILE *file = path.empty() ? stderr : std::fopen(path.c_str(), "ae");
     if (file == nullptr)
-        throw std::runtime_error(fmt::format("--trace: cannot write to {}", path));
+        throw std::runtime_error("--trace: cannot write to " + path);
     std::setvbuf(file, nullptr, _IOLBF, BUFSIZ);
-    daemon.TraceTo([file](const std::string &line) { fmt::print(file, "{}\n", line); });
+    daemon.TraceTo([file](const std::string &line) { std::fprintf(file, "%s\n", line.c_str()); });
 }
 
 int Serve(rsvpsimd::Daemon &daemon, const rsvpsimd::Options &options)

@@ -17,8 +17,10 @@ struct TomlSurprise : std::exception {};
 
 } // namespace rsvpsimd
 
+#pragma push_macro("NDEBUG")
 #undef NDEBUG
 #define TOML_ASSERT(expression) (static_cast<bool>(expression) ? void() : rsvpsimd::RefuseToml())
 #include <toml++/toml.h>
+#pragma pop_macro("NDEBUG")
 
 #endif
