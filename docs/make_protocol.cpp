@@ -195,8 +195,9 @@ void PrintTables()
             fmt::print("{}`{}`", separator, field);
             separator = ", ";
         }
-        fmt::print("\n- the first forms carry {}\n- reply:\n",
-                   kind.firstKey == FirstKey::Whole ? "a key whose content does not matter" : "an item without a value");
+        fmt::print("\n- the first forms carry {}\n- reply:\n", kind.firstKey == FirstKey::Whole
+                                                                   ? "a key whose content does not matter"
+                                                                   : "an item without a value");
         for (const Part &part : kind.parts)
             fmt::print("  - item {}: {}\n", part.item, Link(*part.layout));
         PrintLists(kind.lists, 1);

@@ -10,8 +10,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     Daemon daemon;
     try {
-        daemon.Add(
-            ReadScenarioText(daemon.GetDevice(), {reinterpret_cast<const char *>(data), size}, "input"));
+        daemon.Add(ReadScenarioText(daemon.GetDevice(), {reinterpret_cast<const char *>(data), size}, "input"));
     } catch (const ScenarioError &error) {
         Must(std::string_view(error.what()).starts_with("input:"), "a refusal names the file and the line");
         return 0;

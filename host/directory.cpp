@@ -1,5 +1,5 @@
-// Finds the host directory and says whether it can be trusted. The daemon and the stand-in for the platform
-// link the same object, so that a directory which one of them accepts is never refused by the other.
+// Finds the host directory and says whether it can be trusted. The daemon and the stand-in for the platform link the
+// same object, so that neither refuses a directory that the other accepts.
 #include "host/directory.h"
 
 #include <cerrno>
@@ -15,7 +15,7 @@ namespace rsvp_host {
 
 namespace {
 
-// "directory/" would be looked up through a link, and the check for links would then pass.
+// With a slash at the end the system would follow a link, and the check for links would pass.
 std::string_view WithoutTrailingSlashes(std::string_view path)
 {
     while (path.size() > 1 && path.back() == '/')
@@ -52,7 +52,7 @@ size_t WriteDirectoryPath(char *path, size_t size)
     if (runtime != nullptr && *runtime != '\0') {
         length = std::snprintf(path, size, "%s/rsvp-host", runtime);
     } else {
-        // The user that the program started as, known without a system call: this stands on the path of a connect.
+        // The user that started the program, without a system call: every connect comes through here.
         length = std::snprintf(path, size, "/tmp/rsvp-host-%lu", getauxval(AT_EUID));
     }
     return static_cast<size_t>(length);

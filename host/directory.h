@@ -1,5 +1,5 @@
 // The host directory: the folder of plain files that plays the device. The stand-in for the platform and the
-// simulated daemon both find it, check it and name its files by what stands here, so that they cannot disagree.
+// simulated daemon use the same code to find it, to check it and to name its files, so that they cannot disagree.
 #ifndef HOST_DIRECTORY_H
 #define HOST_DIRECTORY_H
 
@@ -14,12 +14,12 @@ namespace rsvp_host {
 // else /tmp/rsvp-host-UID. The answer is a path only; nothing on the disk is touched.
 std::string DirectoryPath(std::string_view chosen = {});
 
-// Room for the path of a host directory, its closing zero included. A longer one is refused everywhere: with the
-// name of the socket file behind it, it would not fit into a socket address.
+// Room for the path of a host directory, with its closing zero. A longer path is refused everywhere: with the name of
+// the socket file it would not fit into a socket address.
 inline constexpr size_t kDirectoryRoom = 94;
 
-// The same answer for callers that must not touch the heap. Returns the length of the whole path; if that is not
-// below `size`, what was written is cut.
+// The same for callers that must not use the heap. Returns the length of the whole path; if that is not below `size`,
+// the written path is cut off.
 size_t WriteDirectoryPath(char *path, size_t size);
 
 // 0 if `path` is a directory of this user's that nobody else can enter; ENOENT if nothing is there, EACCES if it is
@@ -46,7 +46,7 @@ static_assert(kSocketFile.starts_with(kSocketPrefix));
 
 std::string PathOf(std::string_view directory, std::string_view file);
 
-// The same without the heap, for a directory that has been found.
+// The same without the heap, for a directory whose path fits into kDirectoryRoom.
 class FilePath {
 public:
     FilePath(std::string_view directory, std::string_view file);

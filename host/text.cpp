@@ -1,4 +1,4 @@
-// One reading of words and numbers for the daemon and for the stand-in of the platform.
+// The daemon and the stand-in for the platform read words and numbers alike.
 #include "host/text.h"
 
 #include <algorithm>

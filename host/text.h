@@ -11,16 +11,16 @@ namespace rsvp_host {
 // The text without the blanks at its ends.
 std::string_view WithoutBlanks(std::string_view text);
 
-// Cuts the text up to the first of `ends` off, and that character with it.
+// Removes and returns the text up to the first character of `ends`; that character goes too.
 std::string_view CutOff(std::string_view &text, std::string_view ends);
 
-// Cuts the first word off, with the blanks in front of it; empty at the end.
+// Removes and returns the first word; empty at the end.
 std::string_view NextWord(std::string_view &text);
 
-// The whole of the text as a number from 0 to `most`; nothing if it is anything else.
+// The number from 0 to `most` that is all of the text, or nothing.
 std::optional<uint64_t> ReadDecimal(std::string_view text, uint64_t most);
 
-// The same; behind 0x the digits are hexadecimal.
+// The same; after 0x the digits are hexadecimal.
 std::optional<uint64_t> ReadNumber(std::string_view text, uint64_t most);
 
 } // namespace rsvp_host

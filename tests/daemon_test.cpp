@@ -54,8 +54,7 @@ TEST(WireTables, NoTwoFieldsOfOneFormOverlap)
             std::vector<int> used(layout.size);
             const KindLookup kinds = [kind](std::string_view) { return kind; };
             for (const Field &field : layout.fields) {
-                const size_t bytes =
-                    FindField(layout, field.name, kinds) == &field ? field.Size() : 0;
+                const size_t bytes = FindField(layout, field.name, kinds) == &field ? field.Size() : 0;
                 for (size_t i = 0; i < bytes; ++i)
                     EXPECT_EQ(++used[field.offset + i], 1) << layout.name << " " << field.name << " kind " << kind;
             }
@@ -158,7 +157,7 @@ TEST(Daemon, TakesCommandsShowsThemAndRefusesTheRest)
         uint8_t msgClass, op;
         std::string body;
         uint32_t status = kOk;
-        std::string read = {};                                // body of the get that shows it
+        std::string read = {}; // body of the get that shows it
         LayoutRef layout = "none";
         std::string_view field = {}, shown = {}; // shown: empty if the row is gone
     } rows[] = {

@@ -1,4 +1,4 @@
-// Checks a request, finds who answers it, and sends the answer through the faults that were asked for.
+// Checks a request, finds the answer, and applies the faults that were asked for.
 #include "host/daemon/daemon.h"
 
 #include "host/daemon/trace.h"
@@ -7,7 +7,7 @@ namespace rsvpsimd {
 
 namespace {
 
-// The item that says what a message is about: behind the key item, if there is one.
+// The item that says what a message is about. It comes after the key item, if there is one.
 uint16_t SubjectOf(const Message &message)
 {
     return message.items.empty() ? uint16_t{0xFFFF} : message.items.back().type;
@@ -49,7 +49,7 @@ Reply Daemon::Answer(ByteView request, uint64_t client)
         trace_(DescribeRequest(client, request));
     const std::optional<Message> message = ReadMessage(request);
     if (!message) {
-        // Without a whole header there is no one to answer to.
+        // Without a whole header there is nothing to answer.
         if (request.size() < kHeaderSize)
             reply = {.frame = {}, .copies = 0, .close = true};
         else
@@ -170,8 +170,8 @@ std::vector<Fault *> Daemon::FaultsFor(const Message &request)
     return faults;
 }
 
-// statWord1 to 4: commands carried out, commands refused, reads answered, reads refused (the ends of tables among
-// them). countsA of the first group counts requests by operation, countsB by class.
+// statWord1 to statWord4 count commands done, commands refused, reads answered and reads refused (ends of tables
+// included). countsA of the first group counts requests by operation, countsB by class.
 void Daemon::CountIn(const Message &request, uint32_t status)
 {
     Image &global = device_.Global();

@@ -1,4 +1,4 @@
-// The request side of the daemon, without a socket: bytes in, a reply out. Whatever comes in, the daemon stays whole.
+// The daemon without its socket: bytes in, a reply out. Whatever comes in, the daemon stays usable.
 #ifndef HOST_DAEMON_DAEMON_H
 #define HOST_DAEMON_DAEMON_H
 
@@ -16,7 +16,7 @@ public:
     void Add(const Behaviour &more);
     void TraceTo(TraceSink sink) { trace_ = std::move(sink); }
 
-    // `client` only tells the lines of the trace apart.
+    // `client` is only a label in the trace.
     Reply Answer(ByteView request, uint64_t client = 0);
 
 private:
@@ -24,7 +24,7 @@ private:
         uint32_t status = kOk;
         Bytes body = {};
     };
-    struct Walk { // what faults do to the search of rows
+    struct Walk { // what faults do to the search for rows
         bool stuck = false;
         bool shifting = false;
     };

@@ -1,5 +1,4 @@
-// Spoils ready-made answers. Faults that need the tables (a stuck row, a shifting table) strike where rows are
-// searched.
+// Spoils finished replies. Faults that need the tables (a stuck row, a shifting table) act where rows are searched.
 #include "host/daemon/faults.h"
 
 #include "host/daemon/wire/frame.h"
@@ -34,7 +33,7 @@ void Strike(const Fault &fault, Reply &reply)
         StoreNet(frame.subspan(2, 2), LoadNet(frame.subspan(2, 2)) + 1);
         break;
     case FaultKind::CutItem:
-        // Without an item to cut, a lone half of an item's header does as well.
+        // If there is no item to cut, half an item header does as well.
         reply.frame.resize(frame.size() > kHeaderSize ? frame.size() - 1 : kHeaderSize + 2);
         StoreNet(std::span(reply.frame).subspan(2, 2), reply.frame.size() - kHeaderSize);
         break;

@@ -1,4 +1,4 @@
-// What faults do to an answer that is otherwise ready.
+// What faults do to a reply that is otherwise ready.
 #ifndef HOST_DAEMON_FAULTS_H
 #define HOST_DAEMON_FAULTS_H
 
@@ -11,7 +11,7 @@ namespace rsvpsimd {
 
 struct Reply {
     Bytes frame;
-    int copies = 1; // 0: the request stays without an answer
+    int copies = 1; // 0: the request gets no answer
     std::chrono::milliseconds delay{0};
     bool close = false; // end the connection
     bool crash = false; // end the daemon

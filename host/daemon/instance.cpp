@@ -1,5 +1,5 @@
-// Takes the lock before anything else is touched: whoever holds it may remove the socket file that a daemon which
-// died has left behind. The lock file itself stays, since removing it would let two daemons lock two files.
+// Takes the lock before it touches anything else: whoever holds it may remove the socket file of a daemon that died.
+// The lock file itself stays; if it were removed, two daemons could lock two different files.
 #include "host/daemon/instance.h"
 
 #include "host/directory.h"

@@ -1,5 +1,5 @@
-// What makes this process the one daemon of its host directory: the lock that a second daemon finds taken, and the
-// socket file that clients connect to. Both are given up in the destructor.
+// What makes this process the only daemon of its host directory: the lock that a second daemon finds taken, and the
+// socket file that clients connect to. The destructor gives up both.
 #ifndef HOST_DAEMON_INSTANCE_H
 #define HOST_DAEMON_INSTANCE_H
 
@@ -9,7 +9,7 @@
 
 namespace rsvpsimd {
 
-// Says in one sentence what is in the way.
+// Says in one sentence what the problem is.
 class InstanceError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };

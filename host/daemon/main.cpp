@@ -1,5 +1,5 @@
 // rsvpsimd: a simulated signalling daemon for machines that have none. It answers every request of the management
-// protocol from a scenario, from rows made by number, and from the commands that it was given.
+// protocol from a scenario, from rows made by number, and from the commands it has received.
 #include "host/daemon/instance.h"
 #include "host/daemon/options.h"
 #include "host/daemon/server.h"
@@ -15,7 +15,7 @@ namespace {
 
 enum ExitStatus { kDone = 0, kUsage = 2, kNoInstance = 3, kToldToCrash = 4 };
 
-// Both signals that ask for an end arrive as something to read, so that the loop ends between two requests.
+// The two signals that end the daemon become something to read, so that the loop ends between two requests.
 int OpenStopSignals()
 {
     sigset_t signals;
@@ -29,7 +29,7 @@ int OpenStopSignals()
     return fd;
 }
 
-// Lines go out at once: a trace that ends with the daemon is of no use to whoever asks why it ended.
+// Lines go out at once: a trace that lacks its last lines does not tell why the daemon ended.
 void OpenTrace(rsvpsimd::Daemon &daemon, const std::string &path)
 {
     std::FILE *file = path.empty() ? stderr : std::fopen(path.c_str(), "ae");
@@ -44,7 +44,7 @@ int Serve(rsvpsimd::Daemon &daemon, const rsvpsimd::Options &options)
     const int stop = OpenStopSignals();
     rsvpsimd::Instance instance(rsvp_host::DirectoryPath(options.hostDirectory));
     rsvpsimd::Server server(instance.Listener(), stop, daemon);
-    // A crash leaves everything as it lies, which is what the fault is for.
+    // The fault is meant to leave everything as a crash would.
     if (server.Run() == rsvpsimd::Server::End::Crashed)
         _exit(kToldToCrash);
     return kDone;

@@ -1,4 +1,4 @@
-// Reads the command line and puts what it asks for into the daemon. Messages name the option that is wrong.
+// Reads the command line and sets the daemon up accordingly. Messages name the option that is wrong.
 #include "host/daemon/options.h"
 
 #include "host/daemon/scenario/generator.h"

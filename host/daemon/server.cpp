@@ -1,5 +1,5 @@
-// Moves records between the sockets and the daemon. Whatever a client does - send nonsense, take no answers, hang up
-// at any moment, open connections without end - costs that client its place and no one else anything.
+// Moves messages between the sockets and the daemon. Whatever a client does - sends nonsense, takes no answers, hangs
+// up at any moment, opens connections without end - costs that client its place and nobody else anything.
 #include "host/daemon/server.h"
 
 #include <cerrno>
@@ -52,7 +52,7 @@ Server::End Server::Run()
     }
 }
 
-// Until the first answer that is late on purpose is due; without one, for ever.
+// Until the first delayed answer is due, or for ever if there is none.
 int Server::Timeout() const
 {
     int timeout = -1;
@@ -72,7 +72,7 @@ void Server::Accept()
     for (size_t i = 0; i < kAcceptsPerTurn; ++i) {
         const int fd = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
         if (fd < 0) {
-            // Out of descriptors: whoever was silent longest makes room, and the next turn accepts again.
+            // Out of descriptors: the client that was silent longest makes room, and the next turn accepts again.
             if ((errno == EMFILE || errno == ENFILE || errno == ENOMEM || errno == ENOBUFS) && !clients_.empty())
                 Drop(clients_.begin());
             return;
@@ -94,7 +94,7 @@ bool Server::Serve(Client &client, short events)
 
 bool Server::Read(Client &client)
 {
-    // One byte more than the largest message: a longer record shows as such.
+    // One byte more than the largest message, so that a longer one is noticed.
     std::array<uint8_t, RSVP_MOR_MSG_MAX + 1> request;
     const ssize_t got = recv(client.fd, request.data(), request.size(), 0);
     if (got < 0)

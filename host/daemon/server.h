@@ -1,6 +1,5 @@
-// The loop: one thread, one poll, any number of clients up to a limit. A client is read only when it has taken its
-// last answer, and one request of each is answered a turn, so that none can fill the memory or keep the others
-// waiting.
+// The loop: one thread, one poll, a limited number of clients. A client is read only when it has taken its last
+// answer, and each turn answers one request per client, so that none can fill the memory or keep the others waiting.
 #ifndef HOST_DAEMON_SERVER_H
 #define HOST_DAEMON_SERVER_H
 
@@ -13,8 +12,8 @@ namespace rsvpsimd {
 
 class Server {
 public:
-    // `listener` is a listening socket of record type, `stop` a descriptor that becomes readable when it is time to
-    // end; both stay the caller's.
+    // `listener` is a listening SOCK_SEQPACKET socket, `stop` a descriptor that becomes readable when it is time to
+    // end. Both remain the caller's.
     Server(int listener, int stop, Daemon &daemon) : listener_(listener), stop_(stop), daemon_(daemon) {}
     ~Server();
     Server(const Server &) = delete;
@@ -47,7 +46,7 @@ private:
     int listener_;
     int stop_;
     Daemon &daemon_;
-    std::list<Client> clients_; // the one that was silent longest is in front
+    std::list<Client> clients_; // the one that was silent longest comes first
     uint64_t accepted_ = 0;
     bool crashed_ = false;
 };

@@ -1,5 +1,5 @@
-// Frames in words. Items are named by the tables of commands and rows, values by the tables of fields; fields that
-// are 0 are left out, so that a line says what is there.
+// Frames in words. The tables of commands and rows name the items, the layouts name the values. Fields that are 0 are
+// left out, so that a line shows what is there.
 #include "host/daemon/trace.h"
 
 #include "host/daemon/device/device.h"
@@ -10,7 +10,7 @@ namespace rsvpsimd {
 
 namespace {
 
-// Text and unknown values have neither a layout nor a list.
+// Text, and an item that nobody knows, have neither a layout nor a list.
 struct ItemWords {
     std::string_view name = "?";
     std::optional<LayoutRef> layout = {};

@@ -1,4 +1,4 @@
-// One line of words for each frame, for whoever watches the daemon work. Authentication keys are never in it.
+// Describes each frame in one line of words, for whoever watches the daemon work. It never shows authentication keys.
 #ifndef HOST_DAEMON_TRACE_H
 #define HOST_DAEMON_TRACE_H
 
@@ -10,7 +10,7 @@ namespace rsvpsimd {
 
 std::string DescribeRequest(uint64_t client, ByteView frame);
 
-// The request tells which tables the reply's items belong to.
+// The request tells which table the reply's items belong to.
 std::string DescribeReply(uint64_t client, ByteView request, const Reply &reply);
 
 } // namespace rsvpsimd

@@ -1,4 +1,4 @@
-// Where every platform call begins: the host directory as the environment names it at this moment, known to be safe.
+// Every platform call begins here: the host directory that the environment names now, known to be safe.
 #ifndef HOST_PLATFORM_CHECKED_DIRECTORY_H
 #define HOST_PLATFORM_CHECKED_DIRECTORY_H
 

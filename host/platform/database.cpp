@@ -1,5 +1,5 @@
-// The database "eRSVP" is the daemon's: it can be opened for as long as the daemon lives. A handle is a descriptor of
-// the daemon's lock file, so that a handle which is never closed shows up as a leaked descriptor.
+// The database "eRSVP" belongs to the daemon and can be opened while the daemon lives. A handle is a descriptor of
+// the daemon's lock file, so a handle that is never closed shows up as a leaked descriptor.
 #include "platform/database.h"
 #include "host/platform/checked_directory.h"
 #include "host/platform/daemon_process.h"

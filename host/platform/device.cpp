@@ -1,5 +1,5 @@
-// The nodes of the device are a text file that a developer edits. A file that cannot be understood is refused as a
-// whole, so that no call ever acts on half of it.
+// The nodes of the device are a text file that a developer edits. A file with a mistake is refused as a whole, so
+// that no call ever acts on half of it.
 #include "platform/device.h"
 #include "host/platform/checked_directory.h"
 #include "host/platform/files.h"
@@ -68,8 +68,8 @@ const char *ParseLine(std::string_view line, Nodes &nodes)
     return nullptr;
 }
 
-// Makes the directory and the file where they are missing, as at the first question about a device. Returns an empty
-// string or a sentence that says what is wrong.
+// Creates the directory and the file if they are missing, as on the first question about a device. Returns an empty
+// string, or a sentence that says what is wrong.
 std::string PrepareNodes(Nodes &nodes)
 {
     const std::string directory = DirectoryPath();
@@ -85,7 +85,7 @@ std::string PrepareNodes(Nodes &nodes)
     return {};
 }
 
-// The fast road of every later question: no heap, and nothing is created.
+// The fast path of every later question: no heap, and nothing is created.
 bool NodesAtHand(Nodes &nodes)
 {
     char directory[kDirectoryRoom];
@@ -121,8 +121,8 @@ const char *ReadNodes(const char *directory, Nodes &nodes)
 
 extern "C" {
 
-// A device that cannot be read has the master 0, which no node is: whatever is asked of it fails. As the caller
-// cannot tell, one sentence says why, once, since management programs ask again and again.
+// If the device cannot be read, the master is 0, which is not a node, so everything asked of it fails. The caller
+// cannot see why, so the reason is printed, but only once, since management programs ask again and again.
 uint32_t DEV_GetSystemMaster(void)
 {
     static std::atomic_flag told = ATOMIC_FLAG_INIT;
@@ -140,7 +140,7 @@ uint16_t *DEV_GetAllStandbyNodes(uint32_t *count)
     rsvp_host::Nodes nodes;
     if (count == nullptr || !rsvp_host::FindNodes(nodes).empty())
         return nullptr;
-    // A device without standby nodes still has a list, an empty one.
+    // A device without standby nodes has an empty list, not a null one.
     auto *list = static_cast<uint16_t *>(std::malloc(sizeof(nodes.standby)));
     if (list == nullptr)
         return nullptr;

@@ -1,4 +1,4 @@
-// Reading and writing of the device's small files. Writers replace, so readers need no lock.
+// Writers replace a file as a whole, so readers need no lock.
 #include "host/platform/files.h"
 
 #include <cerrno>
@@ -11,7 +11,7 @@ namespace rsvp_host {
 
 int ReadFile(const char *path, char *content, size_t room)
 {
-    // A pipe in the place of a file must not stop the caller for ever.
+    // A pipe in place of the file must not block the caller for ever.
     const Descriptor file(open(path, O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
     if (file.Get() < 0)
         return -errno;

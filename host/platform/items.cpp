@@ -43,7 +43,7 @@ uint32_t STLV_Get(const void *buf, uint16_t length, uint16_t *type, uint16_t *it
         return 0;
     *type = GetNet16(bytes);
     *itemLength = GetNet16(bytes + 2);
-    // The caller owns the buffer; that it comes as const is a promise of this call alone.
+    // The buffer is the caller's and writable; only this call promises not to write to it.
     *value = const_cast<unsigned char *>(bytes + kOverhead);
     return kOverhead + *itemLength;
 }

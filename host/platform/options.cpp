@@ -1,5 +1,5 @@
 // The option file reader. "/etc/te.conf" is a text file in the host directory: a line "plugin-option NAME=NUMBER ..."
-// is an option, '#' begins a comment, and lines of other words belong to other readers and are passed over.
+// is an option, '#' begins a comment, and lines that begin with another word are for other readers and are skipped.
 #include "host/platform/options.h"
 #include "host/platform/checked_directory.h"
 #include "host/text.h"
@@ -52,8 +52,8 @@ void *PLUGIN_OptInit(const char *path)
     return std::fopen(rsvp_host::FilePath(directory, rsvp_host::kOptionFile).Get(), "re");
 }
 
-// The option's words go into `buffer` and their length into `word`. An option that does not fit ends the walk:
-// half an option must not be taken for a whole one.
+// Puts the option's text into `buffer` and its length into `word`. An option that does not fit ends the walk: half an
+// option must not pass for a whole one.
 void *PLUGIN_GetNextPlugOpt(void *handle, char buffer[128], uint32_t *word)
 {
     if (handle == nullptr || buffer == nullptr || word == nullptr)
@@ -78,7 +78,7 @@ void *PLUGIN_GetNextPlugOpt(void *handle, char buffer[128], uint32_t *word)
     return found ? buffer : nullptr;
 }
 
-// Either every pair of the line is stored or none: the first pass looks for mistakes.
+// Stores every pair of the line or none: the first pass only looks for mistakes.
 uint32_t OPT_ParseEx(uint32_t word, void *option, void *table, void *target)
 {
     if (option == nullptr || table == nullptr || target == nullptr)

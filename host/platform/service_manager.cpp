@@ -1,5 +1,5 @@
-// The service manager of the device. On the master the service is the daemon itself, so its status is read off the
-// living process; on a standby node it is a number in a file, since this machine has no other nodes to run it on.
+// The service manager of the device. On the master the service is the daemon itself, so its status comes from the
+// living process. A standby node has no machine here to run the service, so its status is a number in a file.
 #include "host/platform/checked_directory.h"
 #include "host/platform/daemon_process.h"
 #include "host/platform/files.h"
@@ -21,7 +21,7 @@ namespace rsvp_host {
 
 namespace {
 
-// Longer than the slowest start or stop of another program.
+// Longer than another program's slowest start or stop.
 constexpr std::chrono::seconds kLockPatience{15};
 
 // Held while a service is started or stopped, so that two programs that enable at once start one daemon.
@@ -33,7 +33,7 @@ public:
     {
     }
     ManagerLock(const ManagerLock &) = delete;
-    // Unlocked by name: a child forked by another thread shares the lock and may live on.
+    // Unlocked explicitly: a child forked by another thread shares the lock and may outlive this object.
     ~ManagerLock() { flock(file_.Get(), LOCK_UN); }
     int Error() const { return error_; }
 
@@ -77,8 +77,8 @@ FilePath StatusFile(const char *directory, uint32_t standbyNode)
     return {directory, name};
 }
 
-// A node where the service was never started is a node where it is stopped. Were it an error, the node would drop out
-// of the list of those to start and would never be started.
+// On a node where it was never started, the service counts as stopped. If that were an error, the node would drop out
+// of the list of nodes to start, and the service would never start there.
 bool ReadStandbyStatus(const char *directory, uint32_t node, uint32_t &status)
 {
     char text[2];
@@ -112,7 +112,7 @@ std::string Change(const std::string &directory, uint32_t node, bool start)
     return "the device has no node " + std::to_string(node);
 }
 
-// Callers reduce every code to success or failure, or do not look at all, so the reason is told here.
+// Callers reduce every code to success or failure, or ignore it, so the reason is printed here.
 uint32_t ChangeService(uint32_t node, const char *service, bool start)
 {
     if (!IsOurs(service))
@@ -128,7 +128,7 @@ uint32_t ChangeService(uint32_t node, const char *service, bool start)
     return RSVP_MOR_ERR_FAIL;
 }
 
-// One node that fails does not keep the others from being served.
+// A node that fails does not stop the others from being changed.
 uint32_t ChangeAll(const uint16_t *nodes, uint32_t count, const char *service, bool start)
 {
     if (nodes == nullptr && count != 0)
@@ -146,7 +146,7 @@ uint32_t ChangeAll(const uint16_t *nodes, uint32_t count, const char *service, b
 
 extern "C" {
 
-// Asked before nearly every command: a few system calls, no heap. What the selector selects is all the same here.
+// Called before nearly every command: a few system calls, no heap. The selector makes no difference here.
 uint32_t SERVICE_GetStatus(uint32_t node, const char *service, int32_t, uint32_t *status)
 {
     using namespace rsvp_host;
@@ -154,7 +154,7 @@ uint32_t SERVICE_GetStatus(uint32_t node, const char *service, int32_t, uint32_t
     Nodes nodes;
     if (!IsOurs(service) || status == nullptr)
         return RSVP_MOR_ERR_FAIL;
-    // Where there is no directory yet, nothing has been started.
+    // If there is no directory yet, nothing has been started.
     if (const int error = FindDirectory(directory); error != 0 && error != ENOENT)
         return RSVP_MOR_ERR_FAIL;
     if (ReadNodes(directory, nodes) != nullptr)

@@ -1,4 +1,4 @@
-// The list of commands. A setting whose fields have no name of their own was given one here, once for all readers.
+// The list of commands. The protocol does not say in which field a setting shows; this list decides it.
 #include "host/daemon/device/commands.h"
 
 namespace rsvpsimd {
@@ -50,7 +50,7 @@ constexpr std::array kCommands{
     Command{kReset, 1, "statistics", "statisticsKey", kSetOnly, Target::ResetStatistics},
 };
 
-// True if the command says no field, or one of its record with room for its value behind it.
+// True if the command names no field, or a field of its record from which on the record has room for the value.
 constexpr bool ShowsInItsRecord(const Command &command)
 {
     const auto record = RecordOf(command.target);

@@ -1,16 +1,16 @@
-// Carries out commands. A setting is copied, as it came, to the place where a read will show it; undoing it copies
-// the place back from a record that was never touched.
+// Carries out commands. A setting is copied, as it came, to the place where a read shows it. Undoing it copies the
+// same place back from a record that commands never change.
 #include "host/daemon/device/device.h"
 
 namespace rsvpsimd {
 
 namespace {
 
-// Debug switches of these two types are bound to one session, and each of them keeps it in a place of its own.
+// Debug switches of these two types apply to one session, and each type has its own place for it.
 constexpr uint64_t kDebugFirstSession = 16;
 constexpr uint64_t kDebugSecondSession = 64;
 
-// A client that sets interface after interface must not fill the memory.
+// A client that sets one interface after the other must not fill the memory.
 constexpr size_t kMostKeptRows = 100'000;
 
 constexpr std::array kCounts{
@@ -20,8 +20,8 @@ constexpr std::array kCounts{
     Count{"actBypassTunnels", 111, "facility"},
 };
 
-// Settings as they are before anyone sets them: state lives for 3 refreshes, a hello every 9 seconds and a neighbour
-// lost after 4 of them, a refresh every 30 seconds, DSCP 48; RSVP is on.
+// The settings at the start: state lives for 3 refreshes, a hello is sent every 9 seconds and a neighbour is lost
+// after 4 of them, a refresh every 30 seconds, DSCP 48, and RSVP is on.
 Record DefaultGlobal()
 {
     return {{FieldName("globalInfo", "settingBytes"), Bytes{3, 9, 4, 0}},
@@ -62,7 +62,7 @@ void Clear(std::span<uint8_t> place)
     std::ranges::fill(place, uint8_t{0});
 }
 
-// Puts the value to where it shows, or what `undone` has there.
+// Copies the value, or for an undo the bytes of `undone`, to the place where the setting shows.
 void Store(std::span<uint8_t> record, ByteView undone, const Command &command, uint8_t op, ByteView value)
 {
     const Extent shown = command.Shown();
@@ -103,7 +103,7 @@ void Device::SetGlobal(const Record &record)
     Record merged = record;
     merged.merge(DefaultGlobal());
     global_ = undoneGlobal_ = Image("globalInfo", merged);
-    // RSVP itself is on from the start and can only be undone.
+    // RSVP itself is on from the start; its only command is the undo.
     undoneGlobal_.Place(FieldAt("globalInfo", "settingBytes2"))[0] = 0;
 }
 
@@ -140,7 +140,7 @@ uint32_t Device::ApplyToRow(const RowKind &kind, const Command &command, uint8_t
     }
     if (table.Edit(key) == nullptr) {
         if (op == kUndo)
-            return kOk; // what was never set is undone already
+            return kOk; // it was never set
         if (table.Kept() >= kMostKeptRows)
             return kNoRoom;
         table.Insert(NewRow(kind, number));
@@ -153,7 +153,7 @@ uint32_t Device::ApplyToRow(const RowKind &kind, const Command &command, uint8_t
     return kOk;
 }
 
-// The second view of an interface: what is switched on there, as bits of one number. Also its own count of commands.
+// Updates the interface's count of commands, and its row in the table of switches.
 void Device::NoteInterface(const Command &command, uint8_t op, ByteView number, std::span<uint8_t> row)
 {
     CountUp(row.subspan(FieldAt("ifInfo", "counters1.countsA").offset));
@@ -183,7 +183,7 @@ void Device::ApplyDebug(uint8_t op, ByteView value)
         std::ranges::copy(value.subspan(kBound.offset, kBound.size), place.begin());
 }
 
-// 0 means the whole daemon, any other number the interface of that index.
+// 0 means the whole daemon, any other number the interface with that index.
 uint32_t Device::ResetStatistics(uint64_t interface)
 {
     if (interface == 0) {
@@ -203,7 +203,7 @@ uint32_t Device::ResetStatistics(uint64_t interface)
     return kOk;
 }
 
-// The sequence numbers of the entry start again; its key and settings stay.
+// The entry's sequence numbers start again; its key and settings stay.
 uint32_t Device::ResetAuth(ByteView key)
 {
     Bytes *body = Rows("auth").Edit(key);

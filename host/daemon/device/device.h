@@ -1,6 +1,6 @@
-// The room of the device: what the daemon keeps and how it finds it, and no word of who asks. This header has the
-// whole of it: the tables, the records of the whole daemon, the counts that were given to it. Commands change it,
-// reads show it.
+// The rule of this room: it holds what the daemon knows, and changes and finds it by the bytes of the wire. It knows
+// neither clients nor files. This header has the device as a whole: its tables, the records of the whole daemon, the
+// counts. Commands change it, reads show it.
 #ifndef HOST_DAEMON_DEVICE_DEVICE_H
 #define HOST_DAEMON_DEVICE_DEVICE_H
 
@@ -10,7 +10,7 @@
 
 namespace rsvpsimd {
 
-// A fixed record as it travels, with its fields in reach.
+// A fixed record as it travels.
 class Image {
 public:
     Image(LayoutRef layout, const Record &record) : bytes_(Encode(*layout, record)) {}
@@ -23,14 +23,14 @@ private:
     Bytes bytes_;
 };
 
-// Counts one more in the 32-bit number at the start of `place`.
+// Adds 1 to the 32-bit number at the start of `place`.
 void CountUp(std::span<uint8_t> place);
 
-// The two reads of one record that there is once.
+// The items that ask for the two records of the whole daemon.
 inline constexpr uint16_t kDebugItem = 2;
 inline constexpr uint16_t kGlobalItem = 6;
 
-// The four plain counts. What the scenario does not give is derived from the tables.
+// The plain counts. Unless the scenario gives one, it is the number of rows of a kind.
 struct Count {
     std::string_view name;
     uint16_t item = 0;
@@ -48,13 +48,14 @@ public:
     uint32_t CountOf(const Count &count);
     void SetCount(std::string_view name, uint32_t number) { counts_.insert_or_assign(std::string(name), number); }
 
-    // What the daemon starts with; an undo of a global setting goes back to it.
+    // What the daemon starts with, and what undoing a global setting goes back to.
     void SetGlobal(const Record &record);
     void SetDebug(const Record &record) { debug_ = Image("debugInfo", record); }
     Image &Global() { return global_; }
     ByteView Debug() const { return debug_.View(); }
 
-    // Carries out a command whose frame and lengths have been checked. `key` is the interface or peer, if any.
+    // Carries out a command whose frame and lengths have been checked. `key` is the interface or peer, if there is
+    // one.
     uint32_t Apply(const Command &command, uint8_t op, ByteView key, ByteView value);
 
 private:

@@ -1,4 +1,4 @@
-// Makes items of what a row says: its parts, then its lists with theirs, in the order of the kind's description.
+// Turns the values of a row into items: its parts, then its lists with theirs, in the order of the description.
 #include "host/daemon/device/row.h"
 
 #include "host/daemon/wire/frame.h"
@@ -60,7 +60,7 @@ Bytes KeyOf(const RowKind &kind, ByteView firstValue, const Block &block)
         const ByteView bytes = firstValue.subspan(extent.offset, extent.size);
         key.insert(key.end(), bytes.begin(), bytes.end());
     }
-    key.resize(kind.keyLayout->size); // what a key has behind the row's fields is 0
+    key.resize(kind.keyLayout->size); // the rest of the key is 0
     return key;
 }
 

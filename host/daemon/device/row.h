@@ -1,5 +1,5 @@
-// A row as what it says, and as the bytes it travels as. Rows of the scenario and rows made by number go through
-// here, so that both are checked alike.
+// A row as values, and as the bytes it travels as. Rows from a scenario and rows made by number both go through here,
+// so that both get the same checks.
 #ifndef HOST_DAEMON_DEVICE_ROW_H
 #define HOST_DAEMON_DEVICE_ROW_H
 
@@ -8,7 +8,7 @@
 
 namespace rsvpsimd {
 
-// What a row says. An entry of a list says the same kinds of things as a row.
+// The values of a row, or of an entry of a list, which may have lists of its own.
 struct Block {
     Record fields;
     Record key; // only where the kind has no key fields
@@ -16,7 +16,7 @@ struct Block {
     std::map<std::string, std::string, std::less<>> texts;
 };
 
-// "prefix.", or nothing for a part whose fields stand in the row itself.
+// "prefix.", or nothing for a part without a prefix.
 std::string PrefixOf(const Part &part);
 
 struct EncodedRow {

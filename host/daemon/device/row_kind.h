@@ -1,5 +1,5 @@
-// What a table is, as data: which item asks for it, which fields of a row are its key, which items a row is made of.
-// The tables themselves, the scenario reader, the generator and the trace all go by these descriptions.
+// A kind of table, as data: which item asks for it, which fields of a row are its key, which items a row is made of.
+// Tables, scenario reader, generator and trace all work from these descriptions.
 #ifndef HOST_DAEMON_DEVICE_ROW_KIND_H
 #define HOST_DAEMON_DEVICE_ROW_KIND_H
 
@@ -7,7 +7,7 @@
 
 namespace rsvpsimd {
 
-// One fixed value of a row. With a prefix, the row's fields "prefix.x" are the value's fields "x".
+// One fixed value of a row. If it has a prefix, its field "x" is called "prefix.x" in the row.
 struct Part {
     uint16_t item = 0;
     LayoutRef layout;
@@ -16,7 +16,7 @@ struct Part {
 
 enum class Shape : uint8_t {
     Counted, // one item holds a count and all entries
-    Each,    // one item for each entry, and behind it the lists of that entry
+    Each,    // one item for each entry, followed by the lists of that entry
     Text,    // one item holds bytes of text
 };
 

@@ -1,4 +1,4 @@
-// The search for a table by what a person calls it, and by what a request calls it.
+// Finds a kind by the name that people use, or by the number that requests use.
 #include "host/daemon/device/row_kinds.h"
 
 #include <strings.h>

@@ -1,5 +1,5 @@
-// The list of tables. Reply items carry the numbers by which readers tell them apart; where a reader does not look at
-// the number, the reply's item has that of the request. A name that no layout or table has does not compile.
+// The list of tables. Reply items have the numbers by which readers tell them apart; where a reader ignores the
+// number, the reply uses that of the request. A misspelt name does not compile.
 #ifndef HOST_DAEMON_DEVICE_ROW_KINDS_H
 #define HOST_DAEMON_DEVICE_ROW_KINDS_H
 
@@ -117,7 +117,7 @@ inline constexpr std::array kRowKinds{
     RowKind{"ifconfig", 112, "ifKey", rows::kIfConfigKey, "ifIndex", FirstKey::Whole, rows::kIfConfigParts},
 };
 
-// A row's key is filled from the fields named, in their order, and the counted number is what it begins with.
+// True if the row has all fields of its key, they fit into the key, and the numbered field comes first.
 constexpr bool KeyIsInRow(const RowKind &kind)
 {
     const auto numbered = FindExtent(kind.RowLayout().Spec().fields, kind.numbered);
@@ -133,9 +133,9 @@ constexpr bool KeyIsInRow(const RowKind &kind)
     return size <= kind.keyLayout.Spec().size;
 }
 
-static_assert(std::ranges::all_of(kRowKinds, KeyIsInRow), "a row does not have the fields of its key");
+static_assert(std::ranges::all_of(kRowKinds, KeyIsInRow), "a row lacks a field of its key");
 
-// By its name in the program's own text, found while the program is compiled.
+// A kind named in the program's own code or tables; the compiler looks the name up.
 class RowKindRef {
 public:
     consteval RowKindRef(const char *name) : kind_(&Named(kRowKinds, name)) {}

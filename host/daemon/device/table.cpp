@@ -1,5 +1,5 @@
-// The search over kept and made rows, and the arithmetic that turns a row number into a row and a key into a
-// row number without a look at any other row.
+// The search over kept and made rows. Arithmetic turns a number into a row and a key into a number, without touching
+// any other row.
 #include "host/daemon/device/table.h"
 
 #include "host/daemon/wire/frame.h"

@@ -1,5 +1,5 @@
-// One table: rows in the order of their key bytes, some kept, some made on demand from a row number. Get,
-// first and next are one search, so that no table can walk differently from another.
+// One table: rows in the order of their key bytes, some stored, some made on demand from a number. Get, get-first and
+// get-next are one search, so that all tables behave alike.
 #ifndef HOST_DAEMON_DEVICE_TABLE_H
 #define HOST_DAEMON_DEVICE_TABLE_H
 
@@ -11,7 +11,7 @@ namespace rsvpsimd {
 
 enum class Seek : uint8_t { Exact, First, After };
 
-// The order of a table: that of the key bytes as they travel.
+// Tables are in the order of the key bytes as they travel.
 struct KeyOrder {
     using is_transparent = void;
     bool operator()(ByteView left, ByteView right) const { return std::ranges::lexicographical_compare(left, right); }
@@ -29,15 +29,14 @@ public:
     bool Insert(EncodedRow row);
     bool Remove(ByteView key);
 
-    // Adds `count` rows that look like `variants` in turn and are told apart by the first word of their key.
-    // Nothing is stored for them: a million rows cost what the variants cost.
+    // Adds `count` rows that repeat `variants` in turn and differ in the first word of their key. Only the variants
+    // are stored, however many rows there are.
     void Make(std::vector<EncodedRow> variants, uint32_t count);
 
-    // With `ingressOnly`, rows of another role than head are passed over.
+    // With `ingressOnly`, rows whose role is not head are skipped.
     std::optional<EncodedRow> Find(Seek seek, ByteView key, bool ingressOnly = false) const;
 
-    // The kept row of this key, for a change in place. A made row is kept from now on. Null if there is no
-    // row.
+    // The body of this row, to be changed in place, or null. A made row is kept from now on.
     Bytes *Edit(ByteView key);
 
 private:

@@ -1,4 +1,4 @@
-// Reads what a person writes about a fault. What a fault does is the matter of whoever answers requests.
+// Reads faults as people write them. What a fault does is decided where requests are answered.
 #include "host/daemon/scenario/behaviour.h"
 
 #include "host/text.h"

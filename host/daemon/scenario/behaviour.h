@@ -1,5 +1,5 @@
-// How the daemon is asked to behave, besides what its tables hold: faults, so that those who talk to it can be seen
-// to bear them, and requests that are refused. Asked for in a scenario or on the command line.
+// How a scenario or the command line asks the daemon to behave, apart from what its tables hold: faults, to see how
+// management programs bear them, and requests that are refused.
 #ifndef HOST_DAEMON_SCENARIO_BEHAVIOUR_H
 #define HOST_DAEMON_SCENARIO_BEHAVIOUR_H
 
@@ -12,22 +12,22 @@
 namespace rsvpsimd {
 
 enum class FaultKind : uint8_t {
-    Late,            // the answer comes `number` milliseconds later
+    Late,            // the answer comes `number` milliseconds late
     Silent,          // no answer
-    Short,           // the frame is cut to `number` bytes; 0: by four bytes
-    Long,            // `number` bytes more than the frame has; 0: four
+    Short,           // the frame is cut to `number` bytes, or by four if that is 0
+    Long,            // the frame has `number` bytes too many, or four if that is 0
     WrongBodyLength, // the header's length is one too many
     CutItem,         // the last item claims more than there is
     Status,          // the answer has the status `number`
     ItemType,        // the first item has the type `number`
     Twice,           // the answer comes twice
     Stuck,           // get-next gives the row of its own key again
-    Shifting,        // get-next: the row that was to come is removed first
-    Close,           // the connection ends without an answer
-    Exit,            // the daemon ends at once, as if it had crashed; stays the last
+    Shifting,        // get-next removes the row that is due, and gives the one after it
+    Close,           // the connection is closed without an answer
+    Exit,            // the daemon ends at once, as in a crash; keep this one last
 };
 
-// The requests that are meant; what is not named means all.
+// Which requests are meant. A part that is not set matches all of them.
 struct Selector {
     std::optional<uint8_t> msgClass = {};
     std::optional<uint8_t> op = {};
@@ -53,7 +53,7 @@ struct Behaviour {
     bool trace = false; // to standard error
 };
 
-// All that can be asked for, by name.
+// A kind of fault as people write it.
 struct FaultName {
     std::string_view name;
     FaultKind kind = FaultKind::Silent;
@@ -62,7 +62,7 @@ struct FaultName {
 };
 std::span<const FaultName> AllFaults();
 
-// Both throw std::invalid_argument with what is wrong. The second reads "late=200,class=3,op=4,item=8,once".
+// Both throw std::invalid_argument with what is wrong. ParseFault reads "late=200,class=3,op=4,item=8,once".
 Fault MakeFault(std::string_view kind, std::optional<uint64_t> number);
 Fault ParseFault(std::string_view text);
 

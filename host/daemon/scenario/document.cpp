@@ -1,4 +1,4 @@
-// Takes the parser's tree over, member by member.
+// Copies the parser's tree, so that nothing else depends on the parser.
 #include "host/daemon/scenario/document.h"
 
 #include "host/daemon/scenario/toml.h"
@@ -9,7 +9,7 @@ namespace rsvpsimd {
 
 namespace {
 
-// What the parser makes of other characters is not defined in all cases, and a scenario needs none.
+// The parser does not define what it makes of every other character, and a scenario needs none of them.
 void RefuseOtherThanText(std::string_view text)
 {
     size_t line = 1;
@@ -60,7 +60,7 @@ Node ParseDocument(std::string_view text)
         return Convert(toml::parse(text));
     } catch (const toml::parse_error &error) {
         throw Mistake(error.source().begin.line, std::string(error.description()));
-    } catch (const TomlSurprise &) {
+    } catch (const TomlAssertion &) {
         throw Mistake(0, "this is not TOML, and the parser cannot say where");
     }
 }

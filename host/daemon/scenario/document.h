@@ -1,4 +1,4 @@
-// A scenario's text as a tree that knows its lines, so that one source alone has to do with the TOML parser.
+// A scenario's text as a tree that knows its line numbers, so that only one source deals with the TOML parser.
 #ifndef HOST_DAEMON_SCENARIO_DOCUMENT_H
 #define HOST_DAEMON_SCENARIO_DOCUMENT_H
 
@@ -31,7 +31,7 @@ struct Member {
     Node node;
 };
 
-// What is wrong with a scenario, and in which line; 0 where nobody can say.
+// What is wrong with a scenario, and on which line (0 if unknown).
 class Mistake : public std::runtime_error {
 public:
     Mistake(size_t line, const std::string &what) : std::runtime_error(what), line_(line) {}

@@ -1,5 +1,5 @@
-// Prepares a handful of rows of each kind, with lists of different lengths, that a table then repeats under counted
-// keys. Fields that are neighbours get different numbers, so that a reader who mixes them up is found out.
+// Prepares a few rows of each kind, with lists of different lengths, which a table then repeats under numbered keys.
+// Neighbouring fields get different values, so that a reader that mixes them up is caught.
 #include "host/daemon/scenario/generator.h"
 
 #include "host/text.h"
@@ -15,7 +15,7 @@ constexpr size_t kVariants = 5;
 constexpr std::string_view kPlainSuffix = "-plain";
 constexpr uint64_t kNetwork = 0x0A000000; // 10.0.0.0
 
-// A number that fits the field and is different for neighbours.
+// A value that fits the field and differs from that of its neighbours.
 Value ValueFor(const Field &field, size_t seed)
 {
     if (field.count > 1) {
@@ -40,7 +40,7 @@ Value ValueFor(const Field &field, size_t seed)
     return Bytes(field.width, static_cast<uint8_t>(seed));
 }
 
-// Fields that say which form an object has, and the role that says where a tunnel begins.
+// Fields that decide something: which form an object has, and which role a tunnel has.
 std::optional<uint64_t> ChoiceFor(std::string_view name, size_t variant)
 {
     if (name == "tunnelRole")
@@ -66,7 +66,7 @@ Record FillFields(const Layout &layout, const std::string &prefix, size_t varian
     return record;
 }
 
-// Recorded routes alternate between an address and a label, as a route with label recording does.
+// Recorded routes alternate between an address and a label, as they do with label recording.
 Block EntryFor(const ListKind &kind, size_t number)
 {
     Block entry;
@@ -105,7 +105,7 @@ EncodedRow MakeVariant(const RowKind &kind, size_t variant, bool plain)
     Block block;
     for (const Part &part : kind.parts)
         block.fields.merge(FillFields(*part.layout, PrefixOf(part), variant));
-    // A row is found by its number: the rest of the key is the same in all of them.
+    // Rows are told apart by their number alone, so the rest of the key is the same in all of them.
     for (const std::string_view key : kind.keyFields)
         for (auto &[name, value] : FillFields(*kind.RowLayout(), "", 0))
             if (name == key || name.starts_with(fmt::format("{}.", key)))

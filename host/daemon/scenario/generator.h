@@ -1,4 +1,4 @@
-// Rows by the thousand, for walks that are worth measuring. What a row holds follows from its number alone.
+// Makes rows by the thousand, for walks that are worth measuring. A row's content follows from its number.
 #ifndef HOST_DAEMON_SCENARIO_GENERATOR_H
 #define HOST_DAEMON_SCENARIO_GENERATOR_H
 
@@ -12,7 +12,7 @@ inline constexpr uint32_t kMostRows = 10'000'000;
 // no such kind.
 void MakeRows(Device &device, std::string_view kind, uint32_t count);
 
-// The same for a request as a person writes it: "psb=100000". Also throws for a bad number.
+// The same for a request as people write it, "psb=100000". Also throws for a bad number.
 void MakeRows(Device &device, std::string_view request);
 
 } // namespace rsvpsimd

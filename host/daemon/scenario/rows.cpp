@@ -1,5 +1,5 @@
-// Goes down a table of the scenario and finds the field of the wire for every value in it. The field says what the
-// value must look like: a number, an address, hexadecimal bytes, a rate.
+// Walks through a table of the scenario and finds the wire's field for each value. The field decides what the value
+// must look like: a number, an address, hexadecimal bytes, a rate.
 #include "host/daemon/scenario/rows.h"
 
 #include <arpa/inet.h>

@@ -1,4 +1,4 @@
-// The top level of a scenario: one reader for each key that it may have.
+// The top level of a scenario: one reader for each key it may have.
 #include "host/daemon/scenario/scenario.h"
 
 #include "host/daemon/scenario/generator.h"
@@ -22,7 +22,7 @@ const Node::Table &AsTable(const Node &node, std::string_view key)
     Refuse(node.line, key, "must be a table");
 }
 
-// Calls `read` with each table of an array of them, and puts the place before what it throws.
+// Calls `read` with each table of an array, and adds line and key to what it throws.
 template <typename Reader> void ForEachTable(const Member &member, const Reader &read)
 {
     const auto *array = member.node.As<Node::Array>();
@@ -64,7 +64,7 @@ void ReadRowCounts(Device &device, const Node::Table &table)
     }
 }
 
-// False if the member is not one of a selector's.
+// False if the member is not part of a selector.
 bool ReadSelector(Selector &selector, const Member &member)
 {
     if (member.name == "class")

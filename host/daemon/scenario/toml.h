@@ -1,5 +1,5 @@
-// The one place that includes the TOML parser. The parser asserts some of what it has not checked in its input, and
-// where assertions are off it would go on in spite of it. Here such an input is refused like any other.
+// The only place that includes the TOML parser. The parser relies on assertions for some input that it does not
+// check, and would carry on with such input where assertions are off. Here it is refused like any other bad input.
 #ifndef HOST_DAEMON_SCENARIO_TOML_H
 #define HOST_DAEMON_SCENARIO_TOML_H
 
@@ -7,12 +7,12 @@
 
 namespace rsvpsimd {
 
-// The parser was surprised by its input.
-struct TomlSurprise : std::exception {};
+// An assertion of the parser failed.
+struct TomlAssertion : std::exception {};
 
 [[noreturn]] inline void RefuseToml()
 {
-    throw TomlSurprise();
+    throw TomlAssertion();
 }
 
 } // namespace rsvpsimd

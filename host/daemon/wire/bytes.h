@@ -1,5 +1,5 @@
-// Bytes as they travel, and numbers in them: most significant byte first, of any width up to eight bytes. Numbers are
-// taken apart and put together arithmetically, so that the byte order of the machine plays no part.
+// Bytes as they travel, and the numbers in them: most significant byte first, up to eight bytes wide. The arithmetic
+// gives the same result on every machine, whatever its byte order.
 #ifndef HOST_DAEMON_WIRE_BYTES_H
 #define HOST_DAEMON_WIRE_BYTES_H
 

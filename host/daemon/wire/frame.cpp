@@ -1,5 +1,5 @@
-// Takes messages apart and puts them together. A message that does not add up is refused whole: no item of it
-// is believed.
+// Takes messages apart and puts them together. A message whose lengths do not add up is refused as a whole: none of
+// its items is used.
 #include "host/daemon/wire/frame.h"
 
 #include <algorithm>

@@ -1,6 +1,5 @@
-// The message frame: eight bytes of header and a run of items, each a 16-bit type, a 16-bit length and the
-// value, without padding. Also the numbers that every message shares: classes, operations and the daemon's
-// own statuses.
+// The message frame: eight bytes of header, then items, each a 16-bit type, a 16-bit length and the value, without
+// padding. Also the numbers that all messages share: classes, operations and the daemon's own statuses.
 #ifndef HOST_DAEMON_WIRE_FRAME_H
 #define HOST_DAEMON_WIRE_FRAME_H
 
@@ -40,7 +39,7 @@ enum Status : uint32_t {
     kNoRoom = 0x60010008,
 };
 
-// What the numbers mean, for the trace and for the documents.
+// The same numbers in words, for the trace and for the documents.
 struct Meaning {
     uint32_t number = 0;
     std::string_view words;
@@ -91,13 +90,13 @@ struct Message {
     std::vector<Item> items; // point into the bytes that were read
 };
 
-// Nothing if the length in the header is not that of the body, or an item runs over the end.
+// Nothing if the header's length is not that of the body, or if an item runs past the end.
 std::optional<Message> ReadMessage(ByteView frame);
 
 void AppendItem(Bytes &body, uint16_t type, ByteView value);
 Bytes BuildFrame(uint8_t msgClass, uint8_t op, uint32_t status, ByteView body);
 
-// The name, or the number and a question mark where there is none.
+// The name, or the number and a question mark if there is none.
 std::string ClassName(uint8_t msgClass);
 std::string OpName(uint8_t op);
 

@@ -1,4 +1,4 @@
-// Unfolds the written layouts, once: objects in objects become fields with dotted names.
+// Flattens the written layouts, once: fields of nested objects get dotted names.
 #include "host/daemon/wire/layout.h"
 
 #include "host/daemon/wire/layouts.h"

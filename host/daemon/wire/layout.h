@@ -1,6 +1,6 @@
-// The room of the wire: what travels, as data and as bytes, and nothing of what a daemon does with it. This header
-// has the layouts as programs ask them: one list of fields a value, objects unfolded. Names are the field names of
-// the records, with dots for objects in objects ("slots[0].slotSender.lspId").
+// The rule of this room: it describes what travels, as data, and turns it into bytes and back. It knows nothing of what
+// a daemon does with it. This header has the layouts as the program uses them: one flat list of fields for each value.
+// Names are the field names of the records, with dots for nested objects ("slots[0].slotSender.lspId").
 #ifndef HOST_DAEMON_WIRE_LAYOUT_H
 #define HOST_DAEMON_WIRE_LAYOUT_H
 
@@ -12,7 +12,8 @@
 
 namespace rsvpsimd {
 
-// A field that only some forms of its object have: the number in `field` is one of `kinds`, or is none of them.
+// The condition for a field that only some forms of its object have: the number in `field` is one of `kinds`, or, if
+// `among` is false, none of them.
 struct Form {
     std::string field;
     std::vector<uint64_t> kinds;
@@ -41,14 +42,14 @@ struct Layout {
 
 std::span<const Layout> AllLayouts();
 
-// Tells the number that a record holds under a name, 0 where it holds none: this is how a form is chosen.
+// Returns the number that a record has under a name, or 0 if there is none. This is how a form is chosen.
 using KindLookup = std::function<uint64_t(std::string_view)>;
 KindLookup KindsOf(const Layout &layout, ByteView image);
 
-// The field of this name in the form that `kinds` chooses; null if there is none.
+// The field with this name in the form that `kinds` chooses, or null.
 const Field *FindField(const Layout &layout, std::string_view name, const KindLookup &kinds);
 
-// True if every byte that belongs to no field is 0.
+// True if all bytes outside the fields are 0.
 bool GapsAreZero(const Layout &layout, ByteView image);
 
 } // namespace rsvpsimd

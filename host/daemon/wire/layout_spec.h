@@ -1,5 +1,5 @@
-// How layouts are written down: constant rows that may hold the rows of an object. What is wrong with them is found
-// when they are compiled: a field beyond its value, a name that does not exist.
+// How layouts are written down: constant rows, some of which stand for whole objects. The compiler finds the mistakes
+// in them: a field that ends beyond its value, a name that does not exist.
 #ifndef HOST_DAEMON_WIRE_LAYOUT_SPEC_H
 #define HOST_DAEMON_WIRE_LAYOUT_SPEC_H
 
@@ -107,7 +107,7 @@ constexpr FieldSpec Objects(std::string_view name, size_t offset, FieldSpecs fie
     return {.name = name, .offset = offset, .width = width, .count = count, .object = fields};
 }
 
-// Fields of an object that stand in these rows without a name of their own.
+// Fields of an object that appear here under their own names, without the object's.
 constexpr FieldSpec Inline(size_t offset, FieldSpecs fields)
 {
     return Object("", offset, fields);
@@ -142,7 +142,7 @@ constexpr size_t EndOf(FieldSpecs fields)
     return end;
 }
 
-// The bytes of a field or of a whole object, with dots for objects in objects; nothing if there is none of this name.
+// The bytes of a field or of a whole object, with dots for nested objects; nothing if there is no such name.
 constexpr std::optional<Extent> FindExtent(FieldSpecs fields, std::string_view name)
 {
     for (const FieldSpec &field : fields) {
@@ -155,14 +155,14 @@ constexpr std::optional<Extent> FindExtent(FieldSpecs fields, std::string_view n
             inner.remove_prefix(field.name.size() + 1);
         }
         if (field.count > 1)
-            continue; // one of several objects has an index in its name, which no table needs
+            continue; // names with an index are not supported: no table needs one
         if (const auto found = FindExtent(field.object, inner))
             return Extent{field.offset + found->offset, found->size};
     }
     return std::nullopt;
 }
 
-// Every form goes by a field that stands beside it.
+// True if each form depends on a field of the same object.
 constexpr bool FormsAreKnown(FieldSpecs fields)
 {
     return std::all_of(fields.begin(), fields.end(), [&](const FieldSpec &field) {

@@ -1,5 +1,5 @@
-// All layouts and lists of the wire, and the names by which the program's own tables refer to them. A name is looked
-// up while the program is compiled: one that does not exist does not build.
+// All layouts and lists of the wire, and references to them by name. The compiler looks the names up, so a misspelt
+// one does not build.
 #ifndef HOST_DAEMON_WIRE_LAYOUTS_H
 #define HOST_DAEMON_WIRE_LAYOUTS_H
 
@@ -24,16 +24,16 @@ inline constexpr std::array kLayoutSpecs = [] {
 
 static_assert(std::ranges::all_of(kLayoutSpecs,
                                   [](const LayoutSpec &spec) { return EndOf(spec.fields) <= spec.size; }),
-              "a field ends behind its value");
+              "a field ends beyond its value");
 static_assert(std::ranges::all_of(kLayoutSpecs, [](const LayoutSpec &spec) { return FormsAreKnown(spec.fields); }),
-              "a form goes by a field that its object does not have");
+              "a form depends on a field that its object does not have");
 static_assert(std::ranges::all_of(kLayoutSpecs,
                                   [](const LayoutSpec &spec) {
                                       return std::ranges::count(kLayoutSpecs, spec.name, &LayoutSpec::name) == 1;
                                   }),
-              "two layouts have one name");
+              "two layouts have the same name");
 
-// The entry of a table that has this name. The throw ends the compiling, which shows the place with the wrong name.
+// The table's entry of this name. Reaching the throw is a compile error, which shows where the wrong name is.
 template <typename Table> consteval const auto &Named(const Table &table, std::string_view name)
 {
     for (const auto &entry : table)
@@ -56,27 +56,27 @@ private:
     const LayoutSpec *spec_;
 };
 
-// The bytes of a field or of a whole object inside a value of this layout; for names in tables, which are checked
-// there.
+// The bytes of a field or of a whole object inside a value of this layout. This is for names that stand in tables,
+// which assert that the names exist.
 constexpr Extent ExtentOf(LayoutRef layout, std::string_view name)
 {
     return FindExtent(layout.Spec().fields, name).value();
 }
 
-// The same for names in the text of a function.
+// The same for a name in the code of a function.
 consteval Extent FieldAt(LayoutRef layout, const char *name)
 {
     return ExtentOf(layout, name);
 }
 
-// The name itself, once it is clear that the layout has it.
+// The name itself, if the layout has it.
 consteval const char *FieldName(LayoutRef layout, const char *name)
 {
     ExtentOf(layout, name);
     return name;
 }
 
-// A count in front of entries that are all alike.
+// A count, then that many entries of one layout.
 struct ListSpec {
     std::string_view name;
     size_t countWidth = 0;

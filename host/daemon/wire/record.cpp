@@ -1,5 +1,5 @@
-// Moves values between records and bytes. What a value must look like is the field's matter: a number of its width,
-// an address, a rate, raw bytes.
+// Moves values between records and bytes. The field decides what a value must look like: a number of its width, an
+// address, a rate, raw bytes.
 #include "host/daemon/wire/record.h"
 
 #include <bit>
@@ -11,8 +11,8 @@ namespace rsvpsimd {
 namespace {
 
 // A CR-LSP rate crosses the wire as a whole number whose bytes are reversed and that is then written as a
-// single-precision number, least significant byte first. Twice, the step gives back every whole number of up to 24
-// bits, so it serves both ways.
+// single-precision number, least significant byte first. Applied twice, the step gives back any whole number of up to
+// 24 bits, so it works both ways.
 float ConvertRate(float rate)
 {
     uint32_t whole = 0;

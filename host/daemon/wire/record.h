@@ -1,4 +1,4 @@
-// Values by name, and how a layout makes bytes of them and words of bytes.
+// Values by name: from names to bytes and from bytes to words, by the fields of a layout.
 #ifndef HOST_DAEMON_WIRE_RECORD_H
 #define HOST_DAEMON_WIRE_RECORD_H
 
@@ -15,7 +15,7 @@ using Record = std::map<std::string, Value, std::less<>>;
 
 KindLookup KindsOf(const Record &record);
 
-// Stores a value at the field's place. The answer is empty, or says why the value does not fit the field.
+// Stores a value in the field's bytes. Returns an empty string, or says why the value does not fit.
 std::string StoreField(std::span<uint8_t> image, const Field &field, const Value &value);
 std::string ShowField(ByteView image, const Field &field);
 
