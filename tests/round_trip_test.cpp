@@ -4,6 +4,7 @@
 #include "host/daemon/device/commands.h"
 #include "host/daemon/device/row_kinds.h"
 #include "host/daemon/wire/layout.h"
+#include "host/directory.h"
 #include "record_fields.h"
 #include "support/program.h"
 
@@ -459,8 +460,8 @@ protected:
         leaves_ = rsvpctl::Leaves(Whole(*kind.key));
         std::sort(leaves_.begin(), leaves_.end(), [](const auto &a, const auto &b) { return a.offset < b.offset; });
         ASSERT_EQ(leaves_.size(), KeyPlaces(*wire_).size());
-        directory_.Write("scenario.toml", scenario);
-        ASSERT_EQ(RSVP_MOR_SetMplsRsvp(0), RSVP_MOR_OK) << directory_.Read("rsvpsimd.log");
+        directory_.Write(rsvp_host::kScenarioFile, scenario);
+        ASSERT_EQ(RSVP_MOR_SetMplsRsvp(0), RSVP_MOR_OK) << directory_.Log();
         fd_ = RSVP_MOR_LIPCOpen();
     }
     void TearDown() override { RSVP_MOR_LIPCClose(fd_); }
@@ -567,7 +568,7 @@ TEST(FullMessage, HasNoRoomForOneMoreByte)
     row["name"] = "ninechars";
     const program::HostDirectory directory(TomlTable("[[p2mpCrlsp]]", row));
     const auto result =
-        program::Run(directory, {RSVPSIMD_PATH, "--check", "--scenario", directory.PathOf("scenario.toml")});
+        program::Run(directory, {RSVPSIMD_PATH, "--check", "--scenario", directory.PathOf(rsvp_host::kScenarioFile)});
     EXPECT_EQ(result.exit, 2);
     EXPECT_NE(result.err.find("8185 bytes"), std::string::npos) << result.err;
 }
@@ -584,7 +585,7 @@ TEST(SingleRecords, EveryFieldAndEveryCount)
                                {"actBypassTunnels", random()}};
         const program::HostDirectory directory(TomlTable("[global]", global) + TomlTable("[debug]", debug) +
                                                TomlTable("[counters]", counters));
-        ASSERT_EQ(RSVP_MOR_SetMplsRsvp(0), RSVP_MOR_OK) << directory.Read("rsvpsimd.log");
+        ASSERT_EQ(RSVP_MOR_SetMplsRsvp(0), RSVP_MOR_OK) << directory.Log();
         const int32_t fd = RSVP_MOR_LIPCOpen();
         RSVP_MOR_GlobalInfo info; // the first question of all, since the daemon counts what it is asked
         ASSERT_EQ(RSVP_MOR_GetGlobalInfo(fd, &info), RSVP_MOR_OK);
@@ -745,7 +746,7 @@ TEST(Commands, SwitchesAndResetsShow)
                                            "[[auth]]\nauthEntryWord0 = 1\nauthEntryWord1 = 2\nauthEntryLong0 = 9\n"
                                            "[[auth]]\nauthEntryWord0 = 2\nauthEntryWord1 = 1\nauthEntryLong0 = 9\n"
                                            "[global]\nstatWord4 = 1000\n");
-    ASSERT_EQ(RSVP_MOR_SetMplsRsvp(0), RSVP_MOR_OK) << directory.Read("rsvpsimd.log");
+    ASSERT_EQ(RSVP_MOR_SetMplsRsvp(0), RSVP_MOR_OK) << directory.Log();
     const int32_t fd = RSVP_MOR_LIPCOpen();
     const RSVP_MOR_Session session{0x0A000004, {0, 0}, 0x1234, 0x0A000001};
     for (const RSVP_MOR_DebugSwitch &debug : {RSVP_MOR_DebugSwitch{session, 4}, {session, 16}, {session, 64}})
