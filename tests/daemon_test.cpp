@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <set>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -222,21 +223,44 @@ TEST(Daemon, FaultsSpoilWhatTheySelect)
         {"silent,op=4", "03030008000000000064000400000000"},
         {"silent,item=101", "03030008000000000064000400000000"},
     };
-    for (const auto &row : rows) {
+    std::set<FaultKind> covered;
+    const auto struck = [&covered](std::string_view fault) {
         Daemon daemon;
-        daemon.Add(ParseFault(std::string(row.fault) + ",class=3,once"));
+        daemon.Add(ParseFault(fault));
+        covered.insert(ParseFault(fault).kind);
+        return daemon;
+    };
+    for (const auto &row : rows) {
+        Daemon daemon = struck(std::string(row.fault) + ",class=3,once");
         const Reply first = daemon.Answer(Request(3, 3, "00640000"));
         EXPECT_EQ(Show(first), row.frame) << row.fault;
         EXPECT_EQ(Show(daemon.Answer(Request(3, 3, "00640000"))), "03030008000000000064000400000000") << row.fault;
     }
+    const struct {
+        std::string_view fault;
+        int copies, delay;
+        bool close, crash;
+    } ways[] = {{"late=200", 1, 200, false, false},
+                {"silent", 0, 0, false, false},
+                {"twice", 2, 0, false, false},
+                {"close", 0, 0, true, false},
+                {"exit", 0, 0, false, true}};
+    for (const auto &way : ways) {
+        const Reply reply = struck(way.fault).Answer(Request(3, 3, "00640000"));
+        EXPECT_EQ(std::tuple(reply.copies, reply.delay.count(), reply.close, reply.crash),
+                  std::tuple(way.copies, way.delay, way.close, way.crash))
+            << way.fault;
+    }
     for (const auto &[fault, expected] : {std::pair{"stuck", 1U}, std::pair{"shifting", 3U}}) {
-        Daemon daemon;
+        Daemon daemon = struck(fault);
         MakeRows(daemon.GetDevice(), "resource=4");
-        daemon.Add(ParseFault(std::string(fault) + ",once"));
         const Reply reply = daemon.Answer(Request(3, 5, "0067000400000001"));
         EXPECT_EQ(FieldOf(reply, *LayoutRef("resource"), "resourceIndex"), std::to_string(expected)) << fault;
     }
-    for (const auto *wrong : {"", "slow", "late", "late=x", "silent,speed=1", "silent,class=256", "silent,once=1"})
+    for (const FaultName &known : AllFaults())
+        EXPECT_TRUE(covered.contains(known.kind)) << known.name << " has no row here";
+    for (const auto *wrong :
+         {"", "slow", "late", "late=x", "silent,speed=1", "silent,class=256", "silent,once=1", "silent=1", "silent,"})
         EXPECT_THROW(ParseFault(wrong), std::invalid_argument) << wrong;
 }
 

@@ -23,7 +23,8 @@ void RefuseOtherThanText(std::string_view text)
 
 Node Convert(const toml::node &from)
 {
-    Node node{.line = from.source().begin.line};
+    Node node;
+    node.line = from.source().begin.line;
     if (const toml::table *table = from.as_table()) {
         Node::Table members;
         for (const auto &[key, child] : *table)

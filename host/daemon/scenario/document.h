@@ -22,7 +22,7 @@ struct Node {
     template <typename Wanted> const Wanted *As() const { return std::get_if<Wanted>(&value); }
 
     size_t line = 0;
-    std::variant<Other, bool, int64_t, double, std::string, Array, Table> value = Other{};
+    std::variant<Other, bool, int64_t, double, std::string, Array, Table> value;
 };
 
 struct Member {
