@@ -13,6 +13,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <sched.h>
 #include <spawn.h>
 #include <sys/resource.h>

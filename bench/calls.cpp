@@ -2,6 +2,7 @@
 #include "calls.h"
 
 #include "channel/message.h"
+#include "host/directory.h"
 #include "rsvp_mor.h"
 
 #include <array>
@@ -13,7 +14,6 @@
 #include <spawn.h>
 #include <sys/socket.h>
 #include <sys/time.h>
-#include <sys/un.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -28,10 +28,7 @@ constexpr size_t kPathState = 440;
 
 sockaddr_un Address()
 {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    std::snprintf(address.sun_path, sizeof(address.sun_path), "%s/lipc-0ae18000", getenv("RSVP_HOST_DIR"));
-    return address;
+    return rsvp_host::SocketAddress(getenv("RSVP_HOST_DIR"));
 }
 
 void Check(uint32_t status)

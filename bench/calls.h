@@ -3,7 +3,7 @@
 #ifndef BENCH_CALLS_H
 #define BENCH_CALLS_H
 
-#include "frame.h"
+#include "host/daemon/wire/frame.h"
 
 #include <string>
 #include <sys/types.h>

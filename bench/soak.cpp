@@ -2,7 +2,6 @@
 // in every way it can. Every answer must be right or a clear refusal, and at the end nothing may be left over.
 #include "calls.h"
 
-#include "faults.h"
 #include "rsvp_mor.h"
 
 #include <atomic>

@@ -1,6 +1,6 @@
 #!/bin/sh
 # The manual pages must be right for both readers of them, and must not fall behind the programs: every option and every
-# verb that a program's help names stands in its page.
+# verb that a program's help names is in its page, and every kind of fault is in the daemon's page and in host.md.
 #
 #     check_manual_pages.sh RSVPCTL RSVPSIMD
 set -eu
@@ -30,13 +30,18 @@ missing() {
   done
 }
 
-text=$(mktemp) words=$(mktemp)
-trap 'rm -f "$text" "$words"' EXIT
+text=$(mktemp) words=$(mktemp) kinds=$(mktemp)
+trap 'rm -f "$text" "$words" "$kinds"' EXIT
 {
   "$rsvpctl" --help | grep -oE -e '^ +--[a-z-]+'
   "$rsvpctl" --help | sed -n '/^Subcommands:/,/^$/s/^  \([a-z-]*\) .*/\1/p'
 } >"$words"
 missing rsvpctl.1 <"$words"
 "$rsvpsimd" --help | grep -oE -e '^ +(-h,)?--[a-z-]+' | grep -oE -e '--[a-z-]+' >"$words"
+"$rsvpsimd" --check --fault unknown 2>&1 | sed -n 's/.* the kinds are //p' | tr -d , | tr ' ' '\n' | tee "$kinds" >>"$words"
+[ -s "$kinds" ] || complain "the daemon does not list its kinds of faults"
 missing rsvpsimd.8 <"$words"
+while read -r kind; do
+  grep -qE "^\| \`$kind[\`=[]" ../host.md || complain "host.md does not tell of the fault $kind"
+done <"$kinds"
 exit $failed

@@ -45,7 +45,7 @@ run_refused() {
 # Anything that the programs write outside their device ends up in this folder, where the end of the demo finds it.
 export PATH=$build/bin:$PATH RSVP_HOST_DIR=$device
 export HOME=$elsewhere TMPDIR=$elsewhere XDG_RUNTIME_DIR=$elsewhere XDG_CACHE_HOME=$elsewhere
-cat "$source/host/daemon/scenarios/demo.toml" "$source/host/daemon/scenarios/p2mp.toml" >"$device/scenario.toml" ||
+cat "$source/host/scenarios/demo.toml" "$source/host/scenarios/p2mp.toml" >"$device/scenario.toml" ||
   fail "the scenario files cannot be read"
 
 say "A device of plain files stands in for the router, and a simulated daemon for the real one."

@@ -2,22 +2,18 @@
 // sent, the daemon still works afterwards.
 #include "promise.h"
 
-#include "daemon.h"
-#include "generator.h"
+#include "host/daemon/daemon.h"
+#include "host/daemon/scenario/generator.h"
 
 using namespace rsvpsimd;
 
 namespace {
 
-constexpr std::string_view kFaults[] = {
-    "late=1", "silent", "short",    "short=9", "long", "wrong-body-length", "cut-item", "status=7", "item-type=9",
-    "twice",  "stuck",  "shifting", "close",   "exit"};
-
 Daemon Fresh()
 {
     Daemon daemon;
     for (const RowKind &kind : AllRowKinds())
-        MakeRows(daemon.GetDevice(), std::string(kind.name) + "=3");
+        MakeRows(daemon.GetDevice(), kind.name, 3);
     daemon.TraceTo([](const std::string &line) { Must(!line.empty(), "a frame can be traced in words"); });
     return daemon;
 }
@@ -37,9 +33,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     if (size == 0)
         return 0;
     Daemon daemon = prototype;
-    const bool faulty = data[0] < std::size(kFaults);
-    if (faulty)
-        daemon.Add(ParseFault(std::string(kFaults[data[0]]) + ",class=3"));
+    const bool faulty = data[0] < 2 * AllFaults().size();
+    if (faulty) {
+        const FaultName &kind = AllFaults()[data[0] / 2];
+        const bool withNumber = kind.needsNumber || (kind.most != 0 && data[0] % 2 != 0);
+        Fault fault = MakeFault(kind.name, withNumber ? std::optional<uint64_t>(9) : std::nullopt);
+        fault.requests.msgClass = kShow;
+        daemon.Add(fault);
+    }
     ByteView input = ByteView(data, size).subspan(1);
     while (input.size() >= 2) {
         const size_t length = std::min(static_cast<size_t>(LoadNet(input.first(2))), input.size() - 2);

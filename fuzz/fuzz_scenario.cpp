@@ -2,7 +2,8 @@
 // be read.
 #include "promise.h"
 
-#include "scenario.h"
+#include "host/daemon/daemon.h"
+#include "host/daemon/scenario/scenario.h"
 
 using namespace rsvpsimd;
 
@@ -10,14 +11,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     Daemon daemon;
     try {
-        ReadScenarioText(daemon, {reinterpret_cast<const char *>(data), size}, "input");
+        daemon.Add(ReadScenarioText(daemon.GetDevice(), {reinterpret_cast<const char *>(data), size}, "input"));
     } catch (const ScenarioError &error) {
         Must(std::string_view(error.what()).starts_with("input:"), "a refusal names the file");
         return 0;
     }
     for (const RowKind &kind : AllRowKinds()) {
         Bytes item;
-        AppendItem(item, kind.requestItem, Bytes(kind.firstHasKey ? LayoutNamed(kind.keyLayout).size : 0));
+        AppendItem(item, kind.requestItem, Bytes(kind.FirstKeySize()));
         const Reply reply = daemon.Answer(BuildFrame(kShow, kGetFirst, kOk, item));
         Must(reply.copies == 0 || reply.frame.size() <= 2 * RSVP_MOR_MSG_MAX,
              "a reply is bounded, with and without faults");

@@ -2,8 +2,8 @@
 // request that an operation sends.
 #include "promise.h"
 
-#include "daemon.h"
-#include "generator.h"
+#include "host/daemon/daemon.h"
+#include "host/daemon/scenario/generator.h"
 #include "support/operations.h"
 
 #include <filesystem>
@@ -27,7 +27,7 @@ int main(int count, char **words)
     const std::filesystem::path directory = words[1];
     rsvpsimd::Daemon daemon;
     for (const rsvpsimd::RowKind &kind : rsvpsimd::AllRowKinds())
-        rsvpsimd::MakeRows(daemon.GetDevice(), std::string(kind.name) + "=9");
+        rsvpsimd::MakeRows(daemon.GetDevice(), kind.name, 9);
 
     for (size_t i = 0; i < scripted::Operations().size(); ++i) {
         const scripted::Operation &operation = scripted::Operations()[i];
@@ -36,9 +36,8 @@ int main(int count, char **words)
         const rsvpsimd::RowKind *kind = rsvpsimd::FindRowKind(item);
         rsvpsimd::Bytes asked(request.begin(), request.end());
         if (operation.answer.size != 0 && kind != nullptr) { // the table's keys match no row: ask for the first
-            const size_t key = kind->firstHasKey ? rsvpsimd::LayoutNamed(kind->keyLayout).size : 0;
             rsvpsimd::Bytes body;
-            rsvpsimd::AppendItem(body, item, rsvpsimd::Bytes(key));
+            rsvpsimd::AppendItem(body, item, rsvpsimd::Bytes(kind->FirstKeySize()));
             asked = rsvpsimd::BuildFrame(rsvpsimd::kShow, rsvpsimd::kGetFirst, rsvpsimd::kOk, body);
         }
         const rsvpsimd::Bytes reply = daemon.Answer(asked).frame;

@@ -1,10 +1,12 @@
 // The library and the daemon describe the same wire, each in its own way and without a line of code in common. Here
 // the two check each other over a real socket: random values that the daemon encodes by its field tables must come
 // out of the library under the same names, and the keys that the library sends must find the right rows.
-#include "commands.h"
+#include "host/daemon/device/commands.h"
+#include "host/daemon/device/row_kinds.h"
+#include "host/daemon/wire/layout.h"
+#include "host/directory.h"
 #include "manager/record/describe.h"
 #include "manager/record/json.h"
-#include "row_kinds.h"
 #include "support/program.h"
 
 #include <algorithm>
@@ -57,7 +59,7 @@ using nlohmann::json;
 using manager::Describe;
 using manager::FieldKind;
 using manager::RecordDescription;
-using rsvpsimd::Layout;
+using rsvpsimd::LayoutRef;
 using rsvpsimd::ListKind;
 using rsvpsimd::Order;
 using rsvpsimd::Shape;
@@ -164,14 +166,13 @@ json RandomValue(Random &random, const rsvpsimd::Field &field)
     return number >> (field.width == 8 ? 1 : 64 - 8 * field.width); // a scenario file cannot hold all 64 bits
 }
 
-json RandomFields(Random &random, std::string_view layoutName)
+json RandomFields(Random &random, LayoutRef layout)
 {
-    const Layout &layout = rsvpsimd::LayoutNamed(layoutName);
     std::map<std::string, json, std::less<>> values;
     json record = json::object();
-    for (const rsvpsimd::Field &field : layout.fields) {
+    for (const rsvpsimd::Field &field : layout->fields) {
         const auto kinds = [&](std::string_view name) { return values.at(std::string(name)).get<uint64_t>(); };
-        if (FindField(layout, field.name, kinds) == &field)
+        if (FindField(*layout, field.name, kinds) == &field)
             record[PlaceOf(field.name)] = values[field.name] = RandomValue(random, field);
     }
     return record;
@@ -189,9 +190,8 @@ void AddLists(Random &random, json &block, std::span<const ListKind> lists)
             continue;
         }
         json &entries = block[std::string(list.name)] = json::array();
-        const bool counted = list.shape == Shape::Counted;
         for (uint32_t i = 0; i < count; ++i) {
-            json entry = RandomFields(random, counted ? rsvpsimd::FindListLayout(list.layout)->entry : list.layout);
+            json entry = RandomFields(random, *list.entry);
             AddLists(random, entry, list.children);
             entries.push_back(std::move(entry));
         }
@@ -274,10 +274,10 @@ std::vector<json::json_pointer> KeyPlaces(const rsvpsimd::RowKind &kind)
 {
     std::vector<json::json_pointer> places;
     if (kind.keyFields.empty())
-        for (const auto &field : rsvpsimd::LayoutNamed(kind.keyLayout).fields)
+        for (const auto &field : kind.keyLayout->fields)
             places.push_back(PlaceOf("requestKey." + field.name));
     for (const std::string_view key : kind.keyFields)
-        for (const auto &field : rsvpsimd::LayoutNamed(kind.parts.front().layout).fields)
+        for (const auto &field : kind.RowLayout()->fields)
             if (field.name == key || field.name.starts_with(std::string(key) + "."))
                 places.push_back(PlaceOf(field.name));
     return places;
@@ -462,8 +462,8 @@ protected:
         leaves_ = manager::Leaves(Whole(*kind.key));
         std::sort(leaves_.begin(), leaves_.end(), [](const auto &a, const auto &b) { return a.offset < b.offset; });
         ASSERT_EQ(leaves_.size(), KeyPlaces(*wire_).size());
-        directory_.Write("scenario.toml", scenario);
-        ASSERT_EQ(RSVP_MOR_SetMplsRsvp(0), RSVP_MOR_OK) << directory_.Read("rsvpsimd.log");
+        directory_.Write(rsvp_host::kScenarioFile, scenario);
+        ASSERT_EQ(RSVP_MOR_SetMplsRsvp(0), RSVP_MOR_OK) << directory_.Log();
         fd_ = RSVP_MOR_LIPCOpen();
     }
     void TearDown() override { RSVP_MOR_LIPCClose(fd_); }
@@ -571,7 +571,7 @@ TEST(FullMessage, HasNoRoomForOneMoreByte)
     row["name"] = "ninechars";
     const program::HostDirectory directory(TomlTable("[[p2mpCrlsp]]", row));
     const auto result =
-        program::Run(directory, {RSVPSIMD_PATH, "--check", "--scenario", directory.PathOf("scenario.toml")});
+        program::Run(directory, {RSVPSIMD_PATH, "--check", "--scenario", directory.PathOf(rsvp_host::kScenarioFile)});
     EXPECT_EQ(result.exit, 2);
     EXPECT_NE(result.err.find("8185 bytes"), std::string::npos) << result.err;
 }
@@ -588,7 +588,7 @@ TEST(SingleRecords, EveryFieldAndEveryCount)
                                {"actBypassTunnels", random()}};
         const program::HostDirectory directory(TomlTable("[global]", global) + TomlTable("[debug]", debug) +
                                                TomlTable("[counters]", counters));
-        ASSERT_EQ(RSVP_MOR_SetMplsRsvp(0), RSVP_MOR_OK) << directory.Read("rsvpsimd.log");
+        ASSERT_EQ(RSVP_MOR_SetMplsRsvp(0), RSVP_MOR_OK) << directory.Log();
         const int32_t fd = RSVP_MOR_LIPCOpen();
         RSVP_MOR_GlobalInfo info; // the first request of all, since the daemon counts requests
         ASSERT_EQ(RSVP_MOR_GetGlobalInfo(fd, &info), RSVP_MOR_OK);
@@ -668,13 +668,13 @@ const Setting kSettings[] = {
 // The field that shows the command's setting, as the hex of the wire; empty if there is no such row.
 std::string Shown(int32_t fd, rsvpsimd::Target target, const std::string &field)
 {
-    const auto in = [&](uint32_t status, const auto &record, const char *layout) -> std::string {
+    const auto in = [&](uint32_t status, const auto &record, LayoutRef layout) -> std::string {
         if (status != RSVP_MOR_OK)
             return "";
         const json value = RecordToJson(Describe<std::decay_t<decltype(record)>>(), &record)[field];
         if (value.is_string())
             return value;
-        const auto *wire = FindField(rsvpsimd::LayoutNamed(layout), field, [](auto) { return 0; });
+        const auto *wire = FindField(*layout, field, [](auto) { return 0; });
         return fmt::format("{:0{}x}", value.get<uint32_t>(), 2 * wire->width);
     };
     RSVP_MOR_GlobalInfo global;
@@ -749,7 +749,7 @@ TEST(Commands, SwitchesAndResetsShow)
                                            "[[auth]]\nauthEntryWord0 = 1\nauthEntryWord1 = 2\nauthEntryLong0 = 9\n"
                                            "[[auth]]\nauthEntryWord0 = 2\nauthEntryWord1 = 1\nauthEntryLong0 = 9\n"
                                            "[global]\nstatWord4 = 1000\n");
-    ASSERT_EQ(RSVP_MOR_SetMplsRsvp(0), RSVP_MOR_OK) << directory.Read("rsvpsimd.log");
+    ASSERT_EQ(RSVP_MOR_SetMplsRsvp(0), RSVP_MOR_OK) << directory.Log();
     const int32_t fd = RSVP_MOR_LIPCOpen();
     const RSVP_MOR_Session session{0x0A000004, {0, 0}, 0x1234, 0x0A000001};
     for (const RSVP_MOR_DebugSwitch &debug : {RSVP_MOR_DebugSwitch{session, 4}, {session, 16}, {session, 64}})

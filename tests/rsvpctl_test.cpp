@@ -1,7 +1,8 @@
 // rsvpctl as its users meet it: a program with a command line, two streams and an exit status, in front of a real
 // daemon that is well, that misbehaves, or that is not there.
-#include "frame.h"
-#include "instance.h"
+#include "host/daemon/instance.h"
+#include "host/daemon/wire/frame.h"
+#include "host/directory.h"
 #include "support/program.h"
 #include "tools/rsvpctl/command/batch.h"
 #include "tools/rsvpctl/command/command_line.h"
@@ -514,7 +515,7 @@ TEST(Rsvpctl, KeysAreNeverSeen)
     }
     seen += Ctl(directory, "batch - --dry-run", "set auth-key --key-file key.txt\n").out;
     EXPECT_NE(seen.find("hidden"), std::string::npos);
-    seen += directory.Read("rsvpsimd.log");
+    seen += directory.Log();
     EXPECT_NE(seen.find("authKey=********"), std::string::npos);
     EXPECT_EQ(seen.find(secret.substr(0, 7)), std::string::npos);
     EXPECT_EQ(seen.find("68756e746572"), std::string::npos); // the same in hex
@@ -612,7 +613,7 @@ TEST(Rsvpctl, EnablesAndDisablesTheNodesOfOneDeviceAlone)
     EXPECT_EQ(Ctl(device, "enable").exit, 0);
     EXPECT_EQ(Ctl(device, "enable").exit, 0); // all of it is done already
     EXPECT_EQ(device.Read("service/8") + device.Read("service/9"), "1\n1\n");
-    const std::string pid = device.Read("rsvpsimd.lock");
+    const std::string pid = device.Read(rsvp_host::kLockFile);
     EXPECT_EQ(Ctl(other, "status").exit, 5);
 
     EXPECT_EQ(Ctl(other, "enable").exit, 0);
@@ -621,11 +622,11 @@ TEST(Rsvpctl, EnablesAndDisablesTheNodesOfOneDeviceAlone)
     EXPECT_EQ(CtlJson(other, "show interfaces")["rows"].size(), 0U);
     EXPECT_EQ(Ctl(other, "disable").exit, 0);
     EXPECT_EQ(Ctl(device, "status").exit, 0);
-    EXPECT_EQ(device.Read("rsvpsimd.lock"), pid);
+    EXPECT_EQ(device.Read(rsvp_host::kLockFile), pid);
 
     EXPECT_EQ(Ctl(device, "disable").exit, 0);
     EXPECT_EQ(device.Read("service/8") + device.Read("service/9"), "0\n0\n");
-    EXPECT_NE(access(device.PathOf("lipc-0ae18000").c_str(), F_OK), 0);
+    EXPECT_NE(access(device.PathOf(rsvp_host::kSocketFile).c_str(), F_OK), 0);
     const json status = CtlJson(device, "status");
     EXPECT_EQ(status["record"]["service"], "stopped");
     EXPECT_EQ(status["status"], RSVP_MOR_ERR_NOT_ENABLED);

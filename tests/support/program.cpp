@@ -2,6 +2,7 @@
 // not started here: the service manager does that, and returns once the daemon answers.
 #include "support/program.h"
 
+#include "host/directory.h"
 #include "platform/device.h"
 #include "platform/service.h"
 
@@ -24,7 +25,7 @@ HostDirectory::HostDirectory(const std::string &scenario)
     if (mkdtemp(name) == nullptr)
         throw std::runtime_error("cannot make a directory in /tmp");
     path_ = name;
-    Write("scenario.toml", scenario);
+    Write(rsvp_host::kScenarioFile, scenario);
     setenv("RSVP_SIMD", RSVPSIMD_PATH, 1);
     setenv("RSVP_HOST_RUNNER", TEST_RUNNER, 1);
     Use();
@@ -42,15 +43,20 @@ void HostDirectory::Use() const
     setenv("RSVP_HOST_DIR", path_.c_str(), 1);
 }
 
-void HostDirectory::Write(const std::string &name, const std::string &text) const
+void HostDirectory::Write(std::string_view name, const std::string &text) const
 {
     std::ofstream(PathOf(name)) << text;
 }
 
-std::string HostDirectory::Read(const std::string &name) const
+std::string HostDirectory::Read(std::string_view name) const
 {
     std::ifstream file(PathOf(name));
     return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::string HostDirectory::Log() const
+{
+    return Read(rsvp_host::kLogFile);
 }
 
 Result Run(const HostDirectory &directory, std::vector<std::string> words, const std::string &input, Output output)

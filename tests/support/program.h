@@ -5,6 +5,7 @@
 #define TESTS_SUPPORT_PROGRAM_H
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace program {
@@ -19,9 +20,10 @@ public:
     // Makes it the device of this process and of the programs that it starts from now on.
     void Use() const;
 
-    std::string PathOf(const std::string &name) const { return path_ + "/" + name; }
-    void Write(const std::string &name, const std::string &text) const;
-    std::string Read(const std::string &name) const; // empty if there is no such file
+    std::string PathOf(std::string_view name) const { return path_ + "/" + std::string(name); }
+    void Write(std::string_view name, const std::string &text) const;
+    std::string Read(std::string_view name) const; // empty if there is no such file
+    std::string Log() const;                       // what the daemon said
 
 private:
     std::string path_;
