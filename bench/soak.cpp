@@ -45,8 +45,8 @@ constexpr auto kRound = std::chrono::milliseconds(700);
 
 // How far an answer can be trusted while a fault is active.
 enum class Trust {
-    Rows,  // what comes with status 0 is the row that was asked for
-    Known, // it is some row of the table, since the daemon's answers are out of step or its rows stand still
+    Rows,  // with status 0 comes the requested row
+    Known, // it is some row of the table: the daemon's answers are out of step, or its rows do not advance
 };
 
 struct Misbehaviour {
@@ -126,7 +126,7 @@ void WalkPathState(Trust trust)
         const uint32_t key = record.session.tunnelEndpoint;
         Expect(IsRight(pathStates, before, key, trust) && SameBlock(record, pathStates.at(key)), "a wrong block");
         RSVP_MOR_FreeReplyPsb(&record);
-        if (key <= before) // the walk is broken: its rows stand still
+        if (key <= before) // the walk is broken: its rows do not advance
             break;
         before = key;
         more = Answered(RSVP_MOR_GetNextPsbInfo(fd, &record.session, &record.sender, &record));

@@ -9,7 +9,7 @@
 
 namespace rsvp_mor {
 
-// A request that grows item by item behind the room for its header. `Request request{};` zeroes the area and
+// A request that grows item by item after the space for its header. `Request request{};` zeroes the area and
 // `Request request;` does not: there are operations of both kinds.
 struct Request {
     uint16_t bodyLength = 0;
@@ -76,7 +76,7 @@ struct Items {
 };
 
 // The end is not a fault: ITEM_END says that the body is used up, ITEM_MALFORMED that what follows is not an item.
-// Who takes the one for the other says so.
+// Code that treats one like the other says so.
 enum ItemResult { ITEM_READ, ITEM_END, ITEM_MALFORMED };
 
 // Reads the item at the front and steps over it. With ITEM_READ the item lies inside the body, whatever the

@@ -1,8 +1,8 @@
-// Byte order and bounds, in one place. What has Net in its name converts between network and host order; what has Raw
-// copies bytes as they stand. A value is an array whose size the compiler knows, so that a field beyond it does not
-// compile; the width comes from the field's own type. Values may lie at any address: they are read byte by byte and
-// never through a cast pointer, and the compiler makes one load and one swap of it. Inlined even where the library is
-// built for size: on the router's processor a conversion is shorter than a call of one.
+// Byte order and bounds, in one place. A function with Net in its name converts between network and host order, one
+// with Raw copies bytes unchanged. A value is an array whose size the compiler knows, so a field beyond its end does
+// not compile; the width of a field comes from its own type. A value may start at any address: it is read byte by
+// byte, never through a cast pointer, and the compiler turns that into one load and one swap. Inlined even where the
+// library is built for size, since on the router's processor a conversion is shorter than a call.
 #ifndef CHANNEL_WIRE_H
 #define CHANNEL_WIRE_H
 
@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <cstring>
 
-// A record that is copied whole from the wire relies on its layout: checked where the copy stands.
+// A record that is copied whole from the wire relies on its layout, which is checked next to the copy.
 #define RSVP_MOR_ASSERT_SIZE(record, size)            static_assert(sizeof(record) == (size))
 #define RSVP_MOR_ASSERT_OFFSET(record, field, offset) static_assert(offsetof(record, field) == (offset))
 
@@ -21,7 +21,7 @@ namespace rsvp_mor {
 // A value on the wire.
 template <size_t Size> using Bytes = uint8_t[Size];
 
-// What the views below are made of. Whoever calls these has to know by other means that the bytes are there.
+// The views below are built on these. Any other caller must know in some other way that the bytes are there.
 namespace unchecked {
 
 RSVP_MOR_INLINE void LoadNet(const uint8_t *at, uint16_t &field)
@@ -79,7 +79,7 @@ template <size_t At, size_t Size, typename Number>
 RSVP_MOR_INLINE void StoreNet(uint8_t (&value)[Size], Number number)
 {
     static_assert(At + sizeof(number) <= Size, "the field lies beyond the value");
-    unchecked::LoadNet(reinterpret_cast<const uint8_t *>(&number), number); // swaps it where the machine must
+    unchecked::LoadNet(reinterpret_cast<const uint8_t *>(&number), number); // swaps it on a little-endian machine
     memcpy(value + At, &number, sizeof(number));
 }
 
@@ -91,7 +91,7 @@ template <size_t At, size_t Size, size_t Count> void StoreRaw(uint8_t (&value)[S
 
 // ---- Objects inside a value ----
 
-// What is left of a value from some byte on. It becomes the array that the object's decoder or encoder asks for.
+// A value from some byte on. It converts to the array that the object's decoder or encoder takes.
 template <typename Byte, size_t Left> struct Rest {
     template <size_t Size> using Array = Byte[Size];
 
@@ -116,7 +116,7 @@ template <typename Record> void CopyWholeRaw(const uint8_t (&value)[sizeof(Recor
     memcpy(&record, value, sizeof(record));
 }
 
-// Converts numbers where they lie, in a record that was copied from the wire. Its own inverse.
+// Converts numbers in place, in a record that was copied from the wire. Its own inverse.
 template <typename... Number> RSVP_MOR_INLINE void ConvertNet(Number &...numbers)
 {
     (unchecked::LoadNet(reinterpret_cast<const uint8_t *>(&numbers), numbers), ...);

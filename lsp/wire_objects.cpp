@@ -55,7 +55,7 @@ RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_LabelRequest, minDlci, 8);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_LabelRequest, maxDlci, 12);
 RSVP_MOR_ASSERT_SIZE(RSVP_MOR_SessionAttr, SESSION_ATTR_SIZE);
 
-// SENDER_TSPEC and the front of FLOWSPEC are alike, field for field.
+// SENDER_TSPEC and the front of FLOWSPEC have the same fields.
 template <typename Spec> void ConvertTspecNet(Spec &spec)
 {
     ConvertNet(spec.overallLength, spec.serviceLength, spec.tspecParamLength); // the three rates stay raw
@@ -64,7 +64,7 @@ template <typename Spec> void ConvertTspecNet(Spec &spec)
 
 void ConvertParamNet(RSVP_MOR_AdspecParam &param)
 {
-    ConvertNet(param.paramLength, param.paramValue); // the value is a word, also where it holds a float
+    ConvertNet(param.paramLength, param.paramValue); // the value is a word even if it holds a float
 }
 
 void ConvertParamsNet(RSVP_MOR_AdspecParam (&params)[4])
@@ -95,7 +95,7 @@ void DecodeSender(const Bytes<SENDER_SIZE> &value, RSVP_MOR_Sender &sender)
 
 void DecodeIfRef(const Bytes<IF_REF_SIZE> &value, RSVP_MOR_IfRef &ifRef)
 {
-    CopyWholeRaw(value, ifRef); // six of its eight bytes on the wire
+    CopyWholeRaw(value, ifRef); // the last two of its eight bytes are not read
     ConvertNet(ifRef.ifRefNumber);
 }
 

@@ -13,7 +13,7 @@ enum ObjectSize : uint16_t {
     SESSION_SIZE = 12,
     HOP_SIZE = 8,
     SENDER_SIZE = 8,
-    IF_REF_SIZE = 6, // two more bytes behind it are not read
+    IF_REF_SIZE = 6, // of 8 bytes on the wire
     SENDER_TSPEC_SIZE = 32,
     FLOW_SPEC_SIZE = 44,
     ADSPEC_SIZE = 160,

@@ -113,7 +113,7 @@ uint32_t RSVP_MOR_GetP2mpPsbInfo(int32_t fd, uint32_t itemType, uint32_t op, con
         listRefused = status != RSVP_MOR_OK && IsListItem(item.type);
     }
     if (listRefused)
-        RSVP_MOR_FreeP2mpPsbInfo(record); // as every release of this record, it leaves stale pointers behind
+        RSVP_MOR_FreeP2mpPsbInfo(record); // like any release of this record, leaves stale pointers behind
     else if (status != RSVP_MOR_OK)
         FreeFilled(*record, filled); // nothing of this call is left in a record that was out of format
     return status;

@@ -1,5 +1,5 @@
-// The tables of neighbours and of authentication state. Their requests are alike, their decoders are not: that of a
-// neighbour takes a value of any length, that of an authentication entry only a whole one.
+// The tables of neighbours and of authentication state. Their requests are alike, their decoders differ: a
+// neighbour's value may have any length, an authentication entry must be whole.
 #include "status/reads.h"
 
 #include "channel/message.h"
