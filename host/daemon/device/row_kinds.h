@@ -134,6 +134,13 @@ constexpr bool KeyIsInRow(const RowKind &kind)
 }
 
 static_assert(std::ranges::all_of(kRowKinds, KeyIsInRow), "a row lacks a field of its key");
+static_assert(std::ranges::all_of(kRowKinds,
+                                  [](const RowKind &kind) {
+                                      return std::ranges::count(kRowKinds, kind.name, &RowKind::name) == 1 &&
+                                             std::ranges::count(kRowKinds, kind.requestItem, &RowKind::requestItem) ==
+                                                 1;
+                                  }),
+              "two kinds of rows have the same name or request item");
 
 // A kind named in the program's own code or tables; the compiler looks the name up.
 class RowKindRef {

@@ -1,6 +1,6 @@
-// The rule of this room: it describes what travels, as data, and turns it into bytes and back. It knows nothing of what
-// a daemon does with it. This header has the layouts as the program uses them: one flat list of fields for each value.
-// Names are the field names of the records, with dots for nested objects ("slots[0].slotSender.lspId").
+// The rule of this room: it describes what travels, as data, and turns it into bytes and back. It knows nothing of
+// what a daemon does with it. This header has the layouts as the program uses them: one flat list of fields for each
+// value. Names are the field names of the records, with dots for nested objects ("slots[0].slotSender.lspId").
 #ifndef HOST_DAEMON_WIRE_LAYOUT_H
 #define HOST_DAEMON_WIRE_LAYOUT_H
 
