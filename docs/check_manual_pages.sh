@@ -1,6 +1,6 @@
 #!/bin/sh
 # The manual pages must be right for both readers of them, and must not fall behind the programs: every command, option
-# and other name that a program has stands in its page.
+# and other name that a program has is in its page, and every kind of fault is in the daemon's page and in host.md.
 #
 #     check_manual_pages.sh RSVPCTL RSVPSIMD
 set -eu
@@ -55,8 +55,8 @@ aliases() {
   "$rsvpctl" completion bash | sed -n "s/^ *' [a-z0-9 -]* \([a-z-]*\)') node=' .*/\1/p"
 }
 
-text=$(mktemp) words=$(mktemp)
-trap 'rm -f "$text" "$text.words" "$words" "$words.commands"' EXIT
+text=$(mktemp) words=$(mktemp) kinds=$(mktemp)
+trap 'rm -f "$text" "$text.words" "$words" "$words.commands" "$kinds"' EXIT
 
 # Each command begins a line of the page, a setting without its verb. Its options and other names stand somewhere.
 plain rsvpctl.1
@@ -75,5 +75,10 @@ missing rsvpctl.1 <"$words"
 
 plain rsvpsimd.8
 "$rsvpsimd" --help | options >"$words"
+"$rsvpsimd" --check --fault unknown 2>&1 | sed -n 's/.* the kinds are //p' | tr -d , | tr ' ' '\n' | tee "$kinds" >>"$words"
+[ -s "$kinds" ] || complain "the daemon does not list its kinds of faults"
 missing rsvpsimd.8 <"$words"
+while read -r kind; do
+  grep -qE "^\| \`$kind[\`=[]" ../host.md || complain "host.md does not tell of the fault $kind"
+done <"$kinds"
 exit $failed

@@ -1,7 +1,8 @@
 // rsvpctl as its users meet it: a program with a command line, two streams and an exit status, in front of a real
 // daemon that is well, that misbehaves, or that is not there.
-#include "frame.h"
-#include "instance.h"
+#include "host/daemon/instance.h"
+#include "host/daemon/wire/frame.h"
+#include "host/directory.h"
 #include "support/program.h"
 #include "tools/rsvpctl/command/batch.h"
 #include "tools/rsvpctl/command/command_line.h"
@@ -23,6 +24,7 @@
 #include <sstream>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
 
@@ -33,11 +35,11 @@ using program::HostDirectory;
 using program::Result;
 
 Result Ctl(const HostDirectory &directory, const std::string &line, const std::string &input = "",
-           bool closed = false)
+           program::Output output = program::Output::Kept)
 {
     std::vector<std::string> words = rsvpctl::SplitWords(line);
     words.insert(words.begin(), RSVPCTL_PATH);
-    return program::Run(directory, words, input, closed);
+    return program::Run(directory, words, input, output);
 }
 
 // One document, in which the exit status stands as well.
@@ -144,7 +146,8 @@ TEST(Rsvpctl, SaysWhatItDidAndWhyNot)
         {"reset statistics 0,0", 0, "done", ""},
         {"reset statistics 77,0", 1, "", "RSVP_MOR_ResetStatistics"},
         {"capability interface 4 on", 0, "done", ""},
-        {"options", 1, "", "/etc/te.conf"},
+        {"options a", 4, "", "/etc/te.conf is missing"},
+        {"options", 2, "", "--name"},
         {"explain 0x6001001A", 0, "RSVP_MOR_ERR_NOT_ENABLED", ""},
         {"explain RSVP_MOR_ERR_LIPC", 0, "0x2001000e", ""},
         {"explain RSVP_MOR_ERR_LPIC", 2, "", "did you mean 'RSVP_MOR_ERR_LIPC'?"},
@@ -319,7 +322,7 @@ TEST(Rsvpctl, TellsTheEndsOfAWalkApart)
         {"kind = \"short\"", 4, 1, "broken", "walk broken after 1 row"},
         {"kind = \"wrong-body-length\"", 4, 1, "broken", "walk broken after 1 row"},
         {"kind = \"exit\"", 4, 1, "broken", "walk broken after 1 row"},
-        {"kind = \"status\"\nnumber = 0x60010099", 1, 1, "broken", "0x60010099"},
+        {"kind = \"status\"\nnumber = 0x60010099", 4, 1, "broken", "0x60010099"},
         {"kind = \"stuck\"", 4, 1, "stuck", "walk stuck after 1 row"},
         {"kind = \"shifting\"\nonce = true", 0, 2, "end of table", "2 rows, end of table"},
     };
@@ -346,9 +349,109 @@ TEST(Rsvpctl, TellsTheEndsOfAWalkApart)
                 EXPECT_EQ(document["end"], row.end);
                 EXPECT_EQ(document["complete"], row.end == std::string("end of table"));
                 EXPECT_EQ(document["rows"][0][key], 1);
+                EXPECT_EQ(document.contains("after"), document["complete"] == false);
+                EXPECT_EQ(document.contains("whatToDo"), document["complete"] == false);
             }
         }
     }
+}
+
+// A fault of the scenario for every question.
+std::string FaultTable(const std::string &fault)
+{
+    const size_t equals = fault.find('=');
+    const std::string number = equals == std::string::npos ? "" : "number = " + fault.substr(equals + 1) + "\n";
+    return fmt::format("[[fault]]\nkind = \"{}\"\n{}class = 3\n", fault.substr(0, equals), number);
+}
+
+TEST(Rsvpctl, AFailureTellsHowFarItCame)
+{
+    const struct {
+        const char *fault;
+        int exit;
+        const char *stage;
+        const char *happened;
+    } cases[] = {
+        {"close", 4, "receive", "the daemon closed the session after"},
+        {"short=3", 4, "reply", "expected at least the 8 bytes of a header, 3 came"},
+        {"wrong-body-length", 4, "reply", "its header announces"},
+        {"cut-item", 4, "reply", "bytes of items are not those of the answer"},
+        {"status=0x60010099", 1, "refused", "the daemon answered with this status"},
+        {"status=0x40010001", 1, "refused", "the daemon answered"}, // numbers of the library's own
+        {"status=0x2001000e", 1, "refused", "the daemon answered"},
+        {"status=0x6001001a", 1, "refused", "the daemon answered"},
+    };
+    for (const auto &row : cases) {
+        SCOPED_TRACE(row.fault);
+        const HostDirectory directory(FaultTable(row.fault));
+        ASSERT_EQ(Ctl(directory, "enable").exit, 0);
+        const json document = CtlJson(directory, "show counters");
+        EXPECT_EQ(document["exitStatus"], row.exit);
+        EXPECT_EQ(document.value("stage", ""), row.stage) << document;
+        EXPECT_NE(document.value("whatHappened", "").find(row.happened), std::string::npos) << document;
+    }
+}
+
+TEST(Rsvpctl, NothingIsDoneOrStoppedWhereTheStateCannotBeAsked)
+{
+    const HostDirectory directory;
+    ASSERT_EQ(Ctl(directory, "enable").exit, 0);
+    const std::string nodes = directory.Read("nodes");
+    for (const std::string &harm : {std::string("mode"), std::string("nodes")}) {
+        if (harm == "mode")
+            chmod(directory.PathOf("").c_str(), 0755);
+        else
+            directory.Write("nodes", "no such word\n");
+        for (const char *line : {"status", "disable", "undo interface 3", "capability global off"}) {
+            const Result result = Ctl(directory, line);
+            EXPECT_EQ(result.exit, 4) << harm << ": " << line << "\n" << result.out << result.err;
+            EXPECT_EQ(result.out.find("done"), std::string::npos) << result.out;
+            EXPECT_EQ(result.out.find("stopped"), std::string::npos) << result.out;
+        }
+        chmod(directory.PathOf("").c_str(), 0700);
+        directory.Write("nodes", nodes);
+    }
+    // What could not be asked was not touched: the daemon lives, and it is what "done" is about.
+    EXPECT_EQ(Ctl(directory, "status").exit, 0);
+    EXPECT_EQ(Ctl(directory, "disable").exit, 0);
+}
+
+TEST(Rsvpctl, WhatIsNotTextOrCannotBeWrittenIsNotSilence)
+{
+    const HostDirectory directory("[rows]\ntunnel = 2\n");
+    ASSERT_EQ(Ctl(directory, "enable").exit, 0);
+    for (const std::string &line : {std::string("show glob\xff"), std::string("set peer \xff"),
+                                    std::string("batch \xff"), std::string("show tunnels --after \xc3")}) {
+        const json document = CtlJson(directory, line);
+        EXPECT_EQ(document["exitStatus"], 2) << line;
+    }
+    const json batch = CtlJson(directory, "batch - --keep-going", "set peer \xff\nset peer 10.0.0.9\n");
+    ASSERT_EQ(batch["rows"].size(), 2);
+    EXPECT_EQ(batch["rows"][1]["exitStatus"], 0);
+    EXPECT_EQ(Ctl(directory, "batch -", "set 'peer \x1b[2J'\n").err.find('\x1b'), std::string::npos);
+
+    // A descriptor that the caller closed is not the session's: the daemon gets requests and nothing else.
+    for (const char *line : {"show tunnels", "show tunnels --json", "show global", "--help"}) {
+        const Result result = Ctl(directory, line, "", program::Output::Closed);
+        EXPECT_EQ(result.exit, 7) << line;
+        EXPECT_NE(result.err.find("could not be written"), std::string::npos) << line << result.err;
+    }
+}
+
+TEST(Rsvpctl, ABatchIsNotTheKeyOfItsOwnLines)
+{
+    const HostDirectory directory;
+    ASSERT_EQ(Ctl(directory, "enable").exit, 0);
+    directory.Write("key.txt", "a key\n");
+    ASSERT_EQ(symlink("commands", directory.PathOf("other").c_str()), 0);
+    for (const char *name : {"-", "/dev/stdin", "/proc/self/fd/0"}) {
+        const json document =
+            CtlJson(directory, "batch -", std::string("set auth-key --key-file ") + name + "\nset interface 3\n");
+        EXPECT_EQ(document["exitStatus"], 2) << name;
+        EXPECT_EQ(document["rows"].size(), 1) << "the next line was not taken for the key";
+    }
+    directory.Write("commands", "set auth-key --key-file key.txt\nset auth-key --key-file other\n");
+    EXPECT_EQ(CtlJson(directory, "batch commands")["rows"][1]["exitStatus"], 2);
 }
 
 TEST(Rsvpctl, BatchNamesTheLineAndStopsWhereItIsTold)
@@ -475,7 +578,12 @@ TEST(Rsvpctl, ADryRunPrintsWhatIsSent)
                              {"value", key ? "hidden" : fmt::format("{:02x}", fmt::join(item.value, ""))}});
         }
         const json sent = {{"class", message->msgClass}, {"op", message->op}, {"items", items}};
-        EXPECT_EQ(planned["rows"][i]["requests"], json::array({sent})) << planned["rows"][i];
+        json request = planned["rows"][i]["requests"].at(0);
+        for (json &item : request["items"])
+            EXPECT_NE(item["meaning"].get<std::string>(), "") << item;
+        for (json &item : request["items"])
+            item.erase("meaning");
+        EXPECT_EQ(request, sent) << planned["rows"][i];
     }
 }
 
@@ -509,7 +617,7 @@ TEST(Rsvpctl, KeysAreNeverSeen)
     }
     seen += Ctl(directory, "batch - --dry-run", "set auth-key --key-file key.txt\n").out;
     EXPECT_NE(seen.find("hidden"), std::string::npos);
-    seen += directory.Read("rsvpsimd.log");
+    seen += directory.Log();
     EXPECT_NE(seen.find("authKey=********"), std::string::npos);
     EXPECT_EQ(seen.find(secret.substr(0, 7)), std::string::npos);
     EXPECT_EQ(seen.find("68756e746572"), std::string::npos); // the same in hex
@@ -607,7 +715,7 @@ TEST(Rsvpctl, EnablesAndDisablesTheNodesOfOneDeviceAlone)
     EXPECT_EQ(Ctl(device, "enable").exit, 0);
     EXPECT_EQ(Ctl(device, "enable").exit, 0); // all of it is done already
     EXPECT_EQ(device.Read("service/8") + device.Read("service/9"), "1\n1\n");
-    const std::string pid = device.Read("rsvpsimd.lock");
+    const std::string pid = device.Read(rsvp_host::kLockFile);
     EXPECT_EQ(Ctl(other, "status").exit, 5);
 
     EXPECT_EQ(Ctl(other, "enable").exit, 0);
@@ -616,11 +724,11 @@ TEST(Rsvpctl, EnablesAndDisablesTheNodesOfOneDeviceAlone)
     EXPECT_EQ(CtlJson(other, "show interfaces")["rows"].size(), 0U);
     EXPECT_EQ(Ctl(other, "disable").exit, 0);
     EXPECT_EQ(Ctl(device, "status").exit, 0);
-    EXPECT_EQ(device.Read("rsvpsimd.lock"), pid);
+    EXPECT_EQ(device.Read(rsvp_host::kLockFile), pid);
 
     EXPECT_EQ(Ctl(device, "disable").exit, 0);
     EXPECT_EQ(device.Read("service/8") + device.Read("service/9"), "0\n0\n");
-    EXPECT_NE(access(device.PathOf("lipc-0ae18000").c_str(), F_OK), 0);
+    EXPECT_NE(access(device.PathOf(rsvp_host::kSocketFile).c_str(), F_OK), 0);
     const json status = CtlJson(device, "status");
     EXPECT_EQ(status["record"]["service"], "stopped");
     EXPECT_EQ(status["status"], RSVP_MOR_ERR_NOT_ENABLED);
@@ -665,7 +773,7 @@ TEST(Rsvpctl, AReaderThatGoesAwayIsNoFailure)
     const HostDirectory directory("[rows]\ntunnel = 1000\n");
     ASSERT_EQ(Ctl(directory, "enable").exit, 0);
     for (const char *line : {"show tunnels", "show tunnels --json", "show global", "batch -"}) {
-        const Result result = Ctl(directory, line, "show tunnels\nshow global\n", true);
+        const Result result = Ctl(directory, line, "show tunnels\nshow global\n", program::Output::ReaderGone);
         EXPECT_EQ(result.exit, 0) << line;
         EXPECT_EQ(result.err, "") << line;
     }

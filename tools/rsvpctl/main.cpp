@@ -1,27 +1,15 @@
 // Entry of the tool: from the words of a command line to an exit status. A closed pipe must end a walk, not kill the
 // process while a session is open, so SIGPIPE is ignored and shows as a failed write.
+#include "process/standard_streams.h"
 #include "tools/rsvpctl/command/command_line.h"
+#include "tools/rsvpctl/command/run.h"
 #include "tools/rsvpctl/commands.h"
 #include "tools/rsvpctl/print/pager.h"
 
 #include <csignal>
-#include <fmt/format.h>
-#include <system_error>
 
 namespace rsvpctl {
 namespace {
-
-Exit Run(Output &out, const Command &command)
-{
-    try {
-        return command.run(out);
-    } catch (const UsageError &error) {
-        return out.WrongUsage(command.name, error);
-    } catch (const std::system_error &error) { // a watch that cannot have a process or a pipe
-        out.Message(fmt::format("rsvpctl: {}: {}", command.name, error.what()));
-        return Exit::Exchange;
-    }
-}
 
 Exit RunProgram(const std::vector<std::string> &words)
 {
@@ -44,6 +32,7 @@ Exit RunProgram(const std::vector<std::string> &words)
 
 int main(int argc, char **argv)
 {
+    process::OpenStandardStreams();
     (void)std::signal(SIGPIPE, SIG_IGN);
     return static_cast<int>(rsvpctl::RunProgram({argv + 1, argv + argc}));
 }

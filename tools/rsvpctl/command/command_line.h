@@ -16,6 +16,14 @@
 
 namespace rsvpctl {
 
+/** What a command would do, for a dry run. */
+struct Rehearsal {
+    std::vector<WireRequest> requests;
+    std::string undo;    // the command that takes it back, without the program's name
+    std::string noUndo;  // why there is none
+    std::string instead; // what it does, if it sends nothing
+};
+
 struct Command {
     std::string name;     // its words: "set refresh-interval"
     std::string examples; // one a line, as the help prints them
@@ -24,8 +32,9 @@ struct Command {
     /** Does it, with the arguments that the parser holds. May throw UsageError before anything is sent. */
     std::function<Exit(Output &)> run;
 
-    /** What it would send. Empty for a command that changes nothing at the daemon. May throw UsageError. */
-    std::function<std::vector<WireRequest>()> requests;
+    /** Empty for a command that changes nothing. May throw UsageError. */
+    std::function<Rehearsal()> rehearse;
+    Option dryRun;
 
     bool inBatch = true;      // may be used in a batch file
     bool takesDetail = false; // --detail changes what it prints

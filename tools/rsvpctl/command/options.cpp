@@ -5,31 +5,19 @@
 
 #include "manager/record/key.h"
 #include "manager/record/text.h"
+#include "tools/rsvpctl/command/input_file.h"
 #include "tools/rsvpctl/print/usage_error.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <fmt/format.h>
-#include <fstream>
-#include <iterator>
 
 namespace rsvpctl {
 namespace {
 
 using manager::ParseAddress, manager::ParseNumber, manager::RecordDescription;
 
-std::string FileText(const std::string &name)
-{
-    std::ifstream input(name, std::ios::binary);
-    std::string text;
-    if (input)
-        text.assign(std::istreambuf_iterator<char>(input), {});
-    if (!input.is_open() || input.bad())
-        throw UsageError(fmt::format("--key-file: {}: {}", name, std::strerror(errno)));
-    return text;
-}
+constexpr size_t kLongestKeyFile = 65536;
 
 } // namespace
 
@@ -143,7 +131,7 @@ Option Node::AddText(const std::string &names, const std::string &type,
 
 Option Node::AddWords(const std::string &names, const std::string &type, const std::string &help) const
 {
-    return Option(app_->add_option(names, help)->type_name(type)->expected(1, -1)->allow_extra_args());
+    return Option(app_->add_option(names, help)->type_name(type)->expected(-1));
 }
 
 Option Node::AddFile(const std::string &names, const std::string &help) const
@@ -201,7 +189,7 @@ void RequireKey(const KeyOptions &options, void *record)
         throw UsageError("key: --key or --key-file is needed");
     const std::string file = options.file.Text();
     try {
-        ReadJsonKey(*options.description, FileText(file), record);
+        ReadJsonKey(*options.description, ReadInput("--key-file", file, kLongestKeyFile), record);
     } catch (const manager::KeyError &error) {
         throw UsageError(fmt::format("--key-file: {}: {}", file, error.what()));
     }

@@ -78,8 +78,6 @@ public:
     /** A text that `check` takes; it gives an empty text, or says what is wrong. */
     Option AddText(const std::string &names, const std::string &type,
                    std::function<std::string(const std::string &)> check, const std::string &help) const;
-
-    /** Any number of words. */
     Option AddWords(const std::string &names, const std::string &type, const std::string &help) const;
     Option AddFile(const std::string &names, const std::string &help) const;
     Option AddKey(const std::string &names, const manager::RecordDescription &description,

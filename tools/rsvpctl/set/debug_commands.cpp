@@ -1,6 +1,7 @@
 // Debug switches and resets: the commands whose arguments are records of the daemon's numbers.
+#include "manager/record/key.h"
 #include "manager/table/tables.h"
-#include "tools/rsvpctl/command/command_line.h"
+#include "tools/rsvpctl/command/run.h"
 #include "tools/rsvpctl/command/session.h"
 #include "tools/rsvpctl/print/usage_error.h"
 #include "tools/rsvpctl/set/commands.h"
@@ -54,7 +55,16 @@ WireRequest RequestOf(uint8_t op, const RSVP_MOR_DebugSwitch &debug)
     Append(value, PairBytes(0, debug.session.tunnelId));
     Append(value, WordBytes(debug.session.extendedTunnelId));
     Append(value, WordBytes(debug.debugType));
-    return {kGlobalClass, op, {{kDebugItem, value}}};
+    return {kGlobalClass, op, {{kDebugItem, value, false, fmt::format("debug type {}", debug.debugType)}}};
+}
+
+std::string UndoOf(const DebugArguments &arguments)
+{
+    std::string undo = "debug undo " + arguments.type.Text();
+    if (arguments.endpoint.IsGiven())
+        undo += fmt::format(" --endpoint {} --tunnel-id {} --extended-tunnel-id {}", arguments.endpoint.Text(),
+                            arguments.tunnelId.Text(), arguments.extendedTunnelId.Text());
+    return undo;
 }
 
 void AddDebugVerb(CommandLine &line, const Node &group, const std::string &verb, uint8_t op, const std::string &help)
@@ -76,7 +86,13 @@ void AddDebugVerb(CommandLine &line, const Node &group, const std::string &verb,
         return out.Report(
             {command.name, "RSVP_MOR_SetDebug", "type " + arguments.type.Text(), RSVP_MOR_SetDebug(op, &debug)});
     };
-    command.requests = [arguments, op] { return std::vector<WireRequest>{RequestOf(op, SwitchOf(arguments))}; };
+    MakeRehearsable(command, [arguments, op, verb] {
+        Rehearsal rehearsal;
+        rehearsal.requests = {RequestOf(op, SwitchOf(arguments))};
+        if (verb == "set")
+            rehearsal.undo = UndoOf(arguments);
+        return rehearsal;
+    });
 }
 
 void AddDebugShow(CommandLine &line, const Node &group)
@@ -86,6 +102,14 @@ void AddDebugShow(CommandLine &line, const Node &group)
     command.run = [&command](Output &out) {
         return ShowRecord(out, command.name, manager::kDebugSwitches, nullptr, "");
     };
+}
+
+Rehearsal ResetOf(WireItem item)
+{
+    Rehearsal rehearsal;
+    rehearsal.requests = {{kResetClass, 0, {std::move(item)}}};
+    rehearsal.noUndo = "nothing brings back what is cleared";
+    return rehearsal;
 }
 
 Exit ReportKey(Output &out, const Command &command, const char *function, const Option &key, uint32_t status)
@@ -106,12 +130,12 @@ void AddResetStatistics(CommandLine &line, const Node &group)
             return ReportKey(out, command, "RSVP_MOR_ResetStatistics", key, RSVP_MOR_ResetStatistics(fd, &which));
         });
     };
-    command.requests = [key] {
+    MakeRehearsable(command, [key] {
         const auto which = KeyOf<RSVP_MOR_StatisticsKey>(key);
         std::vector<uint8_t> value = WordBytes(which.statsId1);
         Append(value, ShortBytes(which.statsId2));
-        return std::vector<WireRequest>{{kResetClass, 0, {{kStatisticsItem, value}}}};
-    };
+        return ResetOf({kStatisticsItem, value, false, "counters " + key.Text()});
+    });
 }
 
 void AddResetAuth(CommandLine &line, const Node &group)
@@ -124,13 +148,13 @@ void AddResetAuth(CommandLine &line, const Node &group)
         const auto entry = KeyOf<RSVP_MOR_AuthEntryKey>(key);
         return ReportKey(out, command, "RSVP_MOR_ResetAuth", key, RSVP_MOR_ResetAuth(&entry));
     };
-    command.requests = [key] {
+    MakeRehearsable(command, [key] {
         const auto entry = KeyOf<RSVP_MOR_AuthEntryKey>(key);
         std::vector<uint8_t> value = WordBytes(entry.authId1);
         Append(value, WordBytes(entry.authId2));
         Append(value, PairBytes(entry.authId3, entry.authId4));
-        return std::vector<WireRequest>{{kResetClass, 0, {{kAuthEntryItem, value}}}};
-    };
+        return ResetOf({kAuthEntryItem, value, false, "authentication entry " + key.Text()});
+    });
 }
 
 } // namespace

@@ -1,9 +1,10 @@
 // `set` and `undo`: one command a setting, made from the table of settings. A setting that exists at several levels
 // is one command, and --interface and --peer choose the row.
-#include "tools/rsvpctl/command/command_line.h"
+#include "tools/rsvpctl/command/run.h"
 #include "tools/rsvpctl/print/usage_error.h"
 #include "tools/rsvpctl/set/commands.h"
 #include "tools/rsvpctl/set/settings.h"
+#include "tools/rsvpctl/set/verify.h"
 
 #include <fmt/format.h>
 
@@ -91,15 +92,34 @@ Exit RunSetting(Output &out, const std::string &operation, const SettingCommand 
     SettingArguments arguments;
     ReadArguments(command, row, arguments);
     const uint32_t status = row.apply(command.undo ? 1 : 0, arguments);
-    return out.Report({operation, row.function, Asked(command, row), status});
+    return ReportChange(out, {operation, row.function, Asked(command, row), status});
 }
 
-std::vector<WireRequest> RequestsOfSetting(const SettingCommand &command)
+// The command that takes a setting back.
+std::string UndoOf(const SettingCommand &command, const Setting &row)
+{
+    if (IsLevelItself(row))
+        return fmt::format("undo {} {}", row.name, Asked(command, row));
+    const std::string level = command.ifIndex.IsGiven() ? " --interface " + command.ifIndex.Text()
+                              : command.peer.IsGiven()  ? " --peer " + command.peer.Text()
+                                                        : "";
+    return fmt::format("undo {}{}", row.name, level);
+}
+
+Rehearsal RehearseSetting(const SettingCommand &command)
 {
     const Setting &row = Chosen(command);
     SettingArguments arguments;
     ReadArguments(command, row, arguments);
-    return {RequestOf(row, arguments)};
+    Rehearsal rehearsal;
+    rehearsal.requests = {RequestOf(row, arguments)};
+    if (command.undo)
+        return rehearsal;
+    if (row.undo == Undo::Sent)
+        rehearsal.undo = UndoOf(command, row);
+    else
+        rehearsal.noUndo = fmt::format("set the {} that it has now again", row.argument);
+    return rehearsal;
 }
 
 void AddOptions(const Node &node, SettingCommand &command)
@@ -183,7 +203,7 @@ void AddVerb(CommandLine &line, const std::string &verb, const std::string &help
         command.takesSecret = setting->rows.front()->kind == ValueKind::Key;
         AddOptions(command.node, *setting);
         command.run = [&command, setting](Output &out) { return RunSetting(out, command.name, *setting); };
-        command.requests = [setting] { return RequestsOfSetting(*setting); };
+        MakeRehearsable(command, [setting] { return RehearseSetting(*setting); });
     }
 }
 

@@ -1,6 +1,10 @@
 // The table of settings and what it says about the wire. The commands made of it are in setting_commands.cpp.
 #include "tools/rsvpctl/set/settings.h"
 
+#include "manager/record/text.h"
+
+#include <fmt/format.h>
+
 namespace rsvpctl {
 namespace {
 
@@ -107,23 +111,33 @@ constexpr Setting kSettings[] = {
 };
 // clang-format on
 
-WireItem ValueItem(const Setting &setting, const SettingArguments &arguments)
+std::vector<uint8_t> ValueBytes(const Setting &setting, const SettingArguments &arguments)
 {
     switch (setting.kind) {
     case ValueKind::Byte:
-        return {setting.item, ByteBytes(Byte(arguments.number))};
+        return ByteBytes(Byte(arguments.number));
     case ValueKind::Short:
-        return {setting.item, ShortBytes(Short(arguments.number))};
+        return ShortBytes(Short(arguments.number));
     case ValueKind::Word:
-        return {setting.item, WordBytes(arguments.number)};
+        return WordBytes(arguments.number);
     case ValueKind::Pair:
-        return {setting.item, PairBytes(Short(arguments.number), Short(arguments.secondNumber))};
+        return PairBytes(Short(arguments.number), Short(arguments.secondNumber));
     case ValueKind::Key:
         // A dry run shows the length of a key and nothing else, so the bytes stay where they are.
-        return {setting.item, std::vector<uint8_t>(RSVP_MOR_AUTH_KEY_SIZE), true};
+        return std::vector<uint8_t>(RSVP_MOR_AUTH_KEY_SIZE);
     default:
-        return {setting.item, {}};
+        return {};
     }
+}
+
+WireItem ValueItem(const Setting &setting, const SettingArguments &arguments)
+{
+    std::string meaning = setting.name;
+    if (setting.argument != nullptr)
+        meaning += fmt::format(" {}", arguments.number);
+    if (setting.kind == ValueKind::Pair)
+        meaning += fmt::format(" {}", arguments.secondNumber);
+    return {setting.item, ValueBytes(setting, arguments), setting.kind == ValueKind::Key, meaning};
 }
 
 } // namespace
@@ -152,9 +166,10 @@ WireRequest RequestOf(const Setting &setting, const SettingArguments &arguments)
     const bool sentUndo = arguments.undo && setting.undo == Undo::Sent;
     WireRequest request{static_cast<uint8_t>(setting.level), sentUndo ? kUndoOperation : setting.setOperation, {}};
     if (setting.level == Level::Interface)
-        request.items.push_back({kInterfaceItem, WordBytes(arguments.ifIndex)});
+        request.items.push_back(InterfaceItem(arguments.ifIndex));
     else if (setting.level == Level::Peer)
-        request.items.push_back({kPeerItem, WordBytes(arguments.peer)});
+        request.items.push_back(
+            {kPeerItem, WordBytes(arguments.peer), false, "peer " + manager::DottedText(arguments.peer)});
     request.items.push_back(ValueItem(setting, arguments));
     return request;
 }

@@ -53,7 +53,7 @@ std::span<const Setting> AllSettings();
 /** The largest number that the setting takes: the standard's, or else what its field holds. */
 uint64_t MaximumOf(const Setting &setting);
 
-/** The request that the setting would send. */
+/** The request that the setting would send, with its items in words. */
 WireRequest RequestOf(const Setting &setting, const SettingArguments &arguments);
 
 } // namespace rsvpctl
