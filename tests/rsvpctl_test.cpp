@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <fmt/format.h>
 #include <fstream>
 #include <functional>
@@ -107,7 +108,7 @@ TEST(Rsvpctl, SaysWhatItDidAndWhyNot)
         {"show global", 3, "", "RSVP_MOR_LIPCOpen gave 0x2001000e"},
         {"show tunnels", 3, "", "broken after 0 rows"},
         {"set dscp 5", 3, "", "RSVP_MOR_ERR_LIPC"},
-        {"set bfd --interface 3", 5, "", "0x6001001a RSVP_MOR_ERR_NOT_ENABLED"},
+        {"set bfd --interface 3", 5, "", "RSVP_MOR_SetBfdEnable for interface 3 gave 0x6001001a"},
         {"undo bfd --interface 3", 0, "done", ""},
         {"enable", 0, "done", ""},
         {"status", 0, "running", ""},
@@ -147,7 +148,7 @@ TEST(Rsvpctl, SaysWhatItDidAndWhyNot)
         {"reset statistics 77,0", 1, "", "RSVP_MOR_ResetStatistics"},
         {"capability interface 4 on", 0, "done", ""},
         {"options a", 4, "", "/etc/te.conf is missing"},
-        {"options", 2, "", "--name"},
+        {"options", 2, "", "names"},
         {"explain 0x6001001A", 0, "RSVP_MOR_ERR_NOT_ENABLED", ""},
         {"explain RSVP_MOR_ERR_LIPC", 0, "0x2001000e", ""},
         {"explain RSVP_MOR_ERR_LPIC", 2, "", "did you mean 'RSVP_MOR_ERR_LIPC'?"},
@@ -389,6 +390,31 @@ TEST(Rsvpctl, AFailureTellsHowFarItCame)
         EXPECT_EQ(document["exitStatus"], row.exit);
         EXPECT_EQ(document.value("stage", ""), row.stage) << document;
         EXPECT_NE(document.value("whatHappened", "").find(row.happened), std::string::npos) << document;
+    }
+}
+
+TEST(Rsvpctl, TheOptionFileIsReadByTheNamesOfItsOptions)
+{
+    const HostDirectory directory;
+    std::filesystem::create_directory(directory.PathOf("etc"));
+    const struct {
+        const char *file;
+        const char *names;
+        int exit;
+        const char *values;
+    } cases[] = {
+        {"plugin-option a=1 b=0x30\n", "a b c", 0, R"({"a":1,"b":48,"c":null})"},
+        {"# only this\nplugin-option a=4294967295\n", "a", 0, R"({"a":4294967295})"},
+        {"plugin-option\n", "a", 0, R"({"a":null})"},
+        {"plugin-option a=1 b=2\n", "a", 4, "null"},
+        {"plugin-option a=one\n", "a", 4, "null"},
+        {"another word\n", "a", 4, "null"},
+    };
+    for (const auto &row : cases) {
+        directory.Write("etc/te.conf", row.file);
+        const json document = CtlJson(directory, std::string("options ") + row.names);
+        EXPECT_EQ(document["exitStatus"], row.exit) << row.file;
+        EXPECT_EQ(document.value("record", json()).dump(), row.values) << row.file;
     }
 }
 

@@ -7,6 +7,8 @@
 #include "tools/rsvpctl/print/pager.h"
 
 #include <csignal>
+#include <cstdio>
+#include <exception>
 
 namespace rsvpctl {
 namespace {
@@ -34,5 +36,10 @@ int main(int argc, char **argv)
 {
     process::OpenStandardStreams();
     (void)std::signal(SIGPIPE, SIG_IGN);
-    return static_cast<int>(rsvpctl::RunProgram({argv + 1, argv + argc}));
+    try {
+        return static_cast<int>(rsvpctl::RunProgram({argv + 1, argv + argc}));
+    } catch (const std::exception &error) { // not even the commands could be made: there is no memory
+        (void)std::fprintf(stderr, "rsvpctl: %s\n", error.what());
+        return static_cast<int>(rsvpctl::Exit::Exchange);
+    }
 }

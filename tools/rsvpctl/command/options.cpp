@@ -18,6 +18,7 @@ namespace {
 using manager::ParseAddress, manager::ParseNumber, manager::RecordDescription;
 
 constexpr size_t kLongestKeyFile = 65536;
+constexpr int kMostWords = 1000;
 
 } // namespace
 
@@ -131,7 +132,7 @@ Option Node::AddText(const std::string &names, const std::string &type,
 
 Option Node::AddWords(const std::string &names, const std::string &type, const std::string &help) const
 {
-    return Option(app_->add_option(names, help)->type_name(type)->expected(-1));
+    return Option(app_->add_option(names, help)->type_name(type)->expected(1, kMostWords)->allow_extra_args());
 }
 
 Option Node::AddFile(const std::string &names, const std::string &help) const
