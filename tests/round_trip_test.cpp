@@ -7,7 +7,7 @@
 #include "host/directory.h"
 #include "manager/record/describe.h"
 #include "manager/record/json.h"
-#include "support/program.h"
+#include "tests/support/program.h"
 
 #include <algorithm>
 #include <cstring>
