@@ -1,8 +1,12 @@
 // The simulated daemon from the inside: the search of rows at its edges, refusals that must name line and key,
-// faults, commands and the reads that show them, what the trace keeps to itself, and clients that mean harm.
+// faults, commands and the reads that show them, what the trace keeps to itself, clients that mean harm, and a start
+// without standard streams.
 #include "host/daemon/scenario/generator.h"
 #include "host/daemon/scenario/scenario.h"
 #include "host/daemon/server.h"
+#include "host/directory.h"
+#include "rsvp_mor.h"
+#include "support/program.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -367,6 +371,21 @@ TEST(Server, NoClientStopsTheOthers)
         close(fd);
     for (const int fd : {greedy, waiting, broken, large, honest})
         close(fd);
+}
+
+// A trace must not go to whatever else has the number of standard error: the lock file, the sockets.
+TEST(Program, StartsWithoutStandardStreams)
+{
+    for (const auto *closed : {">&- 2>&-", "<&- 2>&-", "<&- >&- 2>&-"}) {
+        const program::HostDirectory directory("trace = true");
+        directory.Write("start", fmt::format("exec {} \"$@\" {}\n", TEST_RUNNER, closed));
+        setenv("RSVP_HOST_RUNNER", ("sh " + directory.PathOf("start")).c_str(), 1);
+        ASSERT_EQ(RSVP_MOR_SetMplsRsvp(0), RSVP_MOR_OK) << closed;
+        for (uint32_t i = 0; i < 3; ++i)
+            EXPECT_EQ(RSVP_MOR_SetDscpValue(i), RSVP_MOR_OK) << closed;
+        const std::string lock = directory.Read(rsvp_host::kLockFile);
+        EXPECT_EQ(lock.find_first_not_of("0123456789"), lock.size() - 1) << closed << ": " << lock;
+    }
 }
 
 } // namespace
