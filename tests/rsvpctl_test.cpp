@@ -3,7 +3,7 @@
 #include "host/daemon/instance.h"
 #include "host/daemon/wire/frame.h"
 #include "host/directory.h"
-#include "support/program.h"
+#include "tests/support/program.h"
 #include "tools/rsvpctl/command/batch.h"
 #include "tools/rsvpctl/command/command_line.h"
 #include "tools/rsvpctl/command/completion.h"

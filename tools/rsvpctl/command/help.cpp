@@ -42,7 +42,7 @@ public:
     }
 
 private:
-    // An argument that is an option too stands among the arguments.
+    // An argument that is an option too is listed with the arguments.
     std::string Options(const CLI::App &app) const
     {
         std::string text;
@@ -82,7 +82,7 @@ std::shared_ptr<CLI::FormatterBase> HelpFormatter(const CommandLine &line)
 
 void AddHelpCommands(CommandLine &line)
 {
-    Command &help = line.Add(line.Root(), "help", "Print the help of a command, as --help behind it does",
+    Command &help = line.Add(line.Root(), "help", "Print the help of a command, as --help after it does",
                              "  rsvpctl help show psb\n  rsvpctl help set dscp --json");
     const Option words = help.node.AddWords("word", "WORD", "The words of the command; none for the whole program");
     help.inBatch = false;

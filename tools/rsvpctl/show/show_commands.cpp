@@ -81,8 +81,8 @@ Exit ShowRows(Output &out, const std::string &operation, const ShowSpec &show, c
     {
         Progress progress;
         uint64_t rows = 0;
-        const void *behind = options.after.IsGiven() ? after.data() : nullptr;
-        result = Walk(table, session.Fd(), behind, [&](void *row) {
+        const void *from = options.after.IsGiven() ? after.data() : nullptr;
+        result = Walk(table, session.Fd(), from, [&](void *row) {
             bool written = true;
             if (show.takes == nullptr || show.takes(filter, row)) {
                 progress.BeforeRow();
