@@ -35,7 +35,8 @@ Numbers are unsigned and in network order. How a field reads:
 | single | IEEE 754 single precision, most significant byte first |
 | rate | a whole number whose bytes are reversed, then written as a single, least significant byte first |
 
-Bytes of a value that no field names are 0. The simulated daemon refuses a request that has others.
+Bytes of a value that no field names are 0. So are those of a field whose condition does not hold, unless another field
+has its place. The simulated daemon refuses a request that has others.
 
 )";
 
@@ -62,6 +63,19 @@ std::string OpNames(uint32_t ops)
         if ((ops >> op & 1) != 0)
             names += fmt::format("{}{} {}", names.empty() ? "" : ", ", op, OpName(op));
     return names;
+}
+
+std::string_view FirstKeyName(FirstKey firstKey)
+{
+    switch (firstKey) {
+    case FirstKey::Zero:
+        return "a key of zeros";
+    case FirstKey::Given:
+        return "a key of the caller's own making, whose content does not matter";
+    case FirstKey::Empty:
+        break;
+    }
+    return "an item without a value";
 }
 
 std::string_view FormName(const Field &field)
@@ -164,7 +178,8 @@ void PrintLists(std::span<const ListKind> lists, int depth)
         const std::string indent(static_cast<size_t>(2 * depth), ' ');
         switch (list.shape) {
         case Shape::Counted:
-            fmt::print("{}- item {}, if the row has this list: {}\n", indent, list.item, LinkTo((*list.list)->name));
+            fmt::print("{}- item {}, if the row has this list: {}{}\n", indent, list.item, LinkTo((*list.list)->name),
+                       list.mayBeEmpty ? "" : ", never with a count of 0");
             break;
         case Shape::Each:
             fmt::print("{}- item {}, one for each entry: {}{}\n", indent, list.item, Link(**list.entry),
@@ -195,9 +210,7 @@ void PrintTables()
             fmt::print("{}`{}`", separator, field);
             separator = ", ";
         }
-        fmt::print("\n- the first forms carry {}\n- reply:\n", kind.firstKey == FirstKey::Whole
-                                                                   ? "a key whose content does not matter"
-                                                                   : "an item without a value");
+        fmt::print("\n- the first forms carry {}\n- reply:\n", FirstKeyName(kind.firstKey));
         for (const Part &part : kind.parts)
             fmt::print("  - item {}: {}\n", part.item, Link(*part.layout));
         PrintLists(kind.lists, 1);
@@ -216,6 +229,13 @@ std::string Condition(const Field &field)
     return fmt::format("if `{}` is {}{}", field.form->field, field.form->among ? "" : "not ", kinds);
 }
 
+void PrintField(const Field &field, std::string_view name, std::string_view note)
+{
+    fmt::print("| {} | {} | `{}` | {} | {} |\n", field.offset,
+               field.count == 1 ? fmt::format("{}", field.width) : fmt::format("{} x {}", field.count, field.width),
+               name, FormName(field), note);
+}
+
 void PrintValues()
 {
     fmt::print("## Values\n\nFields have the names of the records in the headers.\n\n");
@@ -224,11 +244,12 @@ void PrintValues()
             continue;
         fmt::print("{}\n\n{} bytes.\n\n| Offset | Bytes | Field | Form | |\n|---:|---:|---|---|---|\n",
                    Anchor(layout.name), layout.size);
-        for (const Field &field : layout.fields)
-            fmt::print("| {} | {} | `{}` | {} | {} |\n", field.offset,
-                       field.count == 1 ? fmt::format("{}", field.width)
-                                        : fmt::format("{} x {}", field.count, field.width),
-                       field.name, FormName(field), Condition(field));
+        for (const Field &field : layout.fields) {
+            PrintField(field, field.name, Condition(field));
+            for (const Field &inner : field.inside)
+                PrintField(inner, fmt::format("{}.{}", field.name, inner.name),
+                           "inside; the simulated daemon's choice");
+        }
         fmt::print("\n");
     }
     fmt::print("## Lists\n\nA count in network order, then as many entries.\n\n");

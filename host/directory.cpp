@@ -113,7 +113,8 @@ sockaddr_un SocketAddress(std::string_view directory)
     sockaddr_un address{};
     static_assert(kDirectoryRoom + kSocketFile.size() < sizeof(address.sun_path));
     address.sun_family = AF_UNIX;
-    std::strcpy(address.sun_path, FilePath(directory, kSocketFile).Get());
+    const FilePath path(directory, kSocketFile);
+    std::string_view(path.Get()).copy(address.sun_path, sizeof(address.sun_path) - 1);
     return address;
 }
 

@@ -2,7 +2,7 @@
 // order items may come, what is converted and what stays raw, and what a release leaves behind.
 #include "lsp/lists.h"
 #include "status/reads.h"
-#include "support/operations.h"
+#include "tests/support/operations.h"
 #include "tables/reads.h"
 
 #include <algorithm>

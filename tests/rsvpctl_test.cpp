@@ -3,15 +3,18 @@
 #include "host/daemon/instance.h"
 #include "host/daemon/wire/frame.h"
 #include "host/directory.h"
-#include "support/program.h"
+#include "tests/support/program.h"
 #include "tools/rsvpctl/command/batch.h"
 #include "tools/rsvpctl/command/command_line.h"
+#include "tools/rsvpctl/command/completion.h"
 #include "tools/rsvpctl/commands.h"
+#include "tools/rsvpctl/print/statuses.h"
 #include "tools/rsvpctl/set/settings.h"
 #include "tools/rsvpctl/watch/row_changes.h"
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <fmt/format.h>
 #include <fstream>
 #include <functional>
@@ -105,7 +108,7 @@ TEST(Rsvpctl, SaysWhatItDidAndWhyNot)
         {"show global", 3, "", "RSVP_MOR_LIPCOpen gave 0x2001000e"},
         {"show tunnels", 3, "", "broken after 0 rows"},
         {"set dscp 5", 3, "", "RSVP_MOR_ERR_LIPC"},
-        {"set bfd --interface 3", 5, "", "0x6001001a RSVP_MOR_ERR_NOT_ENABLED"},
+        {"set bfd --interface 3", 5, "", "RSVP_MOR_SetBfdEnable for interface 3 gave 0x6001001a"},
         {"undo bfd --interface 3", 0, "done", ""},
         {"enable", 0, "done", ""},
         {"status", 0, "running", ""},
@@ -116,8 +119,14 @@ TEST(Rsvpctl, SaysWhatItDidAndWhyNot)
         {"show interfaces 3", 1, "", "likely cause"},
         {"set peer 10.0.0.9", 0, "done", ""},
         {"show neighbours", 0, "nbrWord0", "3 rows, end of table"},
+        {"show neighbor", 0, "nbrWord0", "3 rows, end of table"},
+        {"show nieghbors", 2, "", "did you mean 'neighbours'?"},
+        {"show psb --tunel-id 3", 2, "", "'--tunel-id' is not expected here; did you mean '--tunnel-id'?"},
         {"set dscp 5", 1, "", "set dscp: RSVP_MOR_SetDscpValue for 5 gave 0x60010006"},
         {"set refresh-interval 30", 4, "", "0x40010001 RSVP_MOR_ERR_FAIL"},
+        {"set dscp 64", 2, "", "takes a number from 0 to 63, not '64'"},
+        {"set auth-window 256", 2, "", "takes a number of messages from 0 to 255"},
+        {"set dscp 5 --detail", 2, "", "--detail changes nothing here"},
         {"set hello-interval 300", 2, "", "interval: takes a number from 0 to 255, not '300'"},
         {"set bfd", 2, "", "--interface"},
         {"set bfd --interface 3 --interface 4", 2, "", "--interface"},
@@ -139,13 +148,18 @@ TEST(Rsvpctl, SaysWhatItDidAndWhyNot)
         {"reset statistics 77,0", 1, "", "RSVP_MOR_ResetStatistics"},
         {"capability interface 4 on", 0, "done", ""},
         {"options a", 4, "", "/etc/te.conf is missing"},
-        {"options", 2, "", "--name"},
+        {"options", 2, "", "names"},
         {"explain 0x6001001A", 0, "RSVP_MOR_ERR_NOT_ENABLED", ""},
+        {"explain RSVP_MOR_ERR_LIPC", 0, "0x2001000e", ""},
+        {"explain RSVP_MOR_ERR_LPIC", 2, "", "did you mean 'RSVP_MOR_ERR_LIPC'?"},
         {"explain 4294967296", 2, "", "4294967295"},
         {"batch nothing.txt", 2, "", "nothing.txt"},
         {"", 2, "", "subcommand"},
         {"sett", 2, "", "sett"},
         {"--help", 0, "Exit status", ""},
+        {"--version", 0, "rsvpctl ", ""},
+        {"help show lsp", 0, "Usage: rsvpctl show crlsp", ""},
+        {"help show shwo", 2, "", "show: 'shwo' is not expected here"},
         {"set --help", 0, "Examples:", ""},
         {"set auth-key --help", 0, "--key-file FILE", ""},
         {"disable", 0, "done", ""},
@@ -170,13 +184,13 @@ std::set<std::string> EveryLine()
         std::istringstream examples(command->examples);
         for (std::string text; std::getline(examples, text);)
             if (text.starts_with("  rsvpctl "))
-                lines.insert(text.substr(10, text.find("  ", 10) - 10));
+                lines.insert(text.substr(10, text.find(" #", 10) - 10));
     }
     // What has no end, what changes the service under the other lines, and what is made for other programs.
     std::erase_if(lines, [](const std::string &text) {
         return text.starts_with("watch") || text.starts_with("completion") || text == "schema" ||
                text.starts_with("enable") || text.starts_with("disable") || text.starts_with("capability global") ||
-               text.find('|') != std::string::npos;
+               text.find_first_of("|>") != std::string::npos;
     });
     return lines;
 }
@@ -217,6 +231,82 @@ TEST(Rsvpctl, EveryCommandGivesOneJsonDocument)
         GTEST_SKIP() << "no validator";
     const std::string validate = "python3 " + directory.PathOf("validate.py") + " " + SCHEMA_PATH + " ";
     EXPECT_EQ(system((validate + directory.PathOf("documents")).c_str()), 0);
+}
+
+// The lines below "Examples:", up to an empty one.
+std::string ExamplesOf(const std::string &help)
+{
+    std::istringstream text(help);
+    std::string line;
+    std::string examples;
+    while (std::getline(text, line) && line != "Examples:") {
+    }
+    while (std::getline(text, line) && !line.empty())
+        examples += line + "\n";
+    return examples;
+}
+
+TEST(Rsvpctl, ExamplesInTheHelpRunAsTheyStand)
+{
+    std::stringstream demo;
+    for (const char *name : {"demo.toml", "p2mp.toml"})
+        demo << std::ifstream(std::string(SCENARIOS_PATH) + name).rdbuf();
+    const HostDirectory directory(demo.str());
+    rsvpctl::CommandLine line;
+    AddCommands(line);
+    // A watch has no end of its own.
+    const std::string head = "set -euo pipefail\nrsvpctl() {\n[ \"$1\" != watch ] || set -- \"$@\" --count 1\n"
+                             "command " TEST_RUNNER " " RSVPCTL_PATH " \"$@\"\n}\nrsvpctl enable\n";
+    for (const rsvpctl::CompletionNode &node : CompletionNodes(line)) {
+        if (node.path == "options")
+            continue; // the option file is the device's own
+        const std::string examples = ExamplesOf(CtlJson(directory, "help " + node.path)["record"].value("help", ""));
+        EXPECT_NE(examples, "") << node.path;
+        directory.Write("examples", head + examples);
+        EXPECT_EQ(system(fmt::format("cd {} && bash examples >said 2>&1", directory.PathOf("")).c_str()), 0)
+            << examples << directory.Read("said");
+    }
+}
+
+TEST(Rsvpctl, OtherNamesAreTheSameCommand)
+{
+    const HostDirectory directory(kRows);
+    ASSERT_EQ(Ctl(directory, "enable").exit, 0);
+    std::string lines;
+    std::vector<std::string> names;
+    rsvpctl::CommandLine line;
+    AddCommands(line);
+    for (const rsvpctl::CompletionNode &node : CompletionNodes(line)) {
+        for (const std::string &alias : node.aliases) {
+            if (alias.starts_with("watch") || alias.starts_with("show p2mp"))
+                continue;
+            EXPECT_EQ(CtlJson(directory, alias)["operation"], node.path);
+            lines += alias + "\n";
+            names.push_back(node.path);
+        }
+    }
+    EXPECT_GE(names.size(), 6U);
+    const json batch = CtlJson(directory, "batch -", lines);
+    ASSERT_EQ(batch["rows"].size(), names.size());
+    for (size_t i = 0; i < names.size(); ++i)
+        EXPECT_EQ(batch["rows"][i]["operation"], names[i]);
+}
+
+// docs/protocol.md is made from the daemon's own list.
+TEST(Rsvpctl, KnowsTheStatusesOfTheSimulatedDaemon)
+{
+    std::ifstream page(PROTOCOL_PATH);
+    std::vector<std::string> told;
+    bool inList = false;
+    for (std::string line; std::getline(page, line);) {
+        inList = line == "Statuses of the simulated daemon:" || (inList && (line.empty() || line.starts_with("|")));
+        if (inList && line.starts_with("| 0x6"))
+            told.push_back(line);
+    }
+    std::vector<std::string> known;
+    for (const rsvpctl::SimulatedStatus &own : rsvpctl::SimulatedStatuses())
+        known.push_back(fmt::format("| {:#010x} | {} |", own.status, own.meaning));
+    EXPECT_EQ(known, told);
 }
 
 TEST(Rsvpctl, TellsTheEndsOfAWalkApart)
@@ -300,6 +390,31 @@ TEST(Rsvpctl, AFailureTellsHowFarItCame)
         EXPECT_EQ(document["exitStatus"], row.exit);
         EXPECT_EQ(document.value("stage", ""), row.stage) << document;
         EXPECT_NE(document.value("whatHappened", "").find(row.happened), std::string::npos) << document;
+    }
+}
+
+TEST(Rsvpctl, TheOptionFileIsReadByTheNamesOfItsOptions)
+{
+    const HostDirectory directory;
+    std::filesystem::create_directory(directory.PathOf("etc"));
+    const struct {
+        const char *file;
+        const char *names;
+        int exit;
+        const char *values;
+    } cases[] = {
+        {"plugin-option a=1 b=0x30\n", "a b c", 0, R"({"a":1,"b":48,"c":null})"},
+        {"# only this\nplugin-option a=4294967295\n", "a", 0, R"({"a":4294967295})"},
+        {"plugin-option\n", "a", 0, R"({"a":null})"},
+        {"plugin-option a=1 b=2\n", "a", 4, "null"},
+        {"plugin-option a=one\n", "a", 4, "null"},
+        {"another word\n", "a", 4, "null"},
+    };
+    for (const auto &row : cases) {
+        directory.Write("etc/te.conf", row.file);
+        const json document = CtlJson(directory, std::string("options ") + row.names);
+        EXPECT_EQ(document["exitStatus"], row.exit) << row.file;
+        EXPECT_EQ(document.value("record", json()).dump(), row.values) << row.file;
     }
 }
 
@@ -450,9 +565,10 @@ std::string EverySetting()
         const std::string value = setting.kind == rsvpctl::ValueKind::Key
                                       ? " --key-file key.txt"
                                       : kValues[static_cast<size_t>(setting.kind)];
-        lines += fmt::format("set {}{}{}\n", name, value, where);
+        const std::string fitting = setting.most == 0 ? value : fmt::format(" {:#x}", setting.most);
+        lines += fmt::format("set {}{}{}\n", name, fitting, where);
         if (setting.undo != rsvpctl::Undo::None)
-            lines += fmt::format("undo {}{}{}\n", name, value, where);
+            lines += fmt::format("undo {}{}{}\n", name, fitting, where);
     }
     return lines;
 }
@@ -509,7 +625,19 @@ TEST(Rsvpctl, KeysAreNeverSeen)
           "show interfaces", "show auth", "undo auth-key --key-file key.txt"}) {
         for (const char *style : {"", " --json", " --detail"}) {
             const Result result = Ctl(directory, line + style, secret);
-            EXPECT_EQ(result.exit, 0) << line << result.err;
+            const bool unknown = *style != '\0' && style == std::string(" --detail") && !line.starts_with("show");
+            EXPECT_EQ(result.exit, unknown ? 2 : 0) << line << result.err;
+            seen += result.out + result.err;
+        }
+    }
+    // Where a user takes the key for an argument, nothing repeats it.
+    for (const char *wrong : {"{}", "--key {}", "--{}", "--kye-file={}", "--interface {}", "--peer={}", "--color {}",
+                              "--interface 3 --key-file key.txt {}", "-- {}", "--json={}"}) {
+        const std::string line = "set auth-key " + fmt::format(fmt::runtime(wrong), secret);
+        for (const Result &result : {Ctl(directory, line), Ctl(directory, line + " --json"),
+                                     Ctl(directory, "batch -", line + "\nundo" + line.substr(3) + "\n"),
+                                     Ctl(directory, "batch -", "sett" + line.substr(3) + "\n")}) {
+            EXPECT_EQ(result.exit, 2) << line;
             seen += result.out + result.err;
         }
     }
@@ -543,7 +671,7 @@ TEST(Rsvpctl, NumbersThatDoNotFitAreRefusedBeforeAnythingIsSent)
     for (const rsvpctl::Setting &setting : rsvpctl::AllSettings()) {
         if (setting.argument == nullptr)
             continue;
-        const uint64_t most = rsvpctl::MaximumOf(setting.kind);
+        const uint64_t most = rsvpctl::MaximumOf(setting);
         const std::string where = setting.level == rsvpctl::Level::Interface ? " --interface 3"
                                   : setting.level == rsvpctl::Level::Peer    ? " --peer 10.0.0.9"
                                                                              : "";

@@ -7,6 +7,8 @@
 #include "tools/rsvpctl/print/pager.h"
 
 #include <csignal>
+#include <cstdio>
+#include <exception>
 
 namespace rsvpctl {
 namespace {
@@ -15,17 +17,16 @@ Exit RunProgram(const std::vector<std::string> &words)
 {
     CommandLine line;
     AddCommands(line);
-    std::string help;
     const Command *command = nullptr;
     try {
-        command = line.Parse(words, help);
+        command = &line.Parse(words);
     } catch (const UsageError &error) {
         Output out(WantsJson(words) ? Style::Json : Style::Table, Color::Auto);
         return out.Finish(out.WrongUsage(error.command.empty() ? "usage" : error.command, error));
     }
     Output out(line.ChosenStyle(), line.ChosenColor());
-    const Pager pager(line.MayUsePager() && (command == nullptr || command->mayBeLong));
-    return out.Finish(command == nullptr ? out.Help(help) : Run(out, *command));
+    const Pager pager(line.MayUsePager() && command->mayBeLong);
+    return out.Finish(Run(out, *command));
 }
 
 } // namespace
@@ -35,5 +36,10 @@ int main(int argc, char **argv)
 {
     process::OpenStandardStreams();
     (void)std::signal(SIGPIPE, SIG_IGN);
-    return static_cast<int>(rsvpctl::RunProgram({argv + 1, argv + argc}));
+    try {
+        return static_cast<int>(rsvpctl::RunProgram({argv + 1, argv + argc}));
+    } catch (const std::exception &error) { // not even the commands could be made: there is no memory
+        (void)std::fprintf(stderr, "rsvpctl: %s\n", error.what());
+        return static_cast<int>(rsvpctl::Exit::Exchange);
+    }
 }

@@ -1,4 +1,4 @@
-// Reading of authentication keys. No copy of one stays behind in a buffer.
+// Reading of authentication keys. No copy of one is left in a buffer.
 #include "tools/rsvpctl/command/auth_key.h"
 
 #include "tools/rsvpctl/command/input_file.h"
@@ -21,11 +21,11 @@ void AuthKey::Read(const std::string &name)
     const InputFile file = OpenInput("--key-file", name);
     (void)std::setvbuf(file.get(), nullptr, _IONBF, 0); // no copy of a key stays in a buffer
     const size_t size = std::fread(bytes_.data(), 1, bytes_.size(), file.get());
-    const int behind = size == bytes_.size() ? std::fgetc(file.get()) : EOF;
-    const bool lineEnd = behind == '\n' && std::fgetc(file.get()) == EOF;
+    const int next = size == bytes_.size() ? std::fgetc(file.get()) : EOF;
+    const bool lineEnd = next == '\n' && std::fgetc(file.get()) == EOF;
     if (std::ferror(file.get()) != 0)
         throw UsageError(fmt::format("--key-file: {}: {}", name, std::strerror(errno)));
-    if (behind != EOF && !lineEnd)
+    if (next != EOF && !lineEnd)
         throw UsageError(fmt::format("--key-file: {}: a key has at most {} bytes", name, bytes_.size()));
     const bool ownLineEnd = size > 0 && size < bytes_.size() && bytes_[size - 1] == '\n';
     if (size == (ownLineEnd ? 1U : 0U))

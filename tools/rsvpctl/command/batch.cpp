@@ -96,12 +96,14 @@ void AddBatchCommand(CommandLine &line)
     Command &command =
         line.Add(line.Root(), "batch",
                  "Run the commands of a file, one a line; # begins a comment, quotes keep words together",
+                 "  printf 'set interface 3\\nset hello --interface 3\\n' > settings.txt\n"
                  "  rsvpctl batch settings.txt\n"
-                 "  rsvpctl batch --dry-run settings.txt          what would be sent\n"
+                 "  rsvpctl batch --dry-run settings.txt          # what would be sent\n"
                  "  printf 'set interface 3\\n' | rsvpctl batch - --keep-going\n\n"
                  "Stops at the first line that fails; the lines before it were sent. The exit status is the highest "
                  "of\nthe lines'.");
     command.inBatch = false;
+    command.takesDetail = true; // of its lines
     const Option file = command.node.AddFile("file,--file", "The file, or - for standard input").Required();
     const Option keepGoing = command.node.AddFlag("--keep-going", "Go on after a failure");
     const Option dryRun = command.node.AddFlag(

@@ -9,6 +9,7 @@
 #include "tools/rsvpctl/print/usage_error.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <fmt/format.h>
 
 namespace rsvpctl {
@@ -17,6 +18,7 @@ namespace {
 using manager::ParseAddress, manager::ParseNumber, manager::RecordDescription;
 
 constexpr size_t kLongestKeyFile = 65536;
+constexpr int kMostWords = 1000;
 
 } // namespace
 
@@ -68,13 +70,17 @@ Option Option::Needs(Option other) const
     return *this;
 }
 
-std::string Node::Path() const
+std::string PathOf(const CLI::App &app)
 {
-    const CLI::App *parent = app_->get_parent();
-    if (parent == nullptr)
+    if (app.get_parent() == nullptr)
         return {};
-    const std::string before = Node(app_->get_parent()).Path();
-    return before.empty() ? app_->get_name() : before + " " + app_->get_name();
+    const std::string before = PathOf(*app.get_parent());
+    return before.empty() ? app.get_name() : before + " " + app.get_name();
+}
+
+void Node::AddAlias(const std::string &name) const
+{
+    app_->alias(name);
 }
 
 Option Node::AddFlag(const std::string &names, const std::string &help) const
@@ -82,20 +88,22 @@ Option Node::AddFlag(const std::string &names, const std::string &help) const
     return Option(app_->add_flag(names)->description(help));
 }
 
-Option Node::AddNumber(const std::string &names, uint64_t max, const std::string &help) const
+Option Node::AddNumber(const std::string &names, uint64_t max, const std::string &help, const std::string &unit) const
 {
-    return Option(
-        app_->add_option(names, help)->type_name(fmt::format("0..{}", max))->check([max](const std::string &text) {
-            const auto number = ParseNumber(text);
-            return number && *number <= max ? std::string()
-                                            : fmt::format("takes a number from 0 to {}, not '{}'", max, text);
-        }));
+    const std::string type = fmt::format("0..{}{}{}", max, unit.empty() ? "" : " ", unit);
+    const std::string takes = fmt::format("takes a number {}{}from 0 to {}", unit.empty() ? "" : "of ",
+                                          unit.empty() ? "" : unit + " ", max);
+    return Option(app_->add_option(names, help)->type_name(type)->check([max, takes](const std::string &text) {
+        const auto number = ParseNumber(text);
+        return number && *number <= max ? std::string() : fmt::format("{}{}'{}'", takes, kButGiven, text);
+    }));
 }
 
 Option Node::AddAddress(const std::string &names, const std::string &help) const
 {
     return Option(app_->add_option(names, help)->type_name("A.B.C.D")->check([](const std::string &text) {
-        return ParseAddress(text) ? std::string() : "takes an IPv4 address (10.0.0.9), not '" + text + "'";
+        return ParseAddress(text) ? std::string()
+                                  : fmt::format("takes an IPv4 address (10.0.0.9){}'{}'", kButGiven, text);
     }));
 }
 
@@ -107,12 +115,24 @@ Option Node::AddSeconds(const std::string &names, double min, double max, const 
 Option Node::AddChoice(const std::string &names, const std::string &type, const std::vector<std::string> &choices,
                        const std::string &help) const
 {
-    return Option(app_->add_option(names, help)->type_name(type)->check(CLI::IsMember(choices)));
+    const auto check = [choices](const std::string &text) {
+        return std::find(choices.begin(), choices.end(), text) != choices.end()
+                   ? std::string()
+                   : fmt::format("takes {}{}'{}'", manager::Joined(choices, " or "), kButGiven, text);
+    };
+    return Option(
+        app_->add_option(names, help)->type_name(type)->check(check, "{" + manager::Joined(choices, ",") + "}"));
+}
+
+Option Node::AddText(const std::string &names, const std::string &type,
+                     std::function<std::string(const std::string &)> check, const std::string &help) const
+{
+    return Option(app_->add_option(names, help)->type_name(type)->check(std::move(check)));
 }
 
 Option Node::AddWords(const std::string &names, const std::string &type, const std::string &help) const
 {
-    return Option(app_->add_option(names, help)->type_name(type)->expected(-1));
+    return Option(app_->add_option(names, help)->type_name(type)->expected(1, kMostWords)->allow_extra_args());
 }
 
 Option Node::AddFile(const std::string &names, const std::string &help) const

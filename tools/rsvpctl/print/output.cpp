@@ -216,7 +216,9 @@ Exit Output::Help(const std::string &text)
 
 Exit Output::Fail(const Outcome &failure, const std::string &headline, const Reason &reason)
 {
-    const std::string asked = failure.asked.empty() ? "" : " for " + failure.asked;
+    // "for interface 3" says it already.
+    const std::string link = failure.asked.empty() ? "" : failure.asked.starts_with("for ") ? " " : " for ";
+    const std::string asked = link + failure.asked;
     Complain(fmt::format("{}: {}{}{} gave {:#010x} {}\n  what happened: {}{}", failure.operation, headline,
                          failure.function, asked, failure.status, reason.text.name, reason.what,
                          Advice(reason.text)));

@@ -129,4 +129,20 @@ const StatusText &NotDoneText()
     return kNotDone;
 }
 
+std::span<const SimulatedStatus> SimulatedStatuses()
+{
+    // A test holds these against the daemon's own list.
+    static constexpr SimulatedStatus kSimulated[] = {
+        {0x60010001, "the frame or the items do not add up"},
+        {0x60010002, "unknown class"},
+        {0x60010003, "the item does not know this operation"},
+        {0x60010004, "unknown item"},
+        {0x60010005, "a value is not as long as its type demands"},
+        {0x60010006, "bytes that must be 0 are not"},
+        {0x60010007, "the wrong number of items, or the key item is not the first"},
+        {0x60010008, "commands have made as many rows as one table takes"},
+    };
+    return kSimulated;
+}
+
 } // namespace rsvpctl

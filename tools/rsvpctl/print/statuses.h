@@ -43,6 +43,14 @@ StatusText Explain(uint32_t status, std::string_view function, manager::Fault fa
 const StatusText &StuckText();
 const StatusText &NotDoneText();
 
+/** What a status of the simulated daemon's own means. Another daemon may mean something else by the same number. */
+struct SimulatedStatus {
+    uint32_t status;
+    const char *meaning;
+};
+
+std::span<const SimulatedStatus> SimulatedStatuses();
+
 } // namespace rsvpctl
 
 #endif

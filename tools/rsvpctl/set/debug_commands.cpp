@@ -98,6 +98,7 @@ void AddDebugVerb(CommandLine &line, const Node &group, const std::string &verb,
 void AddDebugShow(CommandLine &line, const Node &group)
 {
     Command &command = line.Add(group, "show", "The state of the debug switches", "  rsvpctl debug show --json");
+    command.takesDetail = true;
     command.run = [&command](Output &out) {
         return ShowRecord(out, command.name, manager::kDebugSwitches, nullptr, "");
     };
@@ -120,7 +121,7 @@ Exit ReportKey(Output &out, const Command &command, const char *function, const 
 void AddResetStatistics(CommandLine &line, const Node &group)
 {
     Command &command = line.Add(group, "statistics", "Clear counters; the numbers are the daemon's",
-                                "  rsvpctl reset statistics 0,0\n  rsvpctl reset statistics statsId1=3,statsId2=1");
+                                "  rsvpctl reset statistics 0,0\n  rsvpctl reset statistics statsId1=1,statsId2=0");
     const Option key =
         command.node.AddKey("key,--key", manager::Describe<RSVP_MOR_StatisticsKey>(), "What to clear").Required();
     command.run = [&command, key](Output &out) {
@@ -139,7 +140,8 @@ void AddResetStatistics(CommandLine &line, const Node &group)
 
 void AddResetAuth(CommandLine &line, const Node &group)
 {
-    Command &command = line.Add(group, "auth", "Reset one authentication entry", "  rsvpctl reset auth 1,2,3,4");
+    Command &command =
+        line.Add(group, "auth", "Reset one authentication entry", "  rsvpctl reset auth 10.1.12.2,0,0,0");
     const Option key =
         command.node.AddKey("key,--key", manager::Describe<RSVP_MOR_AuthEntryKey>(), "The entry").Required();
     command.run = [&command, key](Output &out) {
@@ -166,7 +168,7 @@ void AddDebugCommands(CommandLine &line)
     AddDebugShow(line, debug);
 
     const Node reset = line.AddGroup(line.Root(), "reset", "Clear counters or an authentication entry",
-                                     "  rsvpctl reset statistics 0,0\n  rsvpctl reset auth 1,2,3,4");
+                                     "  rsvpctl reset statistics 0,0\n  rsvpctl reset auth 10.1.12.2,0,0,0");
     AddResetStatistics(line, reset);
     AddResetAuth(line, reset);
 }

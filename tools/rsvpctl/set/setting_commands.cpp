@@ -138,19 +138,27 @@ void AddOptions(const Node &node, SettingCommand &command)
     }
     if (first.argument != nullptr) {
         const std::string argument = first.argument;
-        const uint64_t max = MaximumOf(first.kind);
-        command.number = node.AddNumber(argument + ",--" + argument, max, first.help).Required(!command.undo);
-        if (first.kind == ValueKind::Pair)
+        const uint64_t max = MaximumOf(first);
+        const std::string unit = first.unit == nullptr ? "" : first.unit;
+        const bool pair = first.kind == ValueKind::Pair;
+        command.number = node.AddNumber(argument + ",--" + argument, max, pair ? "First number" : first.help, unit)
+                             .Required(!command.undo);
+        if (pair)
             command.secondNumber = node.AddNumber("second,--second", max, "Second number").Required(!command.undo);
     }
     if (first.kind == ValueKind::Key)
-        command.keyFile = node.AddFile("--key-file", "File with the key, at most 68 bytes, or - for standard input; "
-                                                     "a line end after a shorter key is dropped")
-                              .Required(!command.undo);
+        command.keyFile =
+            node.AddFile("--key-file", "File with the key, 1 to 68 bytes, or - for standard input; a line "
+                                       "end after a shorter key is dropped")
+                .Required(!command.undo);
 }
 
-std::string Example(const std::string &verb, const Setting &row)
+constexpr const char *kMakeKey = "  head -c 48 /dev/urandom | base64 > key.txt\n";
+
+// What can be undone by no message is undone by setting another number.
+std::string Example(const Setting &row, bool undo)
 {
+    const std::string verb = undo && row.undo != Undo::None ? "undo" : "set";
     const bool numbers = row.argument != nullptr && (verb == "set" || row.undo == Undo::Number);
     std::string text = "  rsvpctl " + verb + " " + row.name;
     if (IsLevelItself(row))
@@ -168,9 +176,9 @@ std::string UndoNote(const Setting &row)
 {
     switch (row.undo) {
     case Undo::None:
-        return "  (cannot be taken back; set another number)";
+        return "  # has no undo: set another number";
     case Undo::Number:
-        return "  (takes the number to go back to)";
+        return "  # takes the number to go back to";
     default:
         return "";
     }
@@ -184,13 +192,15 @@ void AddVerb(CommandLine &line, const std::string &verb, const std::string &help
     for (size_t i = 0; i < all.size();) {
         auto setting = std::make_shared<SettingCommand>();
         setting->undo = undo;
-        std::string lines;
+        std::string lines = all[i].kind == ValueKind::Key && !undo ? kMakeKey : "";
         const std::string_view name = all[i].name;
         for (; i < all.size() && all[i].name == name; ++i) {
             setting->rows.push_back(&all[i]);
-            lines += (lines.empty() ? "" : "\n") + Example(verb, all[i]) + (undo ? UndoNote(all[i]) : "");
+            lines += (lines.empty() || lines.ends_with('\n') ? "" : "\n") + Example(all[i], undo) +
+                     (undo ? UndoNote(all[i]) : "");
         }
         Command &command = line.Add(group, std::string(name), setting->rows.front()->help, lines);
+        command.takesSecret = setting->rows.front()->kind == ValueKind::Key;
         AddOptions(command.node, *setting);
         command.run = [&command, setting](Output &out) { return RunSetting(out, command.name, *setting); };
         MakeRehearsable(command, [setting] { return RehearseSetting(*setting); });
@@ -205,6 +215,7 @@ void AddSettingCommands(CommandLine &line)
             "  rsvpctl set refresh-interval 30\n"
             "  rsvpctl set interface 3\n"
             "  rsvpctl set retrans-interval 500 --interface 3\n"
+            "  head -c 48 /dev/urandom | base64 > key.txt\n"
             "  rsvpctl set auth-key --key-file key.txt --peer 10.0.0.9");
     AddVerb(line, "undo", "Take a setting back",
             "  rsvpctl undo interface 3\n"

@@ -39,19 +39,19 @@ constexpr Setting kSettings[] = {
 
     {"refresh-interval", Level::Global, ValueKind::Short, Undo::None, "interval", 15, 0, "RSVP_MOR_SetRefreshInterval",
      [](uint32_t, const Arguments &a) { return RSVP_MOR_SetRefreshInterval(Short(a.number)); },
-     "Interval of Path and Resv refreshes"},
+     "Interval of Path and Resv refreshes (RFC 2205, R), in the daemon's own unit"},
     {"keep-multiplier", Level::Global, ValueKind::Byte, Undo::None, "multiplier", 12, 0, "RSVP_MOR_SetKeepMultiplier",
      [](uint32_t, const Arguments &a) { return RSVP_MOR_SetKeepMultiplier(Byte(a.number)); },
-     "Refreshes that may be missed before state is dropped"},
+     "Refreshes that may be missed before state is dropped (RFC 2205, K)", "refreshes"},
     {"hello-interval", Level::Global, ValueKind::Byte, Undo::None, "interval", 10, 8, "RSVP_MOR_SetHelloInterval",
      [](uint32_t, const Arguments &a) { return RSVP_MOR_SetHelloInterval(Byte(a.number)); },
-     "Interval of Hello messages"},
+     "Interval of Hello messages (RFC 3209), in the daemon's own unit"},
     {"hello-lost", Level::Global, ValueKind::Byte, Undo::None, "lost", 11, 8, "RSVP_MOR_SetHelloLost",
      [](uint32_t, const Arguments &a) { return RSVP_MOR_SetHelloLost(Byte(a.number)); },
-     "Hello messages that may be lost before a neighbour is taken for dead"},
+     "Hello messages that may be lost before a neighbour is taken for dead (RFC 3209)", "messages"},
     {"dscp", Level::Global, ValueKind::Word, Undo::None, "dscp", 19, 0, "RSVP_MOR_SetDscpValue",
      [](uint32_t, const Arguments &a) { return RSVP_MOR_SetDscpValue(a.number); },
-     "DSCP value of the daemon's messages"},
+     "DSCP value of the daemon's messages (RFC 2474)", nullptr, 63},
     {"graceful-restart", Level::Global, ValueKind::None, Undo::Sent, nullptr, 8, 0, "RSVP_MOR_SetGrEnable",
      [](uint32_t op, const Arguments &) { return RSVP_MOR_SetGrEnable(op); },
      "Graceful restart"},
@@ -64,13 +64,13 @@ constexpr Setting kSettings[] = {
      "BFD on an interface"},
     {"reduction", Level::Interface, ValueKind::Pair, Undo::Sent, "first", 14, 0, "RSVP_MOR_SetReduction",
      SetReduction,
-     "Refresh overhead reduction on an interface"},
+     "Refresh overhead reduction on an interface (RFC 2961); both numbers are the daemon's"},
     {"retrans-interval", Level::Interface, ValueKind::Short, Undo::Number, "interval", 16, 0, "RSVP_MOR_SetRetransInterval",
      [](uint32_t op, const Arguments &a) { return RSVP_MOR_SetRetransInterval(op, a.ifIndex, Short(a.number)); },
-     "Retransmission interval of an interface"},
+     "Retransmission interval of an interface (RFC 2961, Rf), in the daemon's own unit"},
     {"retrans-increment", Level::Interface, ValueKind::Byte, Undo::Number, "increment", 17, 0, "RSVP_MOR_SetRetransIncrement",
      [](uint32_t op, const Arguments &a) { return RSVP_MOR_SetRetransIncrement(op, a.ifIndex, Byte(a.number)); },
-     "Retransmission increment of an interface"},
+     "Retransmission increment of an interface (RFC 2961, Delta), in the daemon's own scale"},
 
     {"auth-key", Level::Global, ValueKind::Key, Undo::Sent, nullptr, 3, 0, "RSVP_MOR_SetAuthKey",
      [](uint32_t op, const Arguments &a) { return RSVP_MOR_SetAuthKey(op, a.key.Bytes()); },
@@ -92,22 +92,22 @@ constexpr Setting kSettings[] = {
      "Challenge handshake of authentication"},
     {"auth-lifetime", Level::Global, ValueKind::Word, Undo::None, "life-time", 4, 0, "RSVP_MOR_SetAuthLifeTime",
      [](uint32_t, const Arguments &a) { return RSVP_MOR_SetAuthLifeTime(a.number); },
-     "Life time of the authentication key"},
+     "Life time of the authentication key (RFC 2747), in the daemon's own unit"},
     {"auth-lifetime", Level::Interface, ValueKind::Word, Undo::Number, "life-time", 4, 0, "RSVP_MOR_SetIntfAuthLifeTime",
      [](uint32_t op, const Arguments &a) { return RSVP_MOR_SetIntfAuthLifeTime(op, a.ifIndex, a.number); },
-     "Life time of the authentication key"},
+     "Life time of the authentication key (RFC 2747), in the daemon's own unit"},
     {"auth-lifetime", Level::Peer, ValueKind::Word, Undo::None, "life-time", 4, 0, "RSVP_MOR_SetPeerAuthLifeTime",
      [](uint32_t, const Arguments &a) { return RSVP_MOR_SetPeerAuthLifeTime(a.peer, a.number); },
-     "Life time of the authentication key"},
+     "Life time of the authentication key (RFC 2747), in the daemon's own unit"},
     {"auth-window", Level::Global, ValueKind::Byte, Undo::None, "window-size", 5, 0, "RSVP_MOR_SetAuthWindowSize",
      [](uint32_t, const Arguments &a) { return RSVP_MOR_SetAuthWindowSize(Byte(a.number)); },
-     "Messages that may arrive out of sequence"},
+     "Messages that may arrive out of sequence (RFC 2747)", "messages"},
     {"auth-window", Level::Interface, ValueKind::Byte, Undo::Number, "window-size", 5, 0, "RSVP_MOR_SetIntfAuthWindowSize",
      [](uint32_t op, const Arguments &a) { return RSVP_MOR_SetIntfAuthWindowSize(op, a.ifIndex, Byte(a.number)); },
-     "Messages that may arrive out of sequence"},
+     "Messages that may arrive out of sequence (RFC 2747)", "messages"},
     {"auth-window", Level::Peer, ValueKind::Byte, Undo::None, "window-size", 5, 0, "RSVP_MOR_SetPeerAuthWindowSize",
      [](uint32_t, const Arguments &a) { return RSVP_MOR_SetPeerAuthWindowSize(a.peer, Byte(a.number)); },
-     "Messages that may arrive out of sequence"},
+     "Messages that may arrive out of sequence (RFC 2747)", "messages"},
 };
 // clang-format on
 
@@ -147,9 +147,11 @@ std::span<const Setting> AllSettings()
     return kSettings;
 }
 
-uint64_t MaximumOf(ValueKind kind)
+uint64_t MaximumOf(const Setting &setting)
 {
-    switch (kind) {
+    if (setting.most != 0)
+        return setting.most;
+    switch (setting.kind) {
     case ValueKind::Byte:
         return UINT8_MAX;
     case ValueKind::Word:

@@ -198,6 +198,8 @@ Json Rules()
         rules.push_back(Rule(name, Reference(name), false));
     for (const char *shell : {"bash", "zsh"})
         rules.push_back(Rule("completion " + std::string(shell), Reference("completion"), false));
+    for (const char *name : {"help", "version"})
+        rules.push_back(Rule(name, Reference(name), false));
     rules.push_back(Rule("explain", Reference("statusText"), Reference("statusText")));
     rules.push_back(Rule("batch", false, {{"allOf", {Reference("answer"), {{"required", {"line"}}}}}}));
     return rules;
@@ -272,8 +274,11 @@ void AddOwnRecords(Json &definitions)
                                         {"name", Text()},
                                         {"exitStatus", Integer(7)},
                                         {"likelyCause", Text()},
-                                        {"whatToDo", Text()}});
+                                        {"whatToDo", Text()},
+                                        {"fromSimulatedDaemon", NullOr(Text())}});
     definitions["completion"] = Object({{"shell", OneOfTexts({"bash", "zsh"})}, {"script", Text()}});
+    definitions["help"] = Object({{"command", Text()}, {"help", Text()}});
+    definitions["version"] = Object({{"version", Text()}});
     definitions["options"] = {{"type", "object"}, {"additionalProperties", NullOr(Integer(UINT32_MAX))}};
     definitions["hop"] = Object({{"address", Reference("address")},
                                  {"label", NullOr(Integer(UINT32_MAX))},

@@ -193,8 +193,8 @@ void AddWatchCommands(CommandLine &line)
     const Node watch =
         line.AddGroup(line.Root(), "watch", "Repeat a show and print rows that were added, changed or removed",
                       "  rsvpctl watch show psb\n"
-                      "  rsvpctl watch show interfaces --interval 10       counters as rates\n"
-                      "  rsvpctl watch show psb --initial --json           one object a line");
+                      "  rsvpctl watch show interfaces --interval 10       # counters as rates\n"
+                      "  rsvpctl watch show psb --initial --json           # one object a line");
     const WatchOptions options{watch.AddSeconds("--interval", 0.1, 86400,
                                                 fmt::format("Seconds between polls (default {})", kDefaultInterval)),
                                watch.AddNumber("--count", UINT32_MAX, "Polls after which it ends; 0 for no end"),
@@ -203,6 +203,7 @@ void AddWatchCommands(CommandLine &line)
     for (Command *command : line.CommandsBelow(watch.Path())) {
         command->inBatch = false;
         command->mayBeLong = false;
+        command->takesDetail = false;
         command->run = [command, show = command->run, options](Output &out) {
             return Watch(out, *command, show, options);
         };
