@@ -40,6 +40,13 @@ has its place. The simulated daemon refuses a request that has others.
 
 )";
 
+// What the tables cannot tell, since it is the library's doing.
+constexpr std::array kWalkedAlone{RowKindRef("auth"), RowKindRef("crlsp"), RowKindRef("nbr"),
+                                  RowKindRef("phsb"), RowKindRef("psb"),   RowKindRef("rsb")};
+constexpr LayoutRef kTunnel = "tunnel";
+constexpr std::string_view kTranslated = FieldName(kTunnel, "tunnelRole");
+constexpr std::string_view kTranslation = "the library gives 0 for 1, 2 for 3, and 1 for any other number";
+
 std::string LinkTo(std::string_view name)
 {
     return fmt::format("[{0}](#{0})", name);
@@ -194,6 +201,15 @@ void PrintLists(std::span<const ListKind> lists, int depth)
     }
 }
 
+std::string_view WhoSends(const RowKind &kind)
+{
+    if (std::ranges::any_of(kWalkedAlone, [&](RowKindRef walked) { return walked->name == kind.name; }))
+        return "; no function of the library sends the get";
+    if (kind.firstKey == FirstKey::Given)
+        return "; the caller of the library names the operation";
+    return "";
+}
+
 void PrintTables()
 {
     const uint32_t walk = 1U << kGet | 1U << kGetFirst | 1U << kGetNext;
@@ -203,8 +219,8 @@ void PrintTables()
                "order of their key bytes.\n\n",
                +kShow, ClassName(kShow));
     for (const RowKind &kind : AllRowKinds()) {
-        fmt::print("### Table {}\n\n- request: item {}, {}\n- key: {}", kind.name, kind.requestItem,
-                   OpNames(walk | (kind.hasIngressWalk ? ingress : 0)), Link(*kind.keyLayout));
+        fmt::print("### Table {}\n\n- request: item {}, {}{}\n- key: {}", kind.name, kind.requestItem,
+                   OpNames(walk | (kind.hasIngressWalk ? ingress : 0)), WhoSends(kind), Link(*kind.keyLayout));
         std::string_view separator = ", copied from the row's ";
         for (const std::string_view field : kind.keyFields) {
             fmt::print("{}`{}`", separator, field);
@@ -245,7 +261,8 @@ void PrintValues()
         fmt::print("{}\n\n{} bytes.\n\n| Offset | Bytes | Field | Form | |\n|---:|---:|---|---|---|\n",
                    Anchor(layout.name), layout.size);
         for (const Field &field : layout.fields) {
-            PrintField(field, field.name, Condition(field));
+            const bool translated = layout.name == kTunnel.Spec().name && field.name == kTranslated;
+            PrintField(field, field.name, translated ? kTranslation : Condition(field));
             for (const Field &inner : field.inside)
                 PrintField(inner, fmt::format("{}.{}", field.name, inner.name),
                            "inside; the simulated daemon's choice");
@@ -254,8 +271,8 @@ void PrintValues()
     }
     fmt::print("## Lists\n\nA count in network order, then as many entries.\n\n");
     for (const ListSpec &list : kListSpecs)
-        fmt::print("{}\n\n{} bytes of count, then entries: {}\n\n", Anchor(list.name), list.countWidth,
-                   Link(*list.entry));
+        fmt::print("{}\n\n{} bytes of count{}, then entries: {}\n\n", Anchor(list.name), list.countWidth,
+                   list.countWidth > 2 ? ", of which the library reads the last two" : "", Link(*list.entry));
 }
 
 } // namespace

@@ -37,9 +37,8 @@
  *    A node that the caller makes, and what it points to, come from `malloc`.
  * 10. Pointers must be valid unless a function says that null is accepted or refused.
  * 11. A call needs more than 16 KiB of stack, since request and reply lie there. Give a thread 64 KiB.
- * 12. There is no initialisation, no global state, no thread and no log. Fifteen functions send the daemon nothing:
- *     RSVP_MOR_LIPCOpen and RSVP_MOR_LIPCClose, RSVP_IsGlobalEnabled, RSVP_Opt_Parse, and the eleven that release
- *     memory.
+ * 12. There is no initialisation, no global state, no thread and no log. RSVP_MOR_LIPCOpen and RSVP_MOR_LIPCClose,
+ *     RSVP_IsGlobalEnabled, RSVP_Opt_Parse and the functions that release memory send the daemon nothing.
  *
  * The headers declare all functions with default visibility; the library hides everything else.
  */
