@@ -57,9 +57,9 @@ uint32_t Option::Address() const
     return IsGiven() ? ParseAddress(Text()).value() : 0;
 }
 
-double Option::SecondsOr(double value) const
+std::chrono::milliseconds Option::DurationOr(std::chrono::milliseconds value) const
 {
-    return IsGiven() ? option_->as<double>() : value;
+    return IsGiven() ? manager::ParseDuration(Text()).value() : value;
 }
 
 Option Option::Required(bool required) const
@@ -111,9 +111,17 @@ Option Node::AddAddress(const std::string &names, const std::string &help) const
     }));
 }
 
-Option Node::AddSeconds(const std::string &names, double min, double max, const std::string &help) const
+Option Node::AddDuration(const std::string &names, std::chrono::milliseconds min, std::chrono::milliseconds max,
+                         const std::string &help) const
 {
-    return Option(app_->add_option(names, help)->type_name("SECONDS")->check(CLI::Range(min, max)));
+    return Option(app_->add_option(names, help)->type_name("DURATION")->check([min, max](const std::string &text) {
+        const auto duration = manager::ParseDuration(text);
+        return duration && *duration >= min && *duration <= max
+                   ? std::string()
+                   : fmt::format("takes a duration from {} to {} (500ms, 2s, 1m; a plain number is seconds), not "
+                                 "'{}'",
+                                 manager::DurationText(min), manager::DurationText(max), text);
+    }));
 }
 
 Option Node::AddChoice(const std::string &names, const std::string &type, const std::vector<std::string> &choices,

@@ -215,8 +215,8 @@ Json Event()
                                 {"after", scalar},
                                 {"perSecond", NullOr({{"type", "number"}, {"minimum", 0}})}});
     Json members{{"schemaVersion", {{"const", kSchemaVersion}}},
-                 {"operation", Pattern("^watch show ")},
-                 {"time", Pattern("^[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}Z$")}};
+                 {"operation", Pattern("^watch (show |status$)")},
+                 {"time", Pattern("^[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}[.][0-9]{3}Z$")}};
     Json rows = members;
     rows.update(
         {{"event", OneOfTexts({"added", "removed"})}, {"key", {{"type", "object"}}}, {"row", {{"type", "object"}}}});
@@ -229,10 +229,13 @@ Json Event()
     state.update(
         {{"event", OneOfTexts({"failed", "recovered"})}, {"status", Integer(UINT32_MAX)}, {"statusName", Text()}});
     Json rules = Json::array();
+    const auto add = [&rules](const std::string &operation, Json row) {
+        rules.push_back({{"if", {{"properties", {{"operation", {{"const", operation}}}}}}},
+                         {"then", {{"properties", {{"row", std::move(row)}}}}}});
+    };
     for (const ShowSpec &show : AllShows())
-        rules.push_back(
-            {{"if", {{"properties", {{"operation", {{"const", std::string("watch show ") + show.words}}}}}}},
-             {"then", {{"properties", {{"row", RecordOf(show)}}}}}});
+        add(std::string("watch show ") + show.words, RecordOf(show));
+    add("watch status", Reference("status"));
     return {{"anyOf", {Object(rows), Object(changed), Object(state)}}, {"allOf", std::move(rules)}};
 }
 
