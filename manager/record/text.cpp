@@ -20,7 +20,6 @@ struct Unit {
 };
 
 constexpr Unit kUnits[] = {{"h", 3600000}, {"m", 60000}, {"s", 1000}, {"ms", 1}};
-constexpr double kYear = 365.0 * 24 * 3600000;
 
 } // namespace
 
@@ -63,7 +62,7 @@ std::optional<std::chrono::milliseconds> ParseDuration(std::string_view text)
         return std::nullopt;
     const double milliseconds = std::round(number * static_cast<double>(found->milliseconds));
     // The comparison refuses what is not a number as well.
-    if (std::signbit(milliseconds) || !(milliseconds <= kYear))
+    if (std::signbit(milliseconds) || !(milliseconds <= static_cast<double>(kLongestDuration.count())))
         return std::nullopt;
     return std::chrono::milliseconds(static_cast<int64_t>(milliseconds));
 }

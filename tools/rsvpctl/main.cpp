@@ -37,6 +37,8 @@ Exit RunProgram(const std::vector<std::string> &words)
     }
     Output out(line.ChosenStyle(), line.ChosenColor());
     const Pager pager(line.MayUsePager() && (command == nullptr || command->mayBeLong));
+    if (command != nullptr && out.IsJson())
+        out.EndWholeOnInterrupt(command->name);
     return out.Finish(command == nullptr ? out.Help(help) : Run(out, *command));
 }
 

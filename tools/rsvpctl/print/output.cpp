@@ -3,6 +3,8 @@
 #include "tools/rsvpctl/print/output.h"
 
 #include "manager/record/text.h"
+#include "tools/rsvpctl/print/interrupt.h"
+#include "tools/rsvpctl/print/terminal.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -24,7 +26,7 @@ bool UseColor(Color color, FILE *stream)
     if (color != Color::Auto)
         return color == Color::Always;
     const char *off = std::getenv("NO_COLOR");
-    return (off == nullptr || *off == '\0') && isatty(fileno(stream)) == 1;
+    return (off == nullptr || *off == '\0') && TakesEscapes(fileno(stream));
 }
 
 size_t LineWidth(FILE *stream)
@@ -56,6 +58,17 @@ std::string Advice(const StatusText &text)
     return Advice(text.cause, text.remedy);
 }
 
+std::string MemberText(const char *name, const Json &value)
+{
+    return fmt::format(",\"{}\":{}", name, value.dump());
+}
+
+std::string EndText(uint32_t status, Exit exit)
+{
+    return MemberText("status", status) + MemberText("statusName", Explain(status).name) +
+           MemberText("exitStatus", static_cast<int>(exit)) + "}\n";
+}
+
 } // namespace
 
 Output::Output(Style style, Color color, FILE *document, FILE *messages)
@@ -64,8 +77,34 @@ Output::Output(Style style, Color color, FILE *document, FILE *messages)
 {
 }
 
+// What makes a whole document of what is written so far. A document without rows is written at once.
+std::string Output::Ending() const
+{
+    static const std::string end = EndText(RSVP_MOR_ERR_FAIL, Exit::Interrupted);
+    std::string text;
+    if (inList_) {
+        text += "]" + MemberText("count", rows_) + MemberText("complete", false);
+        if (table_ != nullptr)
+            text += MemberText("end", "interrupted") + MemberText("function", table_->next.function);
+        text += end;
+    }
+    if (inBatch_)
+        text += "]" + MemberText("count", batchDocuments_) + MemberText("complete", false) + end;
+    return text;
+}
+
+void Output::EndWholeOnInterrupt(const std::string &operation)
+{
+    OpenDocument(operation);
+    Member("error", "interrupted");
+    EndDocumentOnInterrupt(std::exchange(text_, {}) + EndText(RSVP_MOR_ERR_FAIL, Exit::Interrupted));
+}
+
 bool Output::Flush()
 {
+    DocumentWrite write;
+    if (IsJson())
+        write.SetEnding(Ending());
     if (writeError_ == 0 && !text_.empty() &&
         (std::fwrite(text_.data(), 1, text_.size(), document_) != text_.size() || std::fflush(document_) != 0))
         writeError_ = errno;
@@ -111,17 +150,14 @@ void Output::OpenDocument(const std::string &operation)
 
 void Output::Member(const char *name, const Json &value)
 {
-    text_ += fmt::format(",\"{}\":{}", name, value.dump());
+    text_ += MemberText(name, value);
 }
 
 void Output::CloseDocument(uint32_t status, Exit exit)
 {
-    if (IsJson()) {
-        Member("status", status);
-        Member("statusName", Explain(status).name);
-        Member("exitStatus", static_cast<int>(exit));
-        text_ += "}\n";
-    }
+    if (IsJson())
+        text_ += EndText(status, exit);
+    inList_ = false;
     Flush();
 }
 
@@ -193,17 +229,23 @@ Exit Output::Report(const Outcome &outcome)
     return outcome.status == RSVP_MOR_OK ? Done(outcome.operation, outcome.asked) : Failed(outcome);
 }
 
-Exit Output::WrongUsage(const std::string &operation, const UsageError &error)
+Exit Output::Wrong(const std::string &operation, const std::string &error, uint32_t status, Exit exit)
 {
-    Complain(error.what());
-    if (!error.hint.empty())
-        Message("  " + error.hint);
+    Complain(error);
     OpenDocument(operation);
     if (IsJson())
-        Member("error", error.what());
+        Member("error", error);
+    CloseDocument(status, exit);
+    return exit;
+}
+
+Exit Output::WrongUsage(const std::string &operation, const UsageError &error)
+{
     // The library's code for a bad argument; the exit status distinguishes it from a failed exchange.
-    CloseDocument(RSVP_MOR_ERR_FAIL, Exit::Usage);
-    return Exit::Usage;
+    const Exit exit = Wrong(operation, error.what(), RSVP_MOR_ERR_FAIL, Exit::Usage);
+    if (!error.hint.empty())
+        Message("  " + error.hint);
+    return exit;
 }
 
 // ---- Rows ----
@@ -211,6 +253,8 @@ Exit Output::WrongUsage(const std::string &operation, const UsageError &error)
 void Output::BeginList(const std::string &operation)
 {
     rows_ = 0;
+    inList_ = true;
+    table_ = nullptr;
     layout_.reset();
     OpenDocument(operation);
     if (IsJson())

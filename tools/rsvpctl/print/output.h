@@ -58,6 +58,9 @@ public:
     /** Done or failed, as the status says. */
     Exit Report(const Outcome &outcome);
 
+    /** What no call of the library refused, in words of its own. */
+    Exit Wrong(const std::string &operation, const std::string &error, uint32_t status, Exit exit);
+
     /** Arguments that cannot be taken; nothing was sent. */
     Exit WrongUsage(const std::string &operation, const UsageError &error);
 
@@ -88,6 +91,10 @@ public:
     /** A line on standard error. */
     void Message(const std::string &text);
 
+    /** From now on Ctrl-C ends the document as a whole one, and the process. It is a document of the operation even
+     * if nothing of one is written. */
+    void EndWholeOnInterrupt(const std::string &operation);
+
     /** The exit status after everything is written: a document that could not be written is a failure of its own,
      * but a reader that went away got what it wanted. */
     Exit Finish(Exit exit);
@@ -101,6 +108,7 @@ private:
     void OpenDocument(const std::string &operation);
     void CloseDocument(uint32_t status, Exit exit);
     void Member(const char *name, const manager::Json &value);
+    std::string Ending() const;
     void Complain(const std::string &text);
     bool Flush();
 
@@ -117,6 +125,7 @@ private:
     const manager::Table *table_ = nullptr;
     std::optional<TableLayout> layout_;
     uint64_t rows_ = 0;
+    bool inList_ = false;
 
     std::string batchFile_;
     uint64_t batchLine_ = 0;

@@ -12,11 +12,12 @@ namespace rsvpctl {
 /** The tool's exit statuses. They are part of its interface: scripts test them. */
 enum class Exit : int {
     Done = 0,
-    Refused = 1,    // the daemon said no
-    Usage = 2,      // wrong arguments; nothing was sent
-    NoSession = 3,  // the daemon could not be reached
-    Exchange = 4,   // the exchange failed or the reply was out of format
-    NotEnabled = 5, // the service does not run
+    Refused = 1,       // the daemon said no
+    Usage = 2,         // wrong arguments; nothing was sent
+    NoSession = 3,     // the daemon could not be reached
+    Exchange = 4,      // the exchange failed or the reply was out of format
+    NotEnabled = 5,    // the service does not run
+    Interrupted = 130, // Ctrl-C, as a shell counts it
 };
 
 struct StatusText {

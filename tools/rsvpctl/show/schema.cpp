@@ -121,7 +121,9 @@ Json RecordSchema(const RecordDescription &description)
 
 Json StatusMembers()
 {
-    return {{"status", Integer(UINT32_MAX)}, {"statusName", Text()}, {"exitStatus", Integer(5)}};
+    return {{"status", Integer(UINT32_MAX)},
+            {"statusName", Text()},
+            {"exitStatus", {{"anyOf", {Integer(5), {{"const", static_cast<int>(Exit::Interrupted)}}}}}}};
 }
 
 const std::map<std::string, Json> &MembersOfAnswers()
@@ -139,7 +141,7 @@ const std::map<std::string, Json> &MembersOfAnswers()
         {"rows", ArrayOf({{"type", "object"}})},
         {"count", Integer(UINT64_MAX)},
         {"complete", {{"type", "boolean"}}},
-        {"end", OneOfTexts({"end of table", "stuck", "broken"})},
+        {"end", OneOfTexts({"end of table", "stuck", "broken", "interrupted"})},
         {"file", Text()},
     };
     return members;
@@ -159,7 +161,7 @@ Json Forms()
             Form("one record", {"record"}),
             Form("what a command would send", {"requests"}),
             Form("an operation that failed", {"function", "asked", "likelyCause"}),
-            Form("arguments that cannot be taken", {"error"}),
+            Form("an error in words of its own", {"error"}),
             Form("the rows of a walk", {"rows", "count", "complete", "end", "function"}),
             Form("a list", {"rows", "count", "complete"}),
             Form("the lines of a batch", {"file", "rows", "count", "complete"})};

@@ -24,7 +24,6 @@ using std::chrono::milliseconds, std::chrono::system_clock;
 constexpr milliseconds kDefaultInterval{2000};
 constexpr milliseconds kLeastInterval{100};
 constexpr milliseconds kMostInterval = std::chrono::hours(24);
-constexpr milliseconds kMostDuration = std::chrono::hours(24) * 365;
 
 struct WatchOptions {
     Option interval;
@@ -84,7 +83,9 @@ public:
     {
         Json line = Head(NameOf(event.kind), event.seconds);
         line["key"] = event.key;
-        std::string text = fmt::format("{} {}{}\n", TimeForPeople(event.seconds), NameOf(event.kind), Words(event));
+        const std::string words = Words(event);
+        std::string text = fmt::format("{} {:<{}}{}\n", TimeForPeople(event.seconds), NameOf(event.kind),
+                                       words.empty() ? 0 : 8, words);
         if (event.kind == RowEvent::Kind::Changed) {
             line["changes"] = Json::array();
             for (const FieldChange &change : event.changes) {
@@ -108,13 +109,16 @@ public:
         if (status == std::exchange(lastStatus_, status))
             return true;
         const bool failed = status != RSVP_MOR_OK;
+        const std::string cause = poll.document.is_object()
+                                      ? poll.document.value("likelyCause", Explain(status).cause)
+                                      : "the process that asked ended before it had the answer";
         const double now = SecondsNow();
         Json line = Head(failed ? "failed" : "recovered", now);
         line["status"] = status;
         line["statusName"] = Explain(status).name;
         if (!out_.IsJson())
             out_.Message(failed ? fmt::format("{} failed   {:#010x} {}: {}", TimeForPeople(now), status,
-                                              Explain(status).name, Explain(status).cause)
+                                              Explain(status).name, cause)
                                 : fmt::format("{} recovered", TimeForPeople(now)));
         return out_.Line(line, "");
     }
@@ -241,7 +245,7 @@ void AddWatchCommands(CommandLine &line)
         watch.AddDuration("--interval", kLeastInterval, kMostInterval,
                           fmt::format("Time between polls (default {})", manager::DurationText(kDefaultInterval))),
         watch.AddNumber("--count", UINT32_MAX, "Polls after which it ends; 0 for no end"),
-        watch.AddDuration("--duration", milliseconds(1), kMostDuration,
+        watch.AddDuration("--duration", milliseconds(1), manager::kLongestDuration,
                           "Time after which it ends, with the exit status of the last poll"),
         watch.AddFlag("--initial", "Begin with the rows that are there, as added")};
     AddShowCommands(line, watch);
