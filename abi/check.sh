@@ -1,9 +1,9 @@
 #!/bin/sh
-# Holds the interface of a built library against the baseline that is kept beside this script: exported symbols, the
-# types of arguments, sizes and offsets of records. Programs on routers are not compiled again when the library is
-# replaced, so whatever this refuses would break them. The library must have been built with debug information.
+# Compares the interface of a built library with the baseline that is kept beside this script: exported symbols, the types
+# of arguments, sizes and offsets of records. Programs on routers are not recompiled when the library is replaced, so
+# whatever this refuses would break them. The library must have been built with debug information.
 #
-#     check.sh LIBRARY BASELINE            ends 0 if nothing was removed or changed, 77 if there is no baseline
+#     check.sh LIBRARY BASELINE            exit status 0 if nothing was removed or changed, 77 without a baseline
 #     check.sh --bless LIBRARY BASELINE    makes the library's interface the baseline
 set -eu
 bless=no
@@ -31,22 +31,22 @@ if [ $bless = yes ]; then
   exit 0
 fi
 [ -e "$baseline" ] || {
-  echo "there is no baseline $baseline: this processor's interface is not watched"
+  echo "there is no baseline $baseline: the interface is not checked for this processor"
   exit 77
 }
-# A record in the baseline without its fields would be compared with nothing.
+# Without debug information records have no fields, and nothing would be compared.
 if ! readelf --sections --wide "$library" | grep -q '\.debug_info'; then
   echo "$library has no debug information: build it with -g" >&2
   exit 1
 fi
-# No choice by the folder of the headers here: the baseline names no places, so that all types would count as private
-# and every change of a record would be passed over.
+# Do not restrict this to the types in the public headers: the baseline does not record in which file a type is declared,
+# so all types would count as private and every change of a record would be ignored.
 if ! abidiff --no-added-syms --harmless --no-show-locs "$baseline" "$library"; then
   cat >&2 <<TEXT
 
 The interface of the library has changed. Programs that were built against it before may break. If the change is not
-wanted, take it back. If it is, raise the version in the root CMakeLists.txt (the major version, unless symbols were
-only added), and bless the change for every processor that is watched:
+intended, undo it. If it is, raise the version in the root CMakeLists.txt (the major version, unless symbols were only
+added), and bless the change for every processor that has a baseline:
   $0 --bless "$library" "$baseline"
 TEXT
   exit 1

@@ -1,7 +1,8 @@
-// Builds the canned messages and runs the processes of the benchmark.
+// The canned messages and the processes of the benchmark.
 #include "calls.h"
 
 #include "channel/message.h"
+#include "host/directory.h"
 #include "rsvp_mor.h"
 
 #include <array>
@@ -13,7 +14,6 @@
 #include <spawn.h>
 #include <sys/socket.h>
 #include <sys/time.h>
-#include <sys/un.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -24,20 +24,17 @@ namespace bench {
 
 namespace {
 
-constexpr std::size_t kPathState = 440;
+constexpr size_t kPathState = 440;
 
 sockaddr_un Address()
 {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    std::snprintf(address.sun_path, sizeof(address.sun_path), "%s/lipc-0ae18000", getenv("RSVP_HOST_DIR"));
-    return address;
+    return rsvp_host::SocketAddress(getenv("RSVP_HOST_DIR"));
 }
 
-void Check(std::uint32_t status)
+void Check(uint32_t status)
 {
     if (status != RSVP_MOR_OK)
-        Fail("a call of the library gave " + std::to_string(status));
+        Fail("a call of the library returned " + std::to_string(status));
 }
 
 void PathState(int fd)
@@ -67,14 +64,14 @@ void Command(int)
     Check(RSVP_MOR_SetDscpValue(48));
 }
 
-Bytes Item(std::uint16_t type, const Bytes &value)
+Bytes Item(uint16_t type, const Bytes &value)
 {
     Bytes body;
     AppendItem(body, type, value);
     return body;
 }
 
-// A path state block, and if asked for a route of three elements and a recorded route of three hops.
+// A path state block and, with `lists`, a route of three elements and a recorded route of three hops.
 Bytes PathStateBody(bool lists)
 {
     Bytes body = Item(15, Bytes(kPathState, 1));
@@ -82,15 +79,15 @@ Bytes PathStateBody(bool lists)
         return body;
     for (const auto &[type, entry] : {std::pair{3, 12}, std::pair{7, 36}}) {
         Bytes list{0, 3};
-        list.resize(list.size() + 3 * static_cast<std::size_t>(entry), 1);
-        AppendItem(body, static_cast<std::uint16_t>(type), list);
+        list.resize(list.size() + 3 * static_cast<size_t>(entry), 1);
+        AppendItem(body, static_cast<uint16_t>(type), list);
     }
     return body;
 }
 
 void Answer(int client, const Bytes &body)
 {
-    std::array<std::uint8_t, RSVP_MOR_MSG_MAX> request;
+    std::array<uint8_t, RSVP_MOR_MSG_MAX> request;
     const Bytes read = BuildFrame(kShow, kGetNext, kOk, body);
     const Bytes command = BuildFrame(kGlobal, kSet, kOk, {});
     for (;;) {
@@ -133,7 +130,7 @@ Call CallOf(Kind kind)
 
 void RawHeld(int fd, const Bytes &request)
 {
-    std::array<std::uint8_t, RSVP_MOR_MSG_MAX> reply;
+    std::array<uint8_t, RSVP_MOR_MSG_MAX> reply;
     if (send(fd, request.data(), request.size(), MSG_NOSIGNAL) != static_cast<ssize_t>(request.size()) ||
         recv(fd, reply.data(), reply.size(), MSG_WAITALL) < static_cast<ssize_t>(kHeaderSize))
         Fail("the raw exchange failed");
@@ -154,15 +151,15 @@ void RawOwn(const Bytes &request)
 
 void Floor()
 {
-    rsvp_mor::Request request{}; // the library's own areas, so that both are zeroed in the same way
+    rsvp_mor::Request request{}; // the library's own types, so that they are zeroed in the same way
     rsvp_mor::Reply reply{};
-    static volatile std::uint8_t source = 1;
-    static std::array<std::uint32_t, kPathState / 4> record;
-    for (std::size_t i = 0; i < 12; i++)
+    static volatile uint8_t source = 1;
+    static std::array<uint32_t, kPathState / 4> record;
+    for (size_t i = 0; i < 12; ++i)
         request.area[i] = source;
-    asm volatile("" ::"r"(&request), "r"(&reply) : "memory"); // here the system calls would be
+    asm volatile("" ::"r"(&request), "r"(&reply) : "memory"); // the system calls would be here
     std::memcpy(record.data(), reply.area + 12, kPathState);
-    for (std::size_t i = 0; i < 90; i++)
+    for (size_t i = 0; i < 90; ++i)
         record[i] = __builtin_bswap32(record[i]);
     asm volatile("" ::"r"(record.data()) : "memory");
 }
@@ -171,7 +168,7 @@ HostDirectory::HostDirectory()
 {
     char path[] = "/tmp/rsvp-bench-XXXXXX";
     if (mkdtemp(path) == nullptr)
-        Fail("no folder for the run");
+        Fail("cannot make a folder for the run");
     path_ = path;
     setenv("RSVP_HOST_DIR", path, 1);
 }
@@ -197,7 +194,7 @@ pid_t StartCannedServer(const std::string &directory, const Bytes &body)
         Fail("the server cannot listen");
     const pid_t child = fork();
     if (child < 0)
-        Fail("no process for the server");
+        Fail("cannot start a process for the server");
     if (child != 0) {
         close(listener);
         return child;
@@ -215,7 +212,7 @@ pid_t StartDaemon(const std::string &program, const std::string &rows)
     pid_t child;
     if (posix_spawn(&child, words[0], nullptr, nullptr, const_cast<char **>(words), environ) != 0)
         Fail("cannot start " + program);
-    for (int tries = 0; tries < 1000; tries++) {
+    for (int tries = 0; tries < 1000; ++tries) {
         if (const int fd = RSVP_MOR_LIPCOpen(); fd >= 0) {
             RSVP_MOR_LIPCClose(fd);
             return child;

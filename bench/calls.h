@@ -1,8 +1,9 @@
-// The calls that are measured, each next to the plain system calls that move the same bytes, and a server that
-// answers them from memory, so that a daemon's own work does not hide the difference.
-#pragma once
+// The calls that are measured, each with the plain system calls that move the same bytes, and a server that answers
+// from memory, so that a daemon's own work does not hide the difference.
+#ifndef BENCH_CALLS_H
+#define BENCH_CALLS_H
 
-#include "frame.h"
+#include "host/daemon/wire/frame.h"
 
 #include <string>
 #include <sys/types.h>
@@ -25,11 +26,11 @@ Call CallOf(Kind kind);
 void RawHeld(int fd, const rsvpsimd::Bytes &request);
 void RawOwn(const rsvpsimd::Bytes &request);
 
-// Two areas zeroed, a header and an item built, 440 bytes copied, 90 words of them swapped: what a read of a path
-// state block cannot do without.
+// Zeroes two areas, builds a header and an item, copies 440 bytes and swaps 90 words of them: the least that a read
+// of a path state block needs.
 void Floor();
 
-// A host directory of this process, made for one run and removed with all that is in it.
+// A host directory of this process, made for one run and removed with everything in it.
 class HostDirectory {
 public:
     HostDirectory();
@@ -42,7 +43,7 @@ private:
     std::string path_;
 };
 
-// A process; it is ended and waited for in the destructor.
+// A process; the destructor ends it and waits for it.
 class Child {
 public:
     explicit Child(pid_t pid) : pid_(pid) {}
@@ -54,12 +55,14 @@ private:
     pid_t pid_;
 };
 
-// Answers one client after the other: `body` behind a good header to reads, nothing but the header to commands.
+// Answers one client after another: reads with a good header and `body`, commands with the header alone.
 pid_t StartCannedServer(const std::string &directory, const rsvpsimd::Bytes &body);
 
-// The real daemon with rows made by number ("tunnel=1000"); returns once it answers.
+// Starts the real daemon with generated rows ("tunnel=1000"); returns once it answers.
 pid_t StartDaemon(const std::string &program, const std::string &rows);
 
 [[noreturn]] void Fail(const std::string &what);
 
 } // namespace bench
+
+#endif

@@ -1,5 +1,5 @@
-// One kind of call, so many times and nothing else: what the counting tools run. Told to measure, it prints the heap
-// blocks that the calls took and how deep the stack went.
+// Makes one kind of call a number of times and does nothing else: the counting tools run it. With "measure" it prints
+// how many heap blocks the calls took and how deep the stack went.
 #include "calls.h"
 
 #include "rsvp_mor.h"
@@ -11,7 +11,7 @@
 #include <pthread.h>
 #include <vector>
 
-// The heap as every library of this process sees it, counted.
+// Counts the allocations of every library in this process.
 static std::atomic<long> allocations;
 extern "C" {
 void *__libc_malloc(size_t size);
@@ -33,12 +33,12 @@ struct Run {
 void *Repeat(void *argument)
 {
     const Run &run = *static_cast<Run *>(argument);
-    for (long i = 0; i < run.count; i++)
+    for (long i = 0; i < run.count; ++i)
         run.call.library(run.fd);
     return nullptr;
 }
 
-// On a stack of its own that is painted before and looked at afterwards.
+// Runs the calls on a stack that was painted before, and looks how much paint is left.
 void Measure(Run &run)
 {
     constexpr size_t kRoom = 512 * 1024;
@@ -48,16 +48,16 @@ void Measure(Run &run)
     pthread_attr_init(&attributes);
     pthread_attr_setstack(&attributes, stack.data(), kRoom);
     size_t used[2];
-    for (const long count : {0L, run.count}) { // what a thread takes by itself, and with the calls
+    for (const long count : {0L, run.count}) { // what a thread needs without the calls, and with them
         Run each = run;
         each.count = count;
         pthread_t thread;
         if (pthread_create(&thread, &attributes, Repeat, &each) != 0)
-            bench::Fail("no thread");
+            bench::Fail("cannot start a thread");
         pthread_join(thread, nullptr);
         size_t untouched = 0;
         while (untouched < kRoom && stack[untouched] == kPaint)
-            untouched++;
+            ++untouched;
         used[count != 0] = kRoom - untouched;
     }
     const long before = allocations;
@@ -73,7 +73,7 @@ int main(int count, char **words)
         bench::Fail("usage: one_call floor|KIND COUNT [measure]");
     const long times = std::atol(words[2]);
     if (std::strcmp(words[1], "floor") == 0) {
-        for (long i = 0; i < times; i++)
+        for (long i = 0; i < times; ++i)
             bench::Floor();
         return 0;
     }

@@ -1,6 +1,6 @@
 #!/bin/sh
-# Prints the benchmark's table and writes it as JSON. With a third argument, the folder of a build for the router, the
-# size of its library is held against its bound too, and its functions are listed by size next to the JSON.
+# Prints the benchmark's table and writes it as JSON. With a third argument, the folder of a build for the router, it also
+# checks the size of that library against its bound and lists its functions by size next to the JSON.
 set -eu
 build=$1
 json=$2

@@ -1,8 +1,7 @@
-// The soak: processes and threads that configure and walk while the daemon is started, stopped, killed and misbehaves
-// in every way it knows. Every answer must be right or a clear refusal, and in the end nothing may be left over.
+// The soak: processes and threads configure and walk while the daemon is started, stopped and killed, and misbehaves
+// in every way it can. Every answer must be right or a clear refusal, and at the end nothing may be left over.
 #include "calls.h"
 
-#include "faults.h"
 #include "rsvp_mor.h"
 
 #include <atomic>
@@ -18,7 +17,7 @@
 #include <thread>
 #include <unistd.h>
 
-// The heap as this thread uses it: no call may leave a block behind.
+// The blocks that this thread holds: no call may leave one behind.
 static thread_local long blocks;
 extern "C" {
 void *__libc_malloc(size_t size);
@@ -44,18 +43,18 @@ constexpr int kThreads = 4;
 constexpr uint32_t kRows = 40;
 constexpr auto kRound = std::chrono::milliseconds(700);
 
-// How far an answer can be trusted while a fault strikes.
+// How far an answer can be trusted while a fault is active.
 enum class Trust {
-    ROWS,  // what comes with status 0 is the row that was asked for
-    KNOWN, // it is some row of the table, since the daemon's answers are out of step or its rows stand still
+    Rows,  // with status 0 comes the requested row
+    Known, // it is some row of the table: the daemon's answers are out of step, or its rows do not advance
 };
 
 struct Misbehaviour {
-    const char *fault; // as the daemon's scenario tells it; empty: none
-    Trust trust = Trust::ROWS;
+    const char *fault; // as in the daemon's scenario file; empty for none
+    Trust trust = Trust::Rows;
 };
 
-// The class and items of reads, so that starting and stopping stays possible.
+// The faults strike only reads, so that the daemon can still be started and stopped.
 constexpr Misbehaviour kWays[] = {
     {""},
     {"kind = 'late'\nnumber = 20"},
@@ -67,15 +66,15 @@ constexpr Misbehaviour kWays[] = {
     {"kind = 'cut-item'"},
     {"kind = 'status'\nnumber = 1610678273"},
     {"kind = 'item-type'\nnumber = 77"},
-    {"kind = 'twice'", Trust::KNOWN},
-    {"kind = 'stuck'", Trust::KNOWN},
-    {"kind = 'shifting'", Trust::KNOWN},
+    {"kind = 'twice'", Trust::Known},
+    {"kind = 'stuck'", Trust::Known},
+    {"kind = 'shifting'", Trust::Known},
     {"kind = 'close'"},
     {"kind = 'exit'"},
 };
 
 std::string directory;
-std::map<uint32_t, RSVP_MOR_ReplyTunnel> tunnels; // as a daemon that behaves shows them
+std::map<uint32_t, RSVP_MOR_ReplyTunnel> tunnels; // as a well-behaved daemon shows them
 std::map<uint32_t, RSVP_MOR_ReplyPsb> pathStates;
 std::atomic<long> answers;
 std::atomic<long> refusals;
@@ -89,30 +88,30 @@ void Expect(bool good, const char *what)
     ++faults;
 }
 
-// A status is one that the headers promise or one that the daemon sends.
+// Checks that a status is one that the headers promise or the daemon sends. True if it is 0.
 bool Answered(uint32_t status)
 {
     ++(status == RSVP_MOR_OK ? answers : refusals);
     const bool clear = status == RSVP_MOR_OK || status == RSVP_MOR_ERR_FAIL || status == RSVP_MOR_ERR_LIPC ||
                        status == RSVP_MOR_ERR_NOT_EXIST || status == RSVP_MOR_ERR_NOT_ENABLED ||
                        status >> 4 == 0x6001000;
-    Expect(clear, "a status that nobody promised");
+    Expect(clear, "an unknown status");
     return status == RSVP_MOR_OK;
 }
 
 bool SameBlock(const RSVP_MOR_ReplyPsb &left, const RSVP_MOR_ReplyPsb &right)
 {
-    return memcmp(&left.session, &right.session, sizeof left.session) == 0 &&
-           memcmp(&left.tspec, &right.tspec, sizeof left.tspec) == 0 &&
-           memcmp(&left.adspec, &right.adspec, sizeof left.adspec) == 0 &&
-           memcmp(left.wordsD, right.wordsD, sizeof left.wordsD) == 0 && left.hopList.count == right.hopList.count &&
+    return memcmp(&left.session, &right.session, sizeof(left.session)) == 0 &&
+           memcmp(&left.tspec, &right.tspec, sizeof(left.tspec)) == 0 &&
+           memcmp(&left.adspec, &right.adspec, sizeof(left.adspec)) == 0 &&
+           memcmp(left.wordsD, right.wordsD, sizeof(left.wordsD)) == 0 && left.hopList.count == right.hopList.count &&
            left.routeList6.count == right.routeList6.count;
 }
 
 template <typename Rows> bool IsRight(const Rows &rows, uint32_t before, uint32_t key, Trust trust)
 {
     const auto next = rows.upper_bound(before);
-    return trust == Trust::KNOWN ? rows.contains(key) : next != rows.end() && next->first == key;
+    return trust == Trust::Known ? rows.contains(key) : next != rows.end() && next->first == key;
 }
 
 void WalkPathState(Trust trust)
@@ -127,7 +126,7 @@ void WalkPathState(Trust trust)
         const uint32_t key = record.session.tunnelEndpoint;
         Expect(IsRight(pathStates, before, key, trust) && SameBlock(record, pathStates.at(key)), "a wrong block");
         RSVP_MOR_FreeReplyPsb(&record);
-        if (key <= before) // the walk is broken: its rows stand still
+        if (key <= before) // the walk is broken: its rows do not advance
             break;
         before = key;
         more = Answered(RSVP_MOR_GetNextPsbInfo(fd, &record.session, &record.sender, &record));
@@ -144,7 +143,7 @@ void WalkTunnels(Trust trust)
     bool more = Answered(RSVP_GetFirstTunnel(&row));
     for (uint32_t rows = 0; more && rows < kRows; ++rows) {
         const uint32_t index = row.tunnelWord0;
-        Expect(IsRight(tunnels, before, index, trust) && memcmp(&row, &tunnels.at(index), sizeof row) == 0,
+        Expect(IsRight(tunnels, before, index, trust) && memcmp(&row, &tunnels.at(index), sizeof(row)) == 0,
                "a wrong row");
         if (index <= before)
             break;
@@ -183,7 +182,7 @@ long OpenDescriptors()
     return std::distance(begin(open), end(open));
 }
 
-// A management program: some threads that work until the end of the round. Tells how it went by its exit status.
+// A management program: some threads that work until the end of the round. Its exit status says how it went.
 [[noreturn]] void Manage(uint32_t number, Trust trust, Clock::time_point end, int report)
 {
     answers = refusals = 0; // not those of the parent
@@ -195,7 +194,7 @@ long OpenDescriptors()
         thread.join();
     Expect(OpenDescriptors() == openBefore, "a descriptor was left open");
     const long counts[] = {answers, refusals};
-    Expect(write(report, counts, sizeof counts) == sizeof counts, "the report was lost");
+    Expect(write(report, counts, sizeof(counts)) == sizeof(counts), "the report was lost");
     _exit(faults == 0 ? 0 : 1);
 }
 
@@ -239,7 +238,7 @@ void LearnRows()
     Expect(tunnels.size() == kRows && pathStates.size() == kRows, "the daemon does not show its rows");
 }
 
-// One way to misbehave, while the programs work: the daemon is killed once and stopped and started once.
+// One way to misbehave while the programs work; meanwhile the daemon is killed once, and stopped and started once.
 void Round(const Misbehaviour &way, int from, int to)
 {
     WriteScenario(way.fault);
@@ -249,7 +248,7 @@ void Round(const Misbehaviour &way, int from, int to)
     for (uint32_t i = 0; i < kProcesses; ++i) {
         children[i] = fork();
         if (children[i] < 0)
-            bench::Fail("no process");
+            bench::Fail("cannot start a process");
         if (children[i] == 0)
             Manage(i, way.trust, end, to);
     }
@@ -265,7 +264,7 @@ void Round(const Misbehaviour &way, int from, int to)
         waitpid(child, &status, 0);
         Expect(status == 0, "a management program found a fault");
         long counts[2] = {};
-        Expect(read(from, counts, sizeof counts) == sizeof counts, "a report is missing");
+        Expect(read(from, counts, sizeof(counts)) == sizeof(counts), "a report is missing");
         answers += counts[0];
         refusals += counts[1];
     }
@@ -282,7 +281,7 @@ int main(int count, char **words)
     directory = host.Path();
     int ends[2];
     if (pipe(ends) != 0)
-        bench::Fail("no pipe");
+        bench::Fail("cannot make a pipe");
 
     WriteScenario("");
     Expect(RSVP_MOR_SetMplsRsvp(0) == RSVP_MOR_OK, "the service does not start");
@@ -295,13 +294,13 @@ int main(int count, char **words)
             const long faultsBefore = faults;
             Round(way, ends[0], ends[1]);
             if (faults != faultsBefore)
-                std::fprintf(stderr, "soak: that was with the fault \"%s\"\n", way.fault);
+                std::fprintf(stderr, "soak: this happened with the fault \"%s\"\n", way.fault);
         }
-        rounds++;
+        ++rounds;
     } while (Clock::now() < end);
-    WriteScenario(""); // a daemon that crashed left its socket: the next one takes it away
+    WriteScenario(""); // a daemon that crashed left its socket: the next one removes it
     Expect(RSVP_MOR_SetMplsRsvp(0) == RSVP_MOR_OK && RSVP_MOR_SetMplsRsvp(1) == RSVP_MOR_OK,
-           "the service is spoiled");
+           "the service no longer starts and stops");
 
     Expect(OpenDescriptors() == openBefore, "a descriptor was left open");
     Expect(waitpid(-1, nullptr, WNOHANG) == -1, "a process is left over");

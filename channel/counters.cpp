@@ -19,9 +19,12 @@ uint32_t ReadCount(ReadItem counter, uint32_t *count)
     if (status != RSVP_MOR_OK)
         return status;
     Item item;
-    if (!FirstItem(Body(reply), BodyLength(reply), item) || item.length < sizeof *count)
+    if (FirstItem(Body(reply), BodyLength(reply), item) != ITEM_READ)
         return RSVP_MOR_ERR_FAIL;
-    LoadNet(item.value, *count);
+    const auto *value = AtLeast<4>(item);
+    if (value == nullptr)
+        return RSVP_MOR_ERR_FAIL;
+    LoadNet<0>(*value, *count);
     return RSVP_MOR_OK;
 }
 
@@ -53,13 +56,9 @@ uint32_t RSVP_GetUpLspNumber(uint32_t *count)
     Request request{};
     Reply reply{};
     PutEmpty(request, READ_UP_LSP_COUNT);
-    const uint32_t status = QueryOwn(request, OP_GET, reply);
-    if (status != RSVP_MOR_OK)
-        return status;
-    Item item;
-    if (!FirstItem(Body(reply), BodyLength(reply), item))
-        return RSVP_MOR_ERR_FAIL;
-    CopyRaw(item, *count); // unlike the counts above, a short value is taken: it goes over the front of the word
-    ConvertNet(*count);
-    return RSVP_MOR_OK;
+    // Unlike the counts above, a short value is taken: it goes over the front of the word.
+    const uint32_t status = QueryRowRaw(request, OP_GET, reply, count);
+    if (status == RSVP_MOR_OK)
+        ConvertNet(*count);
+    return status;
 }

@@ -12,7 +12,7 @@ using namespace rsvp_mor;
 
 namespace {
 
-// What the LIPC family is told by, on the router.
+// The numbers by which the router's kernel knows LIPC.
 constexpr int LIPC_FAMILY = 37;
 constexpr int LIPC_TYPE_DATAGRAM = 2;
 constexpr int LIPC_PROTOCOL = 1;
@@ -28,16 +28,16 @@ constexpr uint8_t DAEMON_ADDRESS[16] = {0x10, 0x25, 0x0a, 0xe1, 0x80, 0x00};
 
 bool SetTimeouts(int fd)
 {
-    return setsockopt(fd, LIPC_LEVEL_SOCKET, LIPC_SEND_TIMEOUT, TEN_SECONDS, sizeof TEN_SECONDS) == 0 &&
-           setsockopt(fd, LIPC_LEVEL_SOCKET, LIPC_RECEIVE_TIMEOUT, TEN_SECONDS, sizeof TEN_SECONDS) == 0;
+    return setsockopt(fd, LIPC_LEVEL_SOCKET, LIPC_SEND_TIMEOUT, TEN_SECONDS, sizeof(TEN_SECONDS)) == 0 &&
+           setsockopt(fd, LIPC_LEVEL_SOCKET, LIPC_RECEIVE_TIMEOUT, TEN_SECONDS, sizeof(TEN_SECONDS)) == 0;
 }
 
 bool Connect(int fd)
 {
-    // The family's address has no C type; sockaddr wants an object of its own alignment.
-    alignas(sockaddr) uint8_t address[sizeof DAEMON_ADDRESS];
-    memcpy(address, DAEMON_ADDRESS, sizeof address);
-    while (connect(fd, reinterpret_cast<const sockaddr *>(address), sizeof address) != 0) {
+    // The family's address has no C type, and sockaddr may ask for more alignment than bytes have.
+    alignas(sockaddr) uint8_t address[sizeof(DAEMON_ADDRESS)];
+    memcpy(address, DAEMON_ADDRESS, sizeof(address));
+    while (connect(fd, reinterpret_cast<const sockaddr *>(address), sizeof(address)) != 0) {
         if (errno == EISCONN)
             return true;
         if (errno != EINTR)
@@ -81,10 +81,14 @@ uint32_t RSVP_MOR_Exchange(int32_t fd, const void *request, uint32_t length, voi
     if (received < static_cast<ssize_t>(HEADER_SIZE))
         return RSVP_MOR_ERR_FAIL;
 
-    const uint8_t *header = static_cast<const uint8_t *>(reply);
-    if (received != static_cast<ssize_t>(HEADER_SIZE) + LoadNet16(header + HEADER_BODY_LENGTH))
+    const Bytes<HEADER_SIZE> &header = *static_cast<const Bytes<HEADER_SIZE> *>(reply);
+    uint16_t bodyLength;
+    LoadNet<HEADER_BODY_LENGTH>(header, bodyLength);
+    if (received != static_cast<ssize_t>(HEADER_SIZE) + bodyLength)
         return RSVP_MOR_ERR_FAIL;
-    return LoadNet32(header + HEADER_STATUS);
+    uint32_t status;
+    LoadNet<HEADER_STATUS>(header, status);
+    return status;
 }
 
 uint32_t RSVP_MOR_SendCommand(const void *request, uint32_t length)

@@ -1,5 +1,5 @@
-// Builds requests and sends them: the header, the items, and the two kinds of session. The layout of an item is the
-// platform's; numbers are in network order before they are handed to it.
+// Builds requests and sends them: the header, the items, and the two kinds of session. The platform decides how an
+// item is laid out; numbers are in network order before they are handed to it.
 #include "channel/message.h"
 
 #include "channel/exchange.h"
@@ -23,29 +23,29 @@ void PutEmpty(Request &request, uint16_t type)
 void PutNetByte(Request &request, uint16_t type, uint8_t number)
 {
     const uint8_t value[4] = {number};
-    PutRaw(request, type, value, sizeof value);
+    PutRaw(request, type, value);
 }
 
 void PutNetShort(Request &request, uint16_t type, uint16_t number)
 {
     uint8_t value[4] = {};
-    StoreNet16(value, number);
-    PutRaw(request, type, value, sizeof value);
+    StoreNet<0>(value, number);
+    PutRaw(request, type, value);
 }
 
 void PutNetWord(Request &request, uint16_t type, uint32_t number)
 {
     uint8_t value[4];
-    StoreNet32(value, number);
-    PutRaw(request, type, value, sizeof value);
+    StoreNet<0>(value, number);
+    PutRaw(request, type, value);
 }
 
 uint32_t FinishFrame(Request &request, MsgClass msgClass, uint32_t msgOp)
 {
     request.area[HEADER_CLASS] = msgClass;
     request.area[HEADER_OP] = static_cast<uint8_t>(msgOp);
-    StoreNet16(request.area + HEADER_BODY_LENGTH, request.bodyLength);
-    StoreNet32(request.area + HEADER_STATUS, 0);
+    StoreNet<HEADER_BODY_LENGTH>(request.area, request.bodyLength);
+    StoreNet<HEADER_STATUS>(request.area, RSVP_MOR_OK);
     return HEADER_SIZE + request.bodyLength;
 }
 
@@ -66,6 +66,14 @@ uint32_t QueryOwn(Request &request, uint32_t msgOp, Reply &reply)
         return RSVP_MOR_ERR_LIPC;
     const uint32_t status = QueryHeld(fd, request, msgOp, reply);
     RSVP_MOR_LIPCClose(fd);
+    return status;
+}
+
+uint32_t QueryRowRaw(Request &request, uint32_t msgOp, Reply &reply, void *record, size_t recordSize)
+{
+    const uint32_t status = QueryOwn(request, msgOp, reply);
+    if (status == RSVP_MOR_OK && CopyFirstRaw(Body(reply), BodyLength(reply), record, recordSize) != ITEM_READ)
+        return RSVP_MOR_ERR_FAIL;
     return status;
 }
 

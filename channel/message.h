@@ -1,6 +1,7 @@
 // The frame of a message: build a request item by item, send it, and read the items of the reply. These few steps
 // are all that an operation is made of; each operation spells them out in its own order.
-#pragma once
+#ifndef CHANNEL_MESSAGE_H
+#define CHANNEL_MESSAGE_H
 
 #include "channel/protocol.h"
 #include "channel/wire.h"
@@ -8,14 +9,14 @@
 
 namespace rsvp_mor {
 
-// A request that grows item by item behind the room for its header. `Request request{};` gives a zeroed area and
-// `Request request;` leaves the bytes as they are: both kinds of operation exist.
+// A request that grows item by item after the space for its header. `Request request{};` zeroes the area and
+// `Request request;` does not: there are operations of both kinds.
 struct Request {
     uint16_t bodyLength = 0;
     uint8_t area[RSVP_MOR_MSG_MAX];
 };
 
-// A reply as it came; zeroed or not by the same rule.
+// A reply as it came; zeroed or not in the same way.
 struct Reply {
     uint8_t area[RSVP_MOR_MSG_MAX];
 };
@@ -23,14 +24,20 @@ struct Reply {
 // ---- Build ----
 
 void PutRaw(Request &request, uint16_t type, const void *value, uint16_t length);
+
+template <size_t Size> void PutRaw(Request &request, uint16_t type, const Bytes<Size> &value)
+{
+    PutRaw(request, type, value, Size);
+}
+
 void PutEmpty(Request &request, uint16_t type);
 
-// Numbers in a 4-byte item. A byte and a short stand in front, and the rest of the item is 0.
+// A number as an item of 4 bytes. A byte or a short comes first, and zeros fill the rest.
 void PutNetByte(Request &request, uint16_t type, uint8_t number);
 void PutNetShort(Request &request, uint16_t type, uint16_t number);
 void PutNetWord(Request &request, uint16_t type, uint32_t number);
 
-// Writes the header; only the low byte of `msgOp` has a place in it. Returns the length of the whole message.
+// Writes the header, which holds only the low byte of `msgOp`. Returns the length of the whole message.
 uint32_t FinishFrame(Request &request, MsgClass msgClass, uint32_t msgOp);
 
 // ---- Send ----
@@ -38,7 +45,7 @@ uint32_t FinishFrame(Request &request, MsgClass msgClass, uint32_t msgOp);
 // A command, on a session of its own.
 uint32_t SendCommand(Request &request, MsgClass msgClass, uint32_t msgOp);
 
-// A read on the caller's session, and one on a session that is opened and closed here.
+// A read on the caller's session, and one on a session of its own.
 uint32_t QueryHeld(int32_t fd, Request &request, uint32_t msgOp, Reply &reply);
 uint32_t QueryOwn(Request &request, uint32_t msgOp, Reply &reply);
 
@@ -51,7 +58,9 @@ inline const uint8_t *Body(const Reply &reply)
 
 inline uint16_t BodyLength(const Reply &reply)
 {
-    return LoadNet16(reply.area + HEADER_BODY_LENGTH);
+    uint16_t length;
+    LoadNet<HEADER_BODY_LENGTH>(reply.area, length);
+    return length;
 }
 
 struct Item {
@@ -60,21 +69,28 @@ struct Item {
     const uint8_t *value;
 };
 
-// What is left of a body.
+// The part of a body that has not been read yet.
 struct Items {
     const uint8_t *next;
     uint16_t left;
 };
 
-// Over is not broken: a walk ends at ITEM_END, and ITEM_MALFORMED is a body that goes on but cannot be read.
+// The end is not a fault: ITEM_END says that the body is used up, ITEM_MALFORMED that what follows is not an item.
+// Code that treats one like the other says so.
 enum ItemResult { ITEM_READ, ITEM_END, ITEM_MALFORMED };
 
-// Reads the next item and moves behind it. An item that ITEM_READ gives lies inside the body, whatever the platform's
-// item library reported. `item` is only written with ITEM_READ.
-ItemResult NextItem(Items &items, Item &item);
+// Reads the item at the front and steps over it. With ITEM_READ the item lies inside the body, whatever the
+// platform's item library reported; otherwise nothing is written. Never ITEM_END.
+[[nodiscard]] ItemResult TakeItem(Items &items, Item &item);
 
-// The condition of a walk over all items of a body: whether there is one more and nothing has failed so far. A body
-// that cannot be read on makes `status` RSVP_MOR_ERR_FAIL.
+// The same, where the body may be used up.
+[[nodiscard]] inline ItemResult NextItem(Items &items, Item &item)
+{
+    return items.left == 0 ? ITEM_END : TakeItem(items, item);
+}
+
+// The condition of a loop over all items of a body: true if nothing has failed so far and there is one more. A body
+// that cannot be read to its end sets `status` to RSVP_MOR_ERR_FAIL.
 inline bool MoreItems(Items &items, Item &item, uint32_t &status)
 {
     if (status != RSVP_MOR_OK)
@@ -85,15 +101,60 @@ inline bool MoreItems(Items &items, Item &item, uint32_t &status)
     return result == ITEM_READ;
 }
 
-// The first item of a body, for replies that have one. Without a readable item the result is false and `item` is an
-// item of no value.
-bool FirstItem(const uint8_t *body, uint16_t length, Item &item);
+// Reads the first item of a body, for replies that have only one.
+[[nodiscard]] ItemResult FirstItem(const uint8_t *body, uint16_t bodyLength, Item &item);
 
-// Copies the value over the front of the record, never beyond the record's end.
-template <typename Record> void CopyRaw(const Item &item, Record &record)
+// Copies the value of a body's first item over the front of the record, never beyond the record's end. Without an
+// item the record stays as it is.
+[[nodiscard]] ItemResult CopyFirstRaw(const uint8_t *body, uint16_t bodyLength, void *record, size_t recordSize);
+
+template <typename Record>
+[[nodiscard]] ItemResult CopyFirstRaw(const uint8_t *body, uint16_t bodyLength, Record *record)
 {
-    if (item.length != 0)
-        memcpy(&record, item.value, item.length < sizeof record ? item.length : sizeof record);
+    return CopyFirstRaw(body, bodyLength, record, sizeof(*record));
 }
 
+// A read of one row, on a session of its own. The row's numbers are still in network order. A reply without an item
+// is refused.
+uint32_t QueryRowRaw(Request &request, uint32_t msgOp, Reply &reply, void *record, size_t recordSize);
+
+template <typename Record> uint32_t QueryRowRaw(Request &request, uint32_t msgOp, Reply &reply, Record *record)
+{
+    return QueryRowRaw(request, msgOp, reply, record, sizeof(*record));
+}
+
+// A value as an array of known size: null if it has another length, or if it is shorter.
+template <size_t Size> const Bytes<Size> *Exactly(const uint8_t *value, uint32_t length)
+{
+    return length == Size ? reinterpret_cast<const Bytes<Size> *>(value) : nullptr;
+}
+
+template <size_t Size> const Bytes<Size> *AtLeast(const uint8_t *value, uint32_t length)
+{
+    return length >= Size ? reinterpret_cast<const Bytes<Size> *>(value) : nullptr;
+}
+
+template <size_t Size> const Bytes<Size> *Exactly(const Item &item)
+{
+    return Exactly<Size>(item.value, item.length);
+}
+
+template <size_t Size> const Bytes<Size> *AtLeast(const Item &item)
+{
+    return AtLeast<Size>(item.value, item.length);
+}
+
+// The equal entries of a value that begins with their number.
+struct Entries {
+    const uint8_t *first;
+    uint32_t size; // of all of them
+    uint16_t count;
+};
+
+// `countSize` bytes hold the number, of which the last two are read. False if the value does not have exactly the
+// length that this number demands.
+bool FindEntries(const uint8_t *value, uint32_t length, uint32_t countSize, uint32_t entrySize, Entries &entries);
+
 } // namespace rsvp_mor
+
+#endif

@@ -1,4 +1,4 @@
-// Reads the first plug-in option of the configuration file, by the platform's option reader.
+// Reads the first plug-in option of the configuration file with the platform's option reader.
 #include "rsvp_mor/channel.h"
 
 #include "platform/options.h"

@@ -1,5 +1,5 @@
-// Asks the platform's service manager on which nodes the daemon runs. A fault of the platform counts as "does not run
-// there": commands then answer for the daemon instead of waiting for one that may not exist.
+// Asks the platform's service manager on which nodes the daemon runs. A node that cannot be asked counts as one where
+// it does not run: a command then answers by itself and does not wait for a daemon that may not exist.
 #include "channel/presence.h"
 
 #include "platform/device.h"
@@ -42,11 +42,11 @@ uint32_t RSVP_IsGlobalEnabled(void)
 
 uint32_t rsvp_mor_FilterStandbyNodes(uint32_t mode, uint32_t count, uint16_t *nodes)
 {
-    constexpr int32_t selector = -1; // the platform's number for this question
-    uint32_t status = 4;             // no answer of the service manager
+    constexpr int32_t SELECTOR = -1; // the platform's number for this question
+    uint32_t status = 4;             // neither running nor stopped
     uint32_t kept = 0;
     for (uint32_t i = 0; i < count; ++i) {
-        if (SERVICE_GetStatus(nodes[i], RSVP_MOR_SERVICE, selector, &status) != 0)
+        if (SERVICE_GetStatus(nodes[i], RSVP_MOR_SERVICE, SELECTOR, &status) != 0)
             continue;
         if (mode == KEEP_TO_START ? IsRunning(status) : IsStopped(status))
             continue;

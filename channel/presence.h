@@ -1,5 +1,6 @@
 // Whether the service "RSVP" runs, and on which nodes; and what a command answers when it does not.
-#pragma once
+#ifndef CHANNEL_PRESENCE_H
+#define CHANNEL_PRESENCE_H
 
 #include "rsvp_mor/channel.h"
 
@@ -11,8 +12,8 @@ extern "C" {
 // 1 if the service runs on the master or on a standby node, else 0.
 uint32_t RSVP_MOR_IsServiceRunning(void);
 
-// Reduces `nodes` in place to those that need a start (`mode` 1) or a stop (any other), in their order. Returns how
-// many are kept. A node that cannot be asked is dropped.
+// Reduces `nodes` in place to those that need a start (`mode` 1) or a stop (any other `mode`); their order stays.
+// Returns how many are left. A node that cannot be asked is dropped.
 uint32_t rsvp_mor_FilterStandbyNodes(uint32_t mode, uint32_t count, uint16_t *nodes);
 }
 
@@ -21,7 +22,7 @@ namespace rsvp_mor {
 // Values of rsvp_mor_FilterStandbyNodes' `mode`.
 enum FilterMode : uint32_t { KEEP_TO_STOP = 0, KEEP_TO_START = 1 };
 
-// The service manager's answers, as the library reads them. Another value is neither.
+// How the library reads the service manager's answers. Any other value is neither.
 inline bool IsRunning(uint32_t serviceStatus)
 {
     return serviceStatus == 1 || serviceStatus == 2;
@@ -39,3 +40,5 @@ inline uint32_t NotRunning(uint32_t op)
 }
 
 } // namespace rsvp_mor
+
+#endif

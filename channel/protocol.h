@@ -1,6 +1,7 @@
-// Numbers of the management protocol: the message header, and what class, operation and item type stand for. An
-// item type means something only together with the class and operation of its message, so there are three groups.
-#pragma once
+// Numbers of the management protocol: the message header, classes, operations and item types. An item type means
+// something only together with the class and operation of its message, so there are several groups of them.
+#ifndef CHANNEL_PROTOCOL_H
+#define CHANNEL_PROTOCOL_H
 
 #include <cstdint>
 
@@ -14,6 +15,9 @@ enum HeaderOffset : uint32_t {
     HEADER_STATUS = 4,      // 32 bits, network order; 0 in a request
     HEADER_SIZE = 8,
 };
+
+// The bytes that an item takes beside its value. What they hold is the platform's matter.
+constexpr uint16_t ITEM_OVERHEAD = 4;
 
 enum MsgClass : uint8_t {
     CLASS_GLOBAL = 0,
@@ -92,7 +96,7 @@ enum ReadItem : uint16_t {
     READ_IF_CONFIG = 112,
 };
 
-// Items of a reply that a decoder tells apart. The item of a one-item reply has no number here: nobody looks at it.
+// Items of a reply that a decoder tells apart. The item of a one-item reply is not listed: its type is never checked.
 enum ReplyItem : uint16_t {
     REPLY_CRLSP = 1,
     REPLY_ROUTE_LIST_3 = 3,
@@ -118,3 +122,5 @@ enum ReplyItem : uint16_t {
 };
 
 } // namespace rsvp_mor
+
+#endif

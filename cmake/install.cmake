@@ -63,7 +63,7 @@ if(RSVP_MOR_PLATFORM STREQUAL "host")
   set_target_properties(rsvpctl rsvpsimd PROPERTIES INSTALL_RPATH "$ORIGIN/${RSVP_MOR_BIN_TO_LIB}")
   # Both lie in the same folder: the stand-in looks for the daemon on the PATH.
   install(TARGETS rsvpctl rsvpsimd DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
-  install(DIRECTORY host/daemon/scenarios DESTINATION ${RSVP_MOR_SHARE_DIR} COMPONENT tools)
+  install(DIRECTORY host/scenarios DESTINATION ${RSVP_MOR_SHARE_DIR} COMPONENT tools)
   # The tool knows its own words best.
   set(RSVP_MOR_COMPLETION_DIR ${CMAKE_BINARY_DIR}/completion)
   file(MAKE_DIRECTORY ${RSVP_MOR_COMPLETION_DIR})

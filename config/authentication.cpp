@@ -1,11 +1,24 @@
 // Message authentication: key, challenge, life time and window size, each for the whole daemon, one interface or one
-// peer; and the reset of one entry. A key is 68 bytes whatever they hold, so that no string function touches it.
+// peer; and the reset of one entry. A key is 68 bytes, whatever they hold: it is not a string and is never cut at a
+// 0.
 #include "rsvp_mor/config.h"
 
 #include "channel/message.h"
 #include "channel/presence.h"
 
 using namespace rsvp_mor;
+
+namespace {
+
+void EncodeEntryKey(Bytes<12> &value, const RSVP_MOR_AuthEntryKey &key)
+{
+    StoreNet<0>(value, key.authId1);
+    StoreNet<4>(value, key.authId2);
+    StoreNet<8>(value, key.authId3);
+    StoreNet<10>(value, key.authId4);
+}
+
+} // namespace
 
 // ---- The whole daemon ----
 
@@ -37,7 +50,7 @@ uint32_t RSVP_MOR_SetAuthWindowSize(uint8_t windowSize)
     return SendCommand(request, CLASS_GLOBAL, OP_SET);
 }
 
-// ---- One interface: gated; life time and window size take `op` for the gate alone ----
+// ---- One interface: gated. Life time and window size use `op` for the gate alone ----
 
 uint32_t RSVP_MOR_SetIntfAuthKey(uint32_t op, uint32_t ifIndex, const uint8_t *authKey)
 {
@@ -118,15 +131,12 @@ uint32_t RSVP_MOR_SetPeerAuthWindowSize(uint32_t peer, uint8_t windowSize)
 uint32_t RSVP_MOR_ResetAuth(const RSVP_MOR_AuthEntryKey *key)
 {
     if (!RSVP_MOR_IsServiceRunning())
-        return RSVP_MOR_ERR_NOT_ENABLED; // no undo here: a reset of nothing is a failure
+        return RSVP_MOR_ERR_NOT_ENABLED; // a reset is not an undo: with nothing to reset it fails
     if (key == nullptr)
         return RSVP_MOR_ERR_FAIL;
-    uint8_t value[12];
-    StoreNet32(value + 0, key->authId1);
-    StoreNet32(value + 4, key->authId2);
-    StoreNet16(value + 8, key->authId3);
-    StoreNet16(value + 10, key->authId4);
+    Bytes<12> value;
+    EncodeEntryKey(value, *key);
     Request request{};
-    PutRaw(request, RESET_AUTH, value, sizeof value);
+    PutRaw(request, RESET_AUTH, value);
     return SendCommand(request, CLASS_RESET, OP_SET);
 }

@@ -1,4 +1,4 @@
-// Switching RSVP on and off: for the device by way of the service manager, for an interface and a peer by a command.
+// Switches RSVP on and off: on the device through the service manager, on an interface or a peer by a command.
 // The master starts before any standby node and stops after all of them.
 #include "config/enable.h"
 
@@ -15,11 +15,11 @@ using namespace rsvp_mor;
 
 namespace {
 
-// What the platform wants behind the service's name.
+// The two numbers that the platform takes after the service's name.
 constexpr uint32_t START_ARGUMENTS[2] = {0, 0};
 constexpr uint32_t STOP_ARGUMENTS[2] = {0, 3};
 
-// `unchanged` is what the result stays if no standby node needs a start.
+// Returns `unchanged` if no standby node needs a start.
 uint32_t StartStandbyNodes(uint32_t unchanged)
 {
     uint32_t count = 0;
@@ -51,7 +51,7 @@ uint32_t Enable()
     const uint32_t master = DEV_GetSystemMaster();
     uint32_t status = 0;
     uint32_t result = SERVICE_GetStatus(master, RSVP_MOR_SERVICE, 0, &status);
-    if (result != 0 && result != RSVP_MOR_ERR_NOT_EXIST) // a service that never ran is there to be started
+    if (result != 0 && result != RSVP_MOR_ERR_NOT_EXIST) // a service that has never run can be started
         return RSVP_MOR_ERR_FAIL;
     if (IsStopped(status)) {
         if (SERVICE_Start(master, RSVP_MOR_SERVICE, START_ARGUMENTS[0], START_ARGUMENTS[1]) != 0)
@@ -76,7 +76,7 @@ uint32_t Disable()
     return RSVP_MOR_OK; // the daemon has agreed: a node that does not stop is the service manager's matter
 }
 
-// A capability is a yes or no, a command's `op` a set or undo.
+// A capability says yes or no, the `op` of a command set or undo.
 uint32_t OpOf(uint32_t capability)
 {
     return capability == 0 ? OP_UNDO : OP_SET;
@@ -91,10 +91,10 @@ uint32_t rsvp_mor_RequestDisable(void)
     if (SendCommand(request, CLASS_GLOBAL, OP_UNDO) == RSVP_MOR_OK)
         return RSVP_MOR_OK;
 
-    const uint32_t record[8] = {1, 0, 1, 0, 0, 0, 0, 0}; // the platform's, passed as it stands
+    const uint32_t record[8] = {1, 0, 1, 0, 0, 0, 0, 0}; // what its numbers mean is the platform's matter
     int32_t handle = -1;
     if (DBM_Open("eRSVP", RSVP_MOR_SERVICE, 1, record, &handle) != 0)
-        return RSVP_MOR_OK; // no database, no daemon that could mind
+        return RSVP_MOR_OK; // without its database there is no daemon that could object
     DBM_Close(handle);
     return RSVP_MOR_ERR_FAIL;
 }

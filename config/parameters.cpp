@@ -1,11 +1,22 @@
-// Timers and switches of the daemon, for all of it or for one interface. No value is checked or kept. Mind the
-// encodings: a byte, a short or a pair of shorts in a 4-byte item is not a 32-bit number.
+// Timers and switches of the daemon, for the whole of it or for one interface. No value is checked or remembered.
+// Mind the encodings: a byte, a short or a pair of shorts in a 4-byte item is not a 32-bit number.
 #include "rsvp_mor/config.h"
 
 #include "channel/message.h"
 #include "channel/presence.h"
 
 using namespace rsvp_mor;
+
+namespace {
+
+// Converts the pair in the caller's memory and leaves it so: callers rely on it.
+void PutNetPair(Request &request, uint16_t type, uint16_t *pair)
+{
+    ConvertNet(pair[0], pair[1]);
+    PutRaw(request, type, pair, 2 * sizeof(*pair));
+}
+
+} // namespace
 
 uint32_t RSVP_MOR_SetRefreshInterval(uint16_t interval)
 {
@@ -75,12 +86,11 @@ uint32_t RSVP_MOR_SetReduction(uint32_t op, uint32_t ifIndex, uint16_t *pair)
         return NotRunning(op);
     Request request{};
     PutNetWord(request, COMMAND_IF_INDEX, ifIndex);
-    ConvertNet(pair[0], pair[1]); // in the caller's memory, and left so: callers know it
-    PutRaw(request, COMMAND_REDUCTION, pair, 2 * sizeof *pair);
+    PutNetPair(request, COMMAND_REDUCTION, pair);
     return SendCommand(request, CLASS_INTERFACE, op);
 }
 
-// The two retransmission timers and their like take `op` for the gate alone: the message is the same for both.
+// The two retransmission timers use `op` for the gate alone: set and undo send the same message.
 
 uint32_t RSVP_MOR_SetRetransInterval(uint32_t op, uint32_t ifIndex, uint16_t interval)
 {

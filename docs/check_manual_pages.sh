@@ -1,6 +1,6 @@
 #!/bin/sh
-# The manual pages must be right for both readers of them, and must not fall behind the programs: every option and every
-# verb that a program's help names stands in its page.
+# The manual pages must be right for both readers of them, and must not fall behind the programs: every command, option
+# and other name that a program has is in its page, and every kind of fault is in the daemon's page and in host.md.
 #
 #     check_manual_pages.sh RSVPCTL RSVPSIMD
 set -eu
@@ -22,21 +22,63 @@ for page in *.[138]; do
   [ -z "$problems" ] || complain "$page: $problems"
 done
 
-# Words of the help on standard input that the page does not have.
+# The page without the marks of bold and underlined letters; lines are long enough that no word is broken.
+plain() {
+  mandoc -T ascii -O width=1000 "$1" | sed 's/.\x08//g' >"$text"
+}
+
+# Words on standard input that the page does not have.
 missing() {
-  mandoc -T ascii "$1" | sed 's/.\x08//g' >"$text"
+  tr -s ' ,.:;()' '\n' <"$text" >"$text.words"
   while read -r word; do
-    grep -qwF -e "$word" "$text" || complain "$1 does not tell of $word"
+    grep -qxF -e "$word" "$text.words" || complain "$1 does not tell of $word"
   done
 }
 
-text=$(mktemp) words=$(mktemp)
-trap 'rm -f "$text" "$words"' EXIT
-{
-  "$rsvpctl" --help | grep -oE -e '^ +--[a-z-]+'
-  "$rsvpctl" --help | sed -n '/^Subcommands:/,/^$/s/^  \([a-z-]*\) .*/\1/p'
-} >"$words"
+# The words of each command below those of $1, a command a line. What can be watched is what can be shown.
+commands() (
+  below=
+  [ "$1" = "watch show" ] || below=$("$rsvpctl" help $1 | sed -n '/^Subcommands:/,/^$/s/^  \([a-z0-9-]*\) .*/\1/p')
+  [ -n "$below" ] || echo "$1"
+  for word in $below; do
+    commands "${1:+$1 }$word"
+  done
+)
+
+# The options of a help text on standard input, those that are arguments as well among them.
+options() {
+  sed -n 's/^  \(-h,\)\{0,1\}\(--[a-z-]*\).*/\2/p; s/.*; also \(--[a-z-]*\)$/\1/p'
+}
+
+# The last words of the other names of commands, which the help does not tell.
+aliases() {
+  "$rsvpctl" completion bash | sed -n "s/^ *' [a-z0-9 -]* \([a-z-]*\)') node=' .*/\1/p"
+}
+
+text=$(mktemp) words=$(mktemp) kinds=$(mktemp)
+trap 'rm -f "$text" "$text.words" "$words" "$words.commands" "$kinds"' EXIT
+
+# Each command begins a line of the page, a setting without its verb. Its options and other names stand somewhere.
+plain rsvpctl.1
+commands "" >"$words.commands"
+[ "$(wc -l <"$words.commands")" -gt 50 ] || complain "the help of rsvpctl cannot be read"
+aliases >"$words"
+[ -s "$words" ] || complain "the other names of commands cannot be read"
+"$rsvpctl" --help | options >>"$words"
+while read -r command; do
+  item=${command#set } item=${item#undo }
+  grep -qE "^ +$item( |$)" "$text" || complain "rsvpctl.1 has no entry for $command"
+  "$rsvpctl" help $command | options >>"$words"
+done <"$words.commands"
+sort -u -o "$words" "$words"
 missing rsvpctl.1 <"$words"
-"$rsvpsimd" --help | grep -oE -e '^ +(-h,)?--[a-z-]+' | grep -oE -e '--[a-z-]+' >"$words"
+
+plain rsvpsimd.8
+"$rsvpsimd" --help | options >"$words"
+"$rsvpsimd" --check --fault unknown 2>&1 | sed -n 's/.* the kinds are //p' | tr -d , | tr ' ' '\n' | tee "$kinds" >>"$words"
+[ -s "$kinds" ] || complain "the daemon does not list its kinds of faults"
 missing rsvpsimd.8 <"$words"
+while read -r kind; do
+  grep -qE "^\| \`$kind[\`=[]" ../host.md || complain "host.md does not tell of the fault $kind"
+done <"$kinds"
 exit $failed

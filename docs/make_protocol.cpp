@@ -1,10 +1,7 @@
 // Prints docs/protocol.md. The daemon's own tables are the source: what the daemon answers by is what the document
 // says, and a test holds the committed file against a fresh one.
-#include "commands.h"
-#include "device.h"
-#include "row_kinds.h"
+#include "host/daemon/device/device.h"
 
-#include <array>
 #include <fmt/format.h>
 
 using namespace rsvpsimd;
@@ -42,27 +39,14 @@ Bytes of a value that no field names are 0. The simulated daemon refuses a reque
 
 )";
 
-struct Named {
-    std::uint32_t number;
-    std::string_view meaning;
-};
-
-constexpr std::array kStatuses{
-    Named{kOk, "done"},
-    Named{kNoSuchRow, "no row with this key, or no further row: the end of a table"},
-    Named{kMalformed, "the frame or the items do not add up"},
-    Named{kUnknownClass, "unknown class"},
-    Named{kUnknownOp, "the item does not know this operation"},
-    Named{kUnknownItem, "unknown item"},
-    Named{kBadLength, "a value is not as long as its type demands"},
-    Named{kBadValue, "bytes that must be 0 are not"},
-    Named{kBadItems, "the wrong number of items, or the key item is not the first"},
-    Named{kNoRoom, "commands have made as many rows as one table takes"},
-};
-
-std::string Link(std::string_view layout)
+std::string LinkTo(std::string_view name)
 {
-    return layout == "none" ? "empty" : fmt::format("[{0}](#{0})", layout);
+    return fmt::format("[{0}](#{0})", name);
+}
+
+std::string Link(const Layout &layout)
+{
+    return layout.size == 0 ? "empty" : LinkTo(layout.name);
 }
 
 // Viewers turn a heading into an anchor in lower case, each by rules of its own; this one is the name as it stands.
@@ -71,10 +55,10 @@ std::string Anchor(std::string_view layout)
     return fmt::format("<a id=\"{0}\"></a>\n### {0}", layout);
 }
 
-std::string OpNames(std::uint32_t ops)
+std::string OpNames(uint32_t ops)
 {
     std::string names;
-    for (std::uint8_t op = 0; op <= kHelloTimer; op++)
+    for (uint8_t op = 0; op <= kHelloTimer; ++op)
         if ((ops >> op & 1) != 0)
             names += fmt::format("{}{} {}", names.empty() ? "" : ", ", op, OpName(op));
     return names;
@@ -117,56 +101,33 @@ void PrintFrame()
 void PrintNumbers()
 {
     fmt::print("| Class | Name | First item |\n|---:|---|---|\n");
-    for (const std::uint8_t msgClass : {kGlobal, kInterface, kPeer, kShow, kReset}) {
-        const auto key = KeyItemOf(msgClass);
-        fmt::print("| {} | {} | {} |\n", msgClass, ClassName(msgClass),
-                   key ? fmt::format("{}: {}", key->type, Link(key->layout)) : "");
+    for (const auto &[msgClass, name] : kClasses) {
+        const auto key = KeyItemOf(static_cast<uint8_t>(msgClass));
+        fmt::print("| {} | {} | {} |\n", msgClass, name,
+                   key ? fmt::format("{}: {}", key->type, Link(*key->layout)) : "");
     }
     fmt::print("\n| Operation | Name |\n|---:|---|\n");
-    for (const std::uint8_t op :
-         {kSet, kUndo, kGet, kGetFirst, kGetNext, kGetFirstIngress, kGetNextIngress, kHelloTimer})
-        fmt::print("| {} | {} |\n", op, OpName(op));
+    for (const auto &[op, name] : kOps)
+        fmt::print("| {} | {} |\n", op, name);
     fmt::print("\nStatuses of the simulated daemon:\n\n| Status | Meaning |\n|---|---|\n");
-    for (const Named &status : kStatuses)
-        fmt::print("| 0x{:08x} | {} |\n", status.number, status.meaning);
+    for (const auto &[status, meaning] : kStatuses)
+        fmt::print("| 0x{:08x} | {} |\n", status, meaning);
     fmt::print("\n");
-}
-
-std::string_view ReadOf(Target target)
-{
-    switch (target) {
-    case Target::Global:
-        return "globalInfo";
-    case Target::Interface:
-        return "ifInfo";
-    case Target::Neighbour:
-        return "nbr";
-    case Target::Auth:
-        return "auth";
-    case Target::Debug:
-        return "debugInfo";
-    case Target::ResetStatistics:
-    case Target::ResetAuth:
-        break;
-    }
-    return "none";
 }
 
 std::string ShownIn(const Command &command)
 {
-    const std::string_view read = ReadOf(command.target);
-    if (read == "none")
+    const auto record = RecordOf(command.target);
+    if (!record)
         return "";
     if (command.field.empty())
-        return Link(read);
-    const Layout &form = LayoutNamed(command.layout);
-    const std::size_t used =
-        form.fields.empty() ? 1 : form.fields.back().offset + form.fields.back().width * form.fields.back().count;
-    const std::size_t room = ExtentOf(LayoutNamed(read), command.field).size;
+        return Link(**record);
+    const size_t used = command.Shown().size;
+    const size_t room = ExtentOf(*record, command.field).size;
     const std::string part = used < room   ? fmt::format(" from byte {}", command.index)
                              : used > room ? " and behind it"
                                            : "";
-    return fmt::format("{} `{}`{}", Link(read), command.field, part);
+    return fmt::format("{} `{}`{}", Link(**record), command.field, part);
 }
 
 void PrintCommands()
@@ -178,14 +139,14 @@ void PrintCommands()
         "| Class | Item | Name | Operations | Value | Shows in |\n|---|---:|---|---|---|---|\n");
     for (const Command &command : AllCommands())
         fmt::print("| {} | {} | {} | {} | {} | {} |\n", ClassName(command.msgClass), command.item, command.name,
-                   OpNames(command.ops), Link(command.layout), ShownIn(command));
+                   OpNames(command.ops), Link(*command.layout), ShownIn(command));
     fmt::print("\n");
 }
 
 void PrintReads()
 {
-    const auto row = [](std::uint16_t item, std::string_view name, std::string_view layout) {
-        fmt::print("| {} | {} | {} |\n", item, name, Link(layout));
+    const auto row = [](uint16_t item, std::string_view name, LayoutRef layout) {
+        fmt::print("| {} | {} | {} |\n", item, name, Link(*layout));
     };
     fmt::print("## Reads of one record\n\nClass {} {}, operation {}. The request has one item without a value; the "
                "reply has one item of the same type.\n\n| Item | Name | Reply |\n|---:|---|---|\n",
@@ -200,13 +161,13 @@ void PrintReads()
 void PrintLists(std::span<const ListKind> lists, int depth)
 {
     for (const ListKind &list : lists) {
-        const std::string indent(static_cast<std::size_t>(2 * depth), ' ');
+        const std::string indent(static_cast<size_t>(2 * depth), ' ');
         switch (list.shape) {
         case Shape::Counted:
-            fmt::print("{}- item {}, if the row has this list: {}\n", indent, list.item, Link(list.layout));
+            fmt::print("{}- item {}, if the row has this list: {}\n", indent, list.item, LinkTo((*list.list)->name));
             break;
         case Shape::Each:
-            fmt::print("{}- item {}, one for each entry: {}{}\n", indent, list.item, Link(list.layout),
+            fmt::print("{}- item {}, one for each entry: {}{}\n", indent, list.item, Link(**list.entry),
                        list.children.empty() ? "" : ", with behind each");
             break;
         case Shape::Text:
@@ -220,24 +181,25 @@ void PrintLists(std::span<const ListKind> lists, int depth)
 
 void PrintTables()
 {
-    const std::uint32_t walk = 1U << kGet | 1U << kGetFirst | 1U << kGetNext;
-    const std::uint32_t ingress = 1U << kGetFirstIngress | 1U << kGetNextIngress;
+    const uint32_t walk = 1U << kGet | 1U << kGetFirst | 1U << kGetNext;
+    const uint32_t ingress = 1U << kGetFirstIngress | 1U << kGetNextIngress;
     fmt::print("## Tables\n\nClass {} {}. The request has one item: the key of the row that is read (get), or of the "
                "row before (the next forms). The reply has the items listed here, in this order. Rows come in the "
                "order of their key bytes.\n\n",
                +kShow, ClassName(kShow));
     for (const RowKind &kind : AllRowKinds()) {
         fmt::print("### Table {}\n\n- request: item {}, {}\n- key: {}", kind.name, kind.requestItem,
-                   OpNames(walk | (kind.hasIngressWalk ? ingress : 0)), Link(kind.keyLayout));
+                   OpNames(walk | (kind.hasIngressWalk ? ingress : 0)), Link(*kind.keyLayout));
         std::string_view separator = ", copied from the row's ";
         for (const std::string_view field : kind.keyFields) {
             fmt::print("{}`{}`", separator, field);
             separator = ", ";
         }
-        fmt::print("\n- the first forms carry {}\n- reply:\n",
-                   kind.firstHasKey ? "a key whose content does not matter" : "an item without a value");
+        fmt::print("\n- the first forms carry {}\n- reply:\n", kind.firstKey == FirstKey::Whole
+                                                                   ? "a key whose content does not matter"
+                                                                   : "an item without a value");
         for (const Part &part : kind.parts)
-            fmt::print("  - item {}: {}\n", part.item, Link(part.layout));
+            fmt::print("  - item {}: {}\n", part.item, Link(*part.layout));
         PrintLists(kind.lists, 1);
         fmt::print("\n");
     }
@@ -248,7 +210,7 @@ std::string Condition(const Field &field)
     if (!field.form)
         return "";
     std::string kinds;
-    for (std::size_t i = 0; i < field.form->kinds.size(); i++)
+    for (size_t i = 0; i < field.form->kinds.size(); ++i)
         if (i == 0 || field.form->kinds[i] != field.form->kinds[i - 1])
             kinds += fmt::format("{}{}", i == 0 ? "" : " or ", field.form->kinds[i]);
     return fmt::format("if `{}` is {}{}", field.form->field, field.form->among ? "" : "not ", kinds);
@@ -270,9 +232,9 @@ void PrintValues()
         fmt::print("\n");
     }
     fmt::print("## Lists\n\nA count in network order, then as many entries.\n\n");
-    for (const ListLayout &list : AllListLayouts())
+    for (const ListSpec &list : kListSpecs)
         fmt::print("{}\n\n{} bytes of count, then entries: {}\n\n", Anchor(list.name), list.countWidth,
-                   Link(list.entry));
+                   Link(*list.entry));
 }
 
 } // namespace

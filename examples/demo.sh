@@ -1,5 +1,5 @@
 #!/bin/bash
-# The main job, as a person would do it by hand: switch RSVP on, configure it, look at it, switch it off. Runs in a
+# The main job, as a person would do it by hand: switch RSVP on, configure it, look at it, switch it off. It runs in a
 # private folder with a device of its own, and checks that nothing is left behind.
 #
 #     demo.sh BUILD_DIRECTORY
@@ -32,7 +32,7 @@ run() {
   (cd "$elsewhere" && "$@") 2>&1 || fail "\"$*\" ended with exit status $?"
 }
 
-# As run, for a command that must be refused.
+# Like run, for a command that must be refused.
 run_refused() {
   local wanted=$1 status=0
   shift
@@ -42,16 +42,16 @@ run_refused() {
   printf '(exit status %s)\n' "$status"
 }
 
-# Whatever the programs would write outside their device ends up in this folder, and is seen.
+# Anything that the programs write outside their device ends up in this folder, where the end of the demo finds it.
 export PATH=$build/bin:$PATH RSVP_HOST_DIR=$device
 export HOME=$elsewhere TMPDIR=$elsewhere XDG_RUNTIME_DIR=$elsewhere XDG_CACHE_HOME=$elsewhere
-cat "$source/host/daemon/scenarios/demo.toml" "$source/host/daemon/scenarios/p2mp.toml" >"$device/scenario.toml" ||
-  fail "no scenario"
+cat "$source/host/scenarios/demo.toml" "$source/host/scenarios/p2mp.toml" >"$device/scenario.toml" ||
+  fail "the scenario files cannot be read"
 
 say "A device of plain files stands in for the router, and a simulated daemon for the real one."
 printf '\n$ export RSVP_HOST_DIR=%s\n' "$device"
 
-say "Nothing runs yet, and the tool says so."
+say "Nothing is running yet, and the tool says so."
 run_refused 5 rsvpctl set interface 3
 
 say "Start the service: first on the master, then on the two standby nodes."
@@ -60,14 +60,14 @@ run rsvpctl enable
 run rsvpctl status
 run rsvpctl show counters
 
-say "The service manager keeps a file for each standby node: 1 is running."
+say "The service manager keeps a file for each standby node: 1 means running."
 run grep . "$device/service/2" "$device/service/3"
 
 say "Switch RSVP on for an interface and configure a peer. Each is one request and one confirmation."
 run rsvpctl set interface 3
 run rsvpctl set peer 10.0.0.9
 
-say "Both can be seen again. The first word of a neighbour is its address: 167772169 is 10.0.0.9."
+say "Both show up in the tables. The first word of a neighbour is its address: 167772169 is 10.0.0.9."
 run rsvpctl show interface-config
 run rsvpctl show neighbours
 
@@ -84,7 +84,7 @@ run rsvpctl show psb
 say "A point-to-multipoint LSP with its leaves."
 run rsvpctl tree --key 500,10.0.0.1,10.0.0.1,50,1,0,0,0,0,0,0
 
-say "For programs, the same as one JSON document."
+say "For programs: the counters again, as one JSON document."
 run rsvpctl show counters --json
 
 say "Switch it off: the daemon is told, the standby nodes stop, the master last."
@@ -95,7 +95,7 @@ run grep . "$device/service/2" "$device/service/3"
 
 say "Nothing is left behind."
 for process in /proc/[0-9]*; do
-  # A process may end while it is looked at.
+  # A process may end while this looks at it.
   if tr '\0' ' ' 2>/dev/null <"$process/cmdline" | grep -qF -- "--host-dir $device"; then
     fail "process ${process#/proc/} is left"
   fi

@@ -1,6 +1,7 @@
-// Owning wrappers for C++20: a session that closes itself, records that give their lists back, tables as ranges.
-// Header only, a pattern to copy from and no part of the library's interface.
-#pragma once
+// Owning wrappers for C++20: a session that closes itself, records that release their lists, tables as ranges. Header
+// only: a pattern to copy from, not part of the library's interface.
+#ifndef EXAMPLES_RSVP_MOR_HPP
+#define EXAMPLES_RSVP_MOR_HPP
 
 #include <cstddef>
 #include <cstdint>
@@ -22,9 +23,9 @@ public:
     Session &operator=(Session &&) = delete;
 
     bool IsOpen() const { return fd_ >= 0; }
-    std::int32_t Fd() const { return fd_; }
+    int32_t Fd() const { return fd_; }
 
-    /** To be called after a failed exchange too: a late reply would answer the next question. */
+    /** Also for use after a failed exchange: a late reply would be taken for the answer to the next request. */
     void Close()
     {
         if (IsOpen())
@@ -32,10 +33,10 @@ public:
     }
 
 private:
-    std::int32_t fd_;
+    int32_t fd_;
 };
 
-/** A record and its lists. Only for records whose release may run twice: the destructor asks nobody what is left. */
+/** A record and its lists. Only for records that may be released twice: the destructor releases in any case. */
 template <typename Record, void (*Release)(Record *)> class Owned {
 public:
     Owned() = default;
@@ -46,7 +47,7 @@ public:
     const Record &operator*() const { return record_; }
     const Record *operator->() const { return &record_; }
 
-    /** A place for the next get: nothing owned, every list slot null. */
+    /** The record for the next get: its lists are released and every list slot is null. */
     Record *Fresh()
     {
         Release(&record_);
@@ -63,8 +64,8 @@ using ReservationState = Owned<RSVP_MOR_ReplyRsb, RSVP_MOR_FreeReplyRsb>;
 using PreviousHopState = Owned<RSVP_MOR_ReplyPhsb, RSVP_MOR_FreeReplyPhsb>;
 using CrLsp = Owned<RSVP_MOR_ReplyCrlsp, RSVP_MOR_FreeReplyCrlsp>;
 
-/** A table, for Walk: its first row, its next row, and the key between the two. Another table is another such struct.
- */
+/** A table, for Walk: how to get its first row and its next one, and the key in between. Other tables need a struct
+ * like this one. */
 struct PathStates {
     using Row = PathState;
     struct Key {
@@ -72,21 +73,21 @@ struct PathStates {
         RSVP_MOR_Sender sender;
         explicit Key(const RSVP_MOR_ReplyPsb &row) : session(row.session), sender(row.sender) {}
     };
-    static std::uint32_t First(std::int32_t fd, RSVP_MOR_ReplyPsb *row) { return RSVP_MOR_GetFirstPsbInfo(fd, row); }
-    static std::uint32_t Next(std::int32_t fd, const Key &key, RSVP_MOR_ReplyPsb *row)
+    static uint32_t First(int32_t fd, RSVP_MOR_ReplyPsb *row) { return RSVP_MOR_GetFirstPsbInfo(fd, row); }
+    static uint32_t Next(int32_t fd, const Key &key, RSVP_MOR_ReplyPsb *row)
     {
         return RSVP_MOR_GetNextPsbInfo(fd, &key.session, &key.sender, row);
     }
 };
 
-enum class WalkEnd : std::uint8_t {
-    kNone,     // the loop was left before the end
-    kComplete, // every row was seen
-    kBroken,   // a status that is no end of a table; see Walk::Status
-    kStuck,    // the daemon sent the row that it had sent before
+enum class WalkEnd : uint8_t {
+    None,     // the loop was left before the end
+    Complete, // every row was seen
+    Broken,   // a status that is not the end of a table; see Walk::Status
+    Stuck,    // the daemon sent the same row again
 };
 
-/** One walk of a table, for a range-based loop; afterwards it tells how it ended. The session must outlive it. */
+/** One walk of a table, for a range-based for loop; afterwards End says how it ended. The session must outlive it. */
 template <typename Table> class Walk {
 public:
     using Row = typename Table::Row;
@@ -95,7 +96,7 @@ public:
     class Iterator {
     public:
         using value_type = Row;
-        using difference_type = std::ptrdiff_t;
+        using difference_type = ptrdiff_t;
 
         explicit Iterator(Walk &walk) : walk_(&walk) {}
         const auto &operator*() const { return *walk_->row_; }
@@ -105,7 +106,7 @@ public:
             return *this;
         }
         void operator++(int) { walk_->Advance(); }
-        bool operator==(std::default_sentinel_t) const { return walk_->end_ != WalkEnd::kNone; }
+        bool operator==(std::default_sentinel_t) const { return walk_->end_ != WalkEnd::None; }
 
     private:
         Walk *walk_;
@@ -121,7 +122,7 @@ public:
     std::default_sentinel_t end() const { return {}; }
 
     WalkEnd End() const { return end_; }
-    std::uint32_t Status() const { return status_; }
+    uint32_t Status() const { return status_; }
 
 private:
     void Advance()
@@ -130,21 +131,21 @@ private:
         Note(Table::Next(session_->Fd(), key, row_.Fresh()));
         const Key reached(*row_);
         if (status_ == RSVP_MOR_OK && std::memcmp(&key, &reached, sizeof(Key)) == 0)
-            end_ = WalkEnd::kStuck;
+            end_ = WalkEnd::Stuck;
     }
 
-    // The library reserves no status for the end of a table. This is the simulated daemon's.
-    void Note(std::uint32_t status)
+    // The library reserves no status for the end of a table. This one is the simulated daemon's.
+    void Note(uint32_t status)
     {
         status_ = status;
         if (status != RSVP_MOR_OK)
-            end_ = status == RSVP_MOR_ERR_NOT_EXIST ? WalkEnd::kComplete : WalkEnd::kBroken;
+            end_ = status == RSVP_MOR_ERR_NOT_EXIST ? WalkEnd::Complete : WalkEnd::Broken;
     }
 
     const Session *session_;
     Row row_;
-    std::uint32_t status_ = RSVP_MOR_OK;
-    WalkEnd end_ = WalkEnd::kNone;
+    uint32_t status_ = RSVP_MOR_OK;
+    WalkEnd end_ = WalkEnd::None;
 };
 
 /** The lists of a record as ranges. */
@@ -159,3 +160,5 @@ inline std::span<const RSVP_MOR_RouteEntry> Entries(const RSVP_MOR_RouteList &li
 }
 
 } // namespace rsvp_mor
+
+#endif

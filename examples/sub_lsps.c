@@ -1,20 +1,21 @@
 /*
- * Keeps the sub-LSPs of a point-to-multipoint LSP beyond the record they came in: each becomes a node of the
- * program's own, with a copy of its route, in the record that the library can give back node by node.
+ * Keeps the sub-LSPs of a point-to-multipoint LSP after the record that they came in has been released: each becomes
+ * a node of the program's own, with a copy of its route, in the type that the library can release node by node.
  */
 #include <rsvp_mor.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 
-/* Message operation of the daemon: the first record of the table, whatever the key says. */
-#define GET_FIRST 4
+/* The daemon's message operation for the first record of the table; it ignores the key. */
+enum { kGetFirst = 4 };
 
-/* A copy of one sub-LSP: the first two words of its path, the number of its hops, and the hops. Null without memory.
+/* A copy of one sub-LSP: the first two words of its path, the number of its hops, and the hops. Null if there is no
+ * memory.
  */
 static RSVP_MOR_P2mpReplySubLsp *Keep(const RSVP_MOR_P2mpRro *sub)
 {
-    RSVP_MOR_P2mpReplySubLsp *kept = calloc(1, sizeof *kept);
+    RSVP_MOR_P2mpReplySubLsp *kept = calloc(1, sizeof(*kept));
     if (kept == NULL)
         return NULL;
     kept->words[0] = sub->path.pathWord0;
@@ -22,7 +23,7 @@ static RSVP_MOR_P2mpReplySubLsp *Keep(const RSVP_MOR_P2mpRro *sub)
     kept->words[2] = sub->hopList.count;
     if (sub->hopList.count == 0)
         return kept;
-    const size_t size = sub->hopList.count * sizeof *sub->hopList.entries;
+    const size_t size = sub->hopList.count * sizeof(*sub->hopList.entries);
     kept->rroBlock = malloc(size);
     if (kept->rroBlock == NULL) {
         rsvp_mor_FreeP2mpReplySubLsp(kept);
@@ -32,7 +33,7 @@ static RSVP_MOR_P2mpReplySubLsp *Keep(const RSVP_MOR_P2mpRro *sub)
     return kept;
 }
 
-/* Prints a kept sub-LSP and gives it back. */
+/* Prints a kept sub-LSP and releases it. */
 static void PrintAndRelease(RSVP_MOR_P2mpReplySubLsp *kept)
 {
     const RSVP_MOR_HopEntry *hops = kept->rroBlock;
@@ -54,20 +55,20 @@ int main(void)
     }
     const RSVP_MOR_P2mpCrlspKey key = {0};
     RSVP_MOR_P2mpCrlspInfo lsp = {0};
-    const uint32_t status = RSVP_MOR_GetP2mpCrlsp(fd, GET_FIRST, &key, &lsp);
+    const uint32_t status = RSVP_MOR_GetP2mpCrlsp(fd, kGetFirst, &key, &lsp);
     RSVP_MOR_LIPCClose(fd);
     if (status != RSVP_MOR_OK) {
-        fprintf(stderr, "sub_lsps: the daemon gives no LSP: 0x%08x\n", (unsigned)status);
+        fprintf(stderr, "sub_lsps: no LSP from the daemon: status 0x%08x\n", (unsigned)status);
         return 1;
     }
 
-    enum { MOST = 64 };
-    RSVP_MOR_P2mpReplySubLsp *kept[MOST];
+    enum { kMost = 64 };
+    RSVP_MOR_P2mpReplySubLsp *kept[kMost];
     int count = 0;
-    for (const RSVP_MOR_P2mpRro *sub = lsp.rroHead; sub != NULL && count < MOST; sub = sub->next) {
+    for (const RSVP_MOR_P2mpRro *sub = lsp.rroHead; sub != NULL && count < kMost; sub = sub->next) {
         kept[count] = Keep(sub);
         if (kept[count] == NULL) {
-            fprintf(stderr, "sub_lsps: no memory for sub-LSP %d and those behind it\n", count + 1);
+            fprintf(stderr, "sub_lsps: out of memory at sub-LSP %d; the rest are missing\n", count + 1);
             break;
         }
         ++count;

@@ -1,4 +1,4 @@
-// The walk of walk.c with the owning wrappers of rsvp_mor.hpp: nothing is released by hand, on no path.
+// The walk of walk.c with the owning wrappers of rsvp_mor.hpp: nothing is released by hand, on any path.
 //
 //     c++ -std=c++20 walk.cpp $(pkg-config --cflags --libs rsvp_mor) -o walk && ./walk
 #include "rsvp_mor.hpp"
@@ -10,7 +10,7 @@
 namespace {
 
 // Records hold addresses as numbers in host order.
-std::string Dotted(std::uint32_t address)
+std::string Dotted(uint32_t address)
 {
     char text[sizeof("255.255.255.255")];
     std::snprintf(text, sizeof(text), "%u.%u.%u.%u", address >> 24, address >> 16 & 0xFF, address >> 8 & 0xFF,
@@ -42,13 +42,13 @@ int main()
     for (const RSVP_MOR_ReplyPsb &psb : walk)
         Print(psb);
     switch (walk.End()) {
-    case rsvp_mor::WalkEnd::kComplete:
+    case rsvp_mor::WalkEnd::Complete:
         return 0;
-    case rsvp_mor::WalkEnd::kStuck:
+    case rsvp_mor::WalkEnd::Stuck:
         std::fprintf(stderr, "walk: the table does not advance\n");
         return 4;
     default:
-        std::fprintf(stderr, "walk: broken off with status 0x%08" PRIx32 "\n", walk.Status());
+        std::fprintf(stderr, "walk: ended early with status 0x%08" PRIx32 "\n", walk.Status());
         return 4;
     }
 }

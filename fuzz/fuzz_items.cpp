@@ -1,5 +1,5 @@
-// The reader of items, over the platform's own item library and over one that lies: whatever it is told, an item that
-// comes out lies inside the body, and the walk ends.
+// The reader of items, over the platform's own item library and over one that lies: whatever it is told, every item
+// that it gives lies inside the body, and the walk ends.
 #include "promise.h"
 
 #include "channel/message.h"
@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr size_t LIE_SIZE = 8; // type, length, distance of the value, bytes taken
+constexpr size_t kLieSize = 8; // type, length, distance of the value, bytes taken
 const uint8_t *nextLie;
 size_t liesLeft; // none: the item library tells the truth
 
@@ -25,12 +25,16 @@ uint32_t __wrap_STLV_Get(const void *buf, uint16_t length, uint16_t *type, uint1
 {
     if (liesLeft == 0)
         return __real_STLV_Get(buf, length, type, itemLength, value);
-    const auto distance = static_cast<int16_t>(rsvp_mor::LoadNet16(nextLie + 4));
-    *type = rsvp_mor::LoadNet16(nextLie);
-    *itemLength = rsvp_mor::LoadNet16(nextLie + 2);
-    *value = reinterpret_cast<void *>(reinterpret_cast<uintptr_t>(buf) + static_cast<uintptr_t>(distance));
-    const uint32_t taken = rsvp_mor::LoadNet16(nextLie + 6);
-    nextLie += LIE_SIZE;
+    const auto &lie = *reinterpret_cast<const rsvp_mor::Bytes<kLieSize> *>(nextLie);
+    uint16_t distance;
+    uint16_t taken;
+    rsvp_mor::LoadNet<0>(lie, *type);
+    rsvp_mor::LoadNet<2>(lie, *itemLength);
+    rsvp_mor::LoadNet<4>(lie, distance);
+    rsvp_mor::LoadNet<6>(lie, taken);
+    *value = reinterpret_cast<void *>(reinterpret_cast<uintptr_t>(buf) +
+                                      static_cast<uintptr_t>(static_cast<int16_t>(distance)));
+    nextLie += kLieSize;
     --liesLeft;
     return taken;
 }
@@ -41,22 +45,21 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     if (size == 0)
         return 0;
     nextLie = data + 1;
-    liesLeft = std::min<size_t>(data[0], (size - 1) / LIE_SIZE);
-    const uint8_t *first = nextLie + liesLeft * LIE_SIZE;
-    const size_t length = std::min<size_t>(static_cast<size_t>(data + size - first), UINT16_MAX);
-    const std::vector<uint8_t> body(first, first + length); // a byte outside of it is seen
+    liesLeft = std::min<size_t>(data[0], (size - 1) / kLieSize);
+    const uint8_t *start = nextLie + liesLeft * kLieSize;
+    const size_t length = std::min<size_t>(static_cast<size_t>(data + size - start), UINT16_MAX);
+    const std::vector<uint8_t> body(start, start + length); // a read outside of it is seen
 
     rsvp_mor::Items items{body.data(), static_cast<uint16_t>(length)};
     rsvp_mor::Item item;
     std::vector<uint8_t> copy;
     for (uint16_t left = items.left; rsvp_mor::NextItem(items, item) == rsvp_mor::ITEM_READ; left = items.left) {
-        Must(items.left < left && items.next + items.left == body.data() + length, "every item moves the walk on");
+        Must(items.left < left && items.next + items.left == body.data() + length,
+             "every item moves the walk forward");
         copy.assign(item.value, item.value + item.length);
     }
     uint8_t record[16] = {};
-    if (rsvp_mor::FirstItem(body.data(), static_cast<uint16_t>(length), item))
-        rsvp_mor::CopyRaw(item, record);
-    else
-        Must(item.length == 0, "where there is no item there is no value");
+    const rsvp_mor::ItemResult first = rsvp_mor::CopyFirstRaw(body.data(), static_cast<uint16_t>(length), &record);
+    Must((first == rsvp_mor::ITEM_END) == (length == 0), "only an empty body ends before its first item");
     return 0;
 }

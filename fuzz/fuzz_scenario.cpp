@@ -1,7 +1,9 @@
-// Scenario files: a file is refused with a sentence that names the line, or taken, and then every table can be read.
+// Scenario files: a file is either refused with a message that names the line, or accepted, and then every table can
+// be read.
 #include "promise.h"
 
-#include "scenario.h"
+#include "host/daemon/daemon.h"
+#include "host/daemon/scenario/scenario.h"
 
 using namespace rsvpsimd;
 
@@ -9,16 +11,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     Daemon daemon;
     try {
-        ReadScenarioText(daemon, {reinterpret_cast<const char *>(data), size}, "input");
+        daemon.Add(ReadScenarioText(daemon.GetDevice(), {reinterpret_cast<const char *>(data), size}, "input"));
     } catch (const ScenarioError &error) {
-        Must(std::string_view(error.what()).starts_with("input:"), "a refusal names the file and the line");
+        Must(std::string_view(error.what()).starts_with("input:"), "a refusal names the file");
         return 0;
     }
     for (const RowKind &kind : AllRowKinds()) {
         Bytes item;
-        AppendItem(item, kind.requestItem, Bytes(kind.firstHasKey ? LayoutNamed(kind.keyLayout).size : 0));
+        AppendItem(item, kind.requestItem, Bytes(kind.FirstKeySize()));
         const Reply reply = daemon.Answer(BuildFrame(kShow, kGetFirst, kOk, item));
-        Must(reply.copies == 0 || reply.frame.size() <= 2 * RSVP_MOR_MSG_MAX, "a reply has a bound, faults or none");
+        Must(reply.copies == 0 || reply.frame.size() <= 2 * RSVP_MOR_MSG_MAX,
+             "a reply is bounded, with and without faults");
     }
     return 0;
 }

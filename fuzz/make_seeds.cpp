@@ -1,9 +1,9 @@
-// The fuzzers' first inputs, from the daemon's own tables: each operation with a reply of its layout, and each
+// Makes the fuzzers' first inputs from the daemon's tables: each operation with a reply of the right layout, and each
 // request that an operation sends.
 #include "promise.h"
 
-#include "daemon.h"
-#include "generator.h"
+#include "host/daemon/daemon.h"
+#include "host/daemon/scenario/generator.h"
 #include "support/operations.h"
 
 #include <filesystem>
@@ -16,7 +16,7 @@ void Write(const std::filesystem::path &path, const std::string &bytes)
     std::filesystem::create_directories(path.parent_path());
     std::ofstream file(path, std::ios::binary);
     file << bytes;
-    Must(file.good(), "a seed can be written");
+    Must(file.good(), "every seed can be written");
 }
 
 } // namespace
@@ -27,7 +27,7 @@ int main(int count, char **words)
     const std::filesystem::path directory = words[1];
     rsvpsimd::Daemon daemon;
     for (const rsvpsimd::RowKind &kind : rsvpsimd::AllRowKinds())
-        rsvpsimd::MakeRows(daemon.GetDevice(), std::string(kind.name) + "=9");
+        rsvpsimd::MakeRows(daemon.GetDevice(), kind.name, 9);
 
     for (size_t i = 0; i < scripted::Operations().size(); ++i) {
         const scripted::Operation &operation = scripted::Operations()[i];
@@ -35,10 +35,9 @@ int main(int count, char **words)
         const auto item = static_cast<uint16_t>(scripted::GetNet16(request, rsvpsimd::kHeaderSize));
         const rsvpsimd::RowKind *kind = rsvpsimd::FindRowKind(item);
         rsvpsimd::Bytes asked(request.begin(), request.end());
-        if (operation.answer.size != 0 && kind != nullptr) { // the keys of the table name no row: ask for the first
-            const size_t key = kind->firstHasKey ? rsvpsimd::LayoutNamed(kind->keyLayout).size : 0;
+        if (operation.answer.size != 0 && kind != nullptr) { // the table's keys match no row: ask for the first
             rsvpsimd::Bytes body;
-            rsvpsimd::AppendItem(body, item, rsvpsimd::Bytes(key));
+            rsvpsimd::AppendItem(body, item, rsvpsimd::Bytes(kind->FirstKeySize()));
             asked = rsvpsimd::BuildFrame(rsvpsimd::kShow, rsvpsimd::kGetFirst, rsvpsimd::kOk, body);
         }
         const rsvpsimd::Bytes reply = daemon.Answer(asked).frame;

@@ -1,5 +1,6 @@
-// What a harness checks. A broken promise ends the process, so that the fuzzer keeps the input.
-#pragma once
+// The checks of a harness. A broken promise ends the process, so that the fuzzer keeps the input.
+#ifndef FUZZ_PROMISE_H
+#define FUZZ_PROMISE_H
 
 #include <cstdint>
 #include <cstdio>
@@ -14,3 +15,5 @@ inline void Must(bool kept, const char *promise)
     std::fprintf(stderr, "broken promise: %s\n", promise);
     std::abort();
 }
+
+#endif

@@ -1,4 +1,5 @@
-// Runs a fuzz harness over the files of some folders: so the inputs are a test in every build, with any compiler.
+// Runs a fuzz harness over the files of some folders, so that the inputs are a test in every build and with any
+// compiler.
 #include "promise.h"
 
 #include <filesystem>

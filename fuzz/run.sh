@@ -1,6 +1,6 @@
 #!/bin/sh
-# Builds the fuzz harnesses with clang and runs each for some seconds, from the kept inputs and those that the daemon's
-# tables give. What a harness finds is left in the build folder, and the exit status is then not 0.
+# Builds the fuzz harnesses with clang and runs each for some seconds, starting from the kept inputs and from those made
+# from the daemon's tables. If a harness finds something, it is left in the build folder and the exit status is not 0.
 set -eu
 seconds=${1:-60}
 cd "$(dirname "$0")/.."
@@ -23,7 +23,7 @@ for harness in $harnesses; do
     "$found/inputs" "fuzz/corpus/$harness" "$build/fuzz/seeds/$harness" >"$found/log" 2>&1; then
     grep -oE 'Done [0-9]+ runs in [0-9]+ second\(s\)' "$found/log"
   else
-    echo "a finding; the input lies in $found"
+    echo "a finding; the input is in $found"
     tail -n 40 "$found/log"
     findings=1
   fi

@@ -1,5 +1,5 @@
-// Says where the device's files lie and whether they can be trusted. The daemon and the stand-in for the platform
-// link the same object, so that a directory which one of them accepts is never refused by the other.
+// Finds the host directory and says whether it can be trusted. The daemon and the stand-in for the platform link the
+// same object, so that neither refuses a directory that the other accepts.
 #include "host/directory.h"
 
 #include <cerrno>
@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <sys/auxv.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -14,7 +15,7 @@ namespace rsvp_host {
 
 namespace {
 
-// "directory/" would be looked up through a link, and the check for links would then pass.
+// With a slash at the end the system would follow a link, and the check for links would pass.
 std::string_view WithoutTrailingSlashes(std::string_view path)
 {
     while (path.size() > 1 && path.back() == '/')
@@ -37,7 +38,7 @@ std::string Create(const std::string &path)
 
 } // namespace
 
-std::size_t WriteDirectoryPath(char *path, std::size_t size)
+size_t WriteDirectoryPath(char *path, size_t size)
 {
     const char *chosen = std::getenv("RSVP_HOST_DIR");
     const char *runtime = std::getenv("XDG_RUNTIME_DIR");
@@ -51,10 +52,10 @@ std::size_t WriteDirectoryPath(char *path, std::size_t size)
     if (runtime != nullptr && *runtime != '\0') {
         length = std::snprintf(path, size, "%s/rsvp-host", runtime);
     } else {
-        // The user that the program started as, known without a system call: this stands on the path of a connect.
+        // The user that started the program, without a system call: every connect comes through here.
         length = std::snprintf(path, size, "/tmp/rsvp-host-%lu", getauxval(AT_EUID));
     }
-    return static_cast<std::size_t>(length);
+    return static_cast<size_t>(length);
 }
 
 std::string DirectoryPath(std::string_view chosen)
@@ -85,34 +86,36 @@ std::string PrepareDirectory(const std::string &path)
         return problem;
     const int error = CheckDirectory(path.c_str());
     if (error == EACCES)
-        return Sentence(path, "is a link, no directory, another user's or open to others",
+        return Sentence(path, "is a link, not a directory, another user's or open to others",
                         "remove it, or set RSVP_HOST_DIR to a directory of your own with mode 0700");
     if (error != 0)
         return Sentence(path, std::string("cannot be used: ") + std::strerror(error), "set RSVP_HOST_DIR");
-    for (const char *folder : {"/service", "/etc"})
-        if (std::string problem = Create(path + folder); !problem.empty())
+    for (const std::string_view folder : {kServiceFolder, kOptionFolder})
+        if (std::string problem = Create(PathOf(path, folder)); !problem.empty())
             return problem;
     return {};
 }
 
-std::string SocketPath(const std::string &directory)
+std::string PathOf(std::string_view directory, std::string_view file)
 {
-    return directory + "/lipc-0ae18000";
+    return std::string(directory).append("/").append(file);
 }
 
-std::string LockPath(const std::string &directory)
+FilePath::FilePath(std::string_view directory, std::string_view file)
 {
-    return directory + "/rsvpsimd.lock";
+    char *end = path_ + directory.copy(path_, kDirectoryRoom - 1);
+    *end++ = '/';
+    end[file.copy(end, sizeof(path_) - kDirectoryRoom - 1)] = '\0';
 }
 
-std::string ScenarioPath(const std::string &directory)
+sockaddr_un SocketAddress(std::string_view directory)
 {
-    return directory + "/scenario.toml";
-}
-
-std::string LogPath(const std::string &directory)
-{
-    return directory + "/rsvpsimd.log";
+    sockaddr_un address{};
+    static_assert(kDirectoryRoom + kSocketFile.size() < sizeof(address.sun_path));
+    address.sun_family = AF_UNIX;
+    const FilePath path(directory, kSocketFile);
+    std::string_view(path.Get()).copy(address.sun_path, sizeof(address.sun_path) - 1);
+    return address;
 }
 
 } // namespace rsvp_host

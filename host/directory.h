@@ -1,10 +1,12 @@
 // The host directory: the folder of plain files that plays the device. The stand-in for the platform and the
-// simulated daemon both find it, check it and name its files here, so that they cannot disagree about it.
-#pragma once
+// simulated daemon use the same code to find it, to check it and to name its files, so that they cannot disagree.
+#ifndef HOST_DIRECTORY_H
+#define HOST_DIRECTORY_H
 
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <sys/un.h>
 
 namespace rsvp_host {
 
@@ -12,16 +14,16 @@ namespace rsvp_host {
 // else /tmp/rsvp-host-UID. The answer is a path only; nothing on the disk is touched.
 std::string DirectoryPath(std::string_view chosen = {});
 
-// Room for the path of a host directory, its closing zero included. A longer one is refused everywhere: with the
-// name of the socket file behind it, it would not fit into a socket address.
-inline constexpr std::size_t kDirectoryRoom = 94;
+// Room for the path of a host directory, with its closing zero. A longer path is refused everywhere: with the name of
+// the socket file it would not fit into a socket address.
+inline constexpr size_t kDirectoryRoom = 94;
 
-// The same answer for callers that must not touch the heap. Returns the length of the whole path; if that is not
-// below `size`, what was written is cut.
-std::size_t WriteDirectoryPath(char *path, std::size_t size);
+// The same for callers that must not use the heap. Returns the length of the whole path; if that is not below `size`,
+// the written path is cut off.
+size_t WriteDirectoryPath(char *path, size_t size);
 
 // 0 if `path` is a directory of this user's that nobody else can enter; ENOENT if nothing is there, EACCES if it is
-// a link, no directory, another user's or open to others, or the reason why it cannot be looked at.
+// a link, not a directory, another user's or open to others, or the reason why it cannot be looked at.
 int CheckDirectory(const char *path);
 
 // Creates the directory (0700) and its sub-folders where they are missing, and checks that it is a real directory
@@ -29,12 +31,35 @@ int CheckDirectory(const char *path);
 // wrong with which path and what to do.
 std::string PrepareDirectory(const std::string &path);
 
-// Files of the device, all inside the directory.
-std::string SocketPath(const std::string &directory); // "lipc-0ae18000": the daemon's address as a socket file
-std::string
-LockPath(const std::string &directory); // "rsvpsimd.lock": locked (flock) by the living daemon; holds its pid
-std::string
-ScenarioPath(const std::string &directory); // "scenario.toml": given to a daemon that the service manager starts
-std::string LogPath(const std::string &directory); // "rsvpsimd.log": what such a daemon writes to standard error
+// The files of the device, all inside the directory; docs/host.md tells what each is for.
+inline constexpr std::string_view kLockFile = "rsvpsimd.lock";
+inline constexpr std::string_view kLogFile = "rsvpsimd.log";
+inline constexpr std::string_view kNodesFile = "nodes";
+inline constexpr std::string_view kOptionFolder = "etc";
+inline constexpr std::string_view kOptionFile = "etc/te.conf";
+inline constexpr std::string_view kScenarioFile = "scenario.toml";
+inline constexpr std::string_view kServiceFolder = "service"; // has a file for each standby node, named by its number
+inline constexpr std::string_view kServiceLockFile = "service/lock";
+inline constexpr std::string_view kSocketPrefix = "lipc-";       // then bytes 2 to 5 of the address, in hexadecimal
+inline constexpr std::string_view kSocketFile = "lipc-0ae18000"; // the daemon's
+static_assert(kSocketFile.starts_with(kSocketPrefix));
+
+std::string PathOf(std::string_view directory, std::string_view file);
+
+// The same without the heap, for a directory whose path fits into kDirectoryRoom.
+class FilePath {
+public:
+    FilePath(std::string_view directory, std::string_view file);
+
+    const char *Get() const { return path_; }
+
+private:
+    char path_[kDirectoryRoom + 16];
+};
+
+// The daemon's address as a local socket.
+sockaddr_un SocketAddress(std::string_view directory);
 
 } // namespace rsvp_host
+
+#endif

@@ -1,5 +1,5 @@
 // CR-LSP records: one value of 128 bytes, a route and a name, in any order. Items that do not belong to the record
-// are passed over.
+// are skipped.
 #include "channel/message.h"
 #include "lsp/cr_lsp_groups.h"
 #include "lsp/lists.h"
@@ -12,51 +12,53 @@ using namespace rsvp_mor;
 
 namespace rsvp_mor {
 
-void DecodeCrlspKey(const uint8_t *at, RSVP_MOR_CrlspKey &key)
+void DecodeCrlspKey(const Bytes<CRLSP_KEY_SIZE> &value, RSVP_MOR_CrlspKey &key)
 {
-    LoadNet(at + 0, key.keyWord0);
-    LoadNet(at + 4, key.keyWord1);
-    LoadNet(at + 8, key.keyWord2);
-    LoadNet(at + 12, key.keyShort0);
-    LoadNet(at + 14, key.keyShort1);
-    LoadRaw(at + 16, key.keyTail);
+    LoadNet<0>(value, key.keyWord0);
+    LoadNet<4>(value, key.keyWord1);
+    LoadNet<8>(value, key.keyWord2);
+    LoadNet<12>(value, key.keyShort0);
+    LoadNet<14>(value, key.keyShort1);
+    LoadRaw<16>(value, key.keyTail);
 }
 
-void DecodeCrlspPath(const uint8_t *at, RSVP_MOR_CrlspPath &path)
+void DecodeCrlspPath(const Bytes<CRLSP_PATH_SIZE> &value, RSVP_MOR_CrlspPath &path)
 {
-    LoadNet(at + 0, path.pathWord0);
-    LoadNet(at + 4, path.pathWord1);
-    LoadNet(at + 8, path.pathWord2);
-    LoadNet(at + 12, path.pathWord3);
-    LoadNet(at + 16, path.pathWord4);
-    LoadNet(at + 20, path.pathShort);
-    LoadRaw(at + 22, path.pathTail);
+    LoadNet<0>(value, path.pathWord0);
+    LoadNet<4>(value, path.pathWord1);
+    LoadNet<8>(value, path.pathWord2);
+    LoadNet<12>(value, path.pathWord3);
+    LoadNet<16>(value, path.pathWord4);
+    LoadNet<20>(value, path.pathShort);
+    LoadRaw<22>(value, path.pathTail);
 }
 
-void DecodeCrlspTraffic(const uint8_t *at, RSVP_MOR_CrlspTraffic &traffic)
+void DecodeCrlspTraffic(const Bytes<CRLSP_TRAFFIC_SIZE> &value, RSVP_MOR_CrlspTraffic &traffic)
 {
-    LoadNet(at + 0, traffic.trafficWord0);
-    LoadNet(at + 4, traffic.trafficWord1);
-    traffic.trafficRate0 = DecodeRate(at + 8);
-    LoadNet(at + 12, traffic.trafficWord2);
-    traffic.trafficRate1 = DecodeRate(at + 16);
-    LoadNet(at + 20, traffic.trafficWord3);
-    LoadNet(at + 24, traffic.trafficWord4);
+    LoadNet<0>(value, traffic.trafficWord0);
+    LoadNet<4>(value, traffic.trafficWord1);
+    traffic.trafficRate0 = DecodeRate(Part<8>(value));
+    LoadNet<12>(value, traffic.trafficWord2);
+    traffic.trafficRate1 = DecodeRate(Part<16>(value));
+    LoadNet<20>(value, traffic.trafficWord3);
+    LoadNet<24>(value, traffic.trafficWord4);
 }
 
-void EncodeCrlspKey(uint8_t *at, const RSVP_MOR_CrlspKey &key)
+void EncodeCrlspKey(Bytes<CRLSP_KEY_SIZE> &value, const RSVP_MOR_CrlspKey &key)
 {
-    StoreNet32(at + 0, key.keyWord0);
-    StoreNet32(at + 4, key.keyWord1);
-    StoreNet32(at + 8, key.keyWord2);
-    StoreNet16(at + 12, key.keyShort0);
-    StoreNet16(at + 14, key.keyShort1);
-    StoreRaw(at + 16, key.keyTail);
+    StoreNet<0>(value, key.keyWord0);
+    StoreNet<4>(value, key.keyWord1);
+    StoreNet<8>(value, key.keyWord2);
+    StoreNet<12>(value, key.keyShort0);
+    StoreNet<14>(value, key.keyShort1);
+    StoreRaw<16>(value, key.keyTail);
 }
 
-float DecodeRate(const uint8_t *at)
+float DecodeRate(const Bytes<4> &value)
 {
-    const float onWire = std::bit_cast<float>(__builtin_bswap32(LoadNet32(at))); // least significant byte first
+    uint32_t word;
+    LoadNet<0>(value, word);
+    const float onWire = std::bit_cast<float>(__builtin_bswap32(word)); // least significant byte first
     uint32_t whole;
     if (!(onWire >= 1.0f)) // also a NaN
         whole = 0;
@@ -73,38 +75,39 @@ namespace {
 
 constexpr uint16_t CRLSP_SIZE = 128;
 
-void DecodeValue(const uint8_t *at, RSVP_MOR_ReplyCrlsp &record)
+void DecodeValue(const Bytes<CRLSP_SIZE> &value, RSVP_MOR_ReplyCrlsp &record)
 {
-    DecodeCrlspKey(at + 0, record.key);
-    DecodeCrlspPath(at + 20, record.path);
-    DecodeCrlspTraffic(at + 44, record.traffic);
-    LoadNet(at + 72, record.tailWord0);
-    LoadNet(at + 76, record.tailWord1);
-    LoadNet(at + 80, record.tailShort);
-    LoadNet(at + 84, record.tailWord2);
-    LoadNet(at + 88, record.tailWord3);
-    LoadNet(at + 92, record.tailWord4);
-    LoadNet(at + 96, record.tailWord5);
-    LoadNet(at + 100, record.tailWord6);
-    LoadNet(at + 104, record.tailWord7);
-    LoadNet(at + 108, record.tailWord8);
-    LoadNet(at + 112, record.tailWord9);
-    LoadNet(at + 116, record.tailWord10);
-    LoadRaw(at + 120, record.tailByte0);
-    LoadRaw(at + 121, record.tailByte1);
-    LoadRaw(at + 122, record.tailByte2);
-    LoadRaw(at + 123, record.tailByte3);
-    LoadRaw(at + 124, record.tailByte4);
+    DecodeCrlspKey(Part<0>(value), record.key);
+    DecodeCrlspPath(Part<20>(value), record.path);
+    DecodeCrlspTraffic(Part<44>(value), record.traffic);
+    LoadNet<72>(value, record.tailWord0);
+    LoadNet<76>(value, record.tailWord1);
+    LoadNet<80>(value, record.tailShort);
+    LoadNet<84>(value, record.tailWord2);
+    LoadNet<88>(value, record.tailWord3);
+    LoadNet<92>(value, record.tailWord4);
+    LoadNet<96>(value, record.tailWord5);
+    LoadNet<100>(value, record.tailWord6);
+    LoadNet<104>(value, record.tailWord7);
+    LoadNet<108>(value, record.tailWord8);
+    LoadNet<112>(value, record.tailWord9);
+    LoadNet<116>(value, record.tailWord10);
+    LoadRaw<120>(value, record.tailByte0);
+    LoadRaw<121>(value, record.tailByte1);
+    LoadRaw<122>(value, record.tailByte2);
+    LoadRaw<123>(value, record.tailByte3);
+    LoadRaw<124>(value, record.tailByte4);
 }
 
 uint32_t DecodeItem(const Item &item, RSVP_MOR_ReplyCrlsp &record, FilledSlots &filled)
 {
     switch (item.type) {
     case REPLY_CRLSP:
-        if (item.length != CRLSP_SIZE)
-            return RSVP_MOR_ERR_FAIL;
-        DecodeValue(item.value, record);
-        return RSVP_MOR_OK;
+        if (const auto *value = Exactly<CRLSP_SIZE>(item)) {
+            DecodeValue(*value, record);
+            return RSVP_MOR_OK;
+        }
+        return RSVP_MOR_ERR_FAIL;
     case REPLY_HOP_LIST:
         return FillHopList(item, record.hopList, filled);
     case REPLY_CRLSP_NAME:
@@ -144,11 +147,11 @@ uint32_t RSVP_MOR_GetNextCrlsp(int32_t fd, const RSVP_MOR_CrlspKey *key, RSVP_MO
 {
     if (key == nullptr)
         return RSVP_MOR_ERR_FAIL;
-    uint8_t value[CRLSP_KEY_SIZE];
+    Bytes<CRLSP_KEY_SIZE> value;
     EncodeCrlspKey(value, *key);
     Request request{};
     Reply reply{};
-    PutRaw(request, READ_CRLSP, value, sizeof value);
+    PutRaw(request, READ_CRLSP, value);
     const uint32_t status = QueryHeld(fd, request, OP_GET_NEXT, reply);
     if (status != RSVP_MOR_OK)
         return status;

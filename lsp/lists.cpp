@@ -1,5 +1,5 @@
-// Decoders of the lists that hang from a state block. An array list has its count in front and demands the exact
-// length that follows from it; its entries are the wire's bytes with the named numbers converted in place.
+// Decodes the lists that belong to a state block. A list of entries begins with their count and has exactly the
+// length that the count demands; the entries are the wire's bytes with the named numbers converted in place.
 #include "lsp/lists.h"
 
 #include "lsp/wire_objects.h"
@@ -19,28 +19,24 @@ RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_RouteEntry, value, 4);
 
 constexpr uint32_t FILTER_SPEC_SIZE = SENDER_SIZE + 4;
 
-// `countSize` bytes hold the count, of which the last two are read. The array is one block of exactly its size, also
-// where that is 0.
-template <typename List> uint32_t CopyArrayRaw(const uint8_t *value, uint32_t length, uint32_t countSize, List *out)
+// The array is one block of exactly the size of its entries, even if there are none.
+template <typename List> uint32_t CopyEntriesRaw(const uint8_t *value, uint32_t length, uint32_t countSize, List *out)
 {
-    if (length < countSize)
+    Entries entries;
+    if (!FindEntries(value, length, countSize, sizeof(*out->entries), entries))
         return RSVP_MOR_ERR_FAIL;
-    const uint16_t count = LoadNet16(value + countSize - 2);
-    const uint32_t size = count * static_cast<uint32_t>(sizeof *out->entries);
-    if (length != countSize + size)
-        return RSVP_MOR_ERR_FAIL;
-    void *block = malloc(size);
+    void *block = malloc(entries.size);
     if (block == nullptr)
         return RSVP_MOR_ERR_FAIL;
-    memcpy(block, value + countSize, size);
+    memcpy(block, entries.first, entries.size);
     out->entries = static_cast<decltype(out->entries)>(block);
-    out->count = count;
+    out->count = entries.count;
     return RSVP_MOR_OK;
 }
 
 uint32_t DecodeEntryList(const uint8_t *value, uint32_t length, uint32_t countSize, RSVP_MOR_RouteList *out)
 {
-    const uint32_t status = CopyArrayRaw(value, length, countSize, out);
+    const uint32_t status = CopyEntriesRaw(value, length, countSize, out);
     if (status != RSVP_MOR_OK)
         return status;
     for (uint16_t i = 0; i < out->count; ++i)
@@ -48,7 +44,7 @@ uint32_t DecodeEntryList(const uint8_t *value, uint32_t length, uint32_t countSi
     return RSVP_MOR_OK;
 }
 
-// Puts a fresh list into its slot, in the place of what this call put there before.
+// Puts a fresh list into its slot and releases what this call had put there before.
 template <typename List> void Replace(List &slot, const List &fresh, uint16_t itemType, FilledSlots &filled)
 {
     if ((filled & SlotBit(itemType)) != 0)
@@ -79,7 +75,7 @@ template <typename List> void FreeArray(List &list)
 
 uint32_t rsvp_mor_DecodeHopList(const uint8_t *value, uint32_t length, RSVP_MOR_HopList *out)
 {
-    const uint32_t status = CopyArrayRaw(value, length, 2, out);
+    const uint32_t status = CopyEntriesRaw(value, length, 2, out);
     if (status != RSVP_MOR_OK)
         return status;
     for (uint16_t i = 0; i < out->count; ++i) {
@@ -105,14 +101,15 @@ uint32_t rsvp_mor_DecodeEntryList32(const uint8_t *value, uint32_t length, RSVP_
 uint32_t rsvp_mor_DecodeFSInfo(const uint8_t *value, uint32_t length, RSVP_MOR_ReplyFSInfo **lastNode,
                                RSVP_MOR_ReplyFSInfo **head)
 {
-    if (length != FILTER_SPEC_SIZE)
+    const auto *filterSpec = Exactly<FILTER_SPEC_SIZE>(value, length);
+    if (filterSpec == nullptr)
         return RSVP_MOR_ERR_FAIL;
-    RSVP_MOR_ReplyFSInfo *node = static_cast<RSVP_MOR_ReplyFSInfo *>(malloc(sizeof *node));
+    RSVP_MOR_ReplyFSInfo *node = static_cast<RSVP_MOR_ReplyFSInfo *>(malloc(sizeof(*node)));
     if (node == nullptr)
         return RSVP_MOR_ERR_FAIL;
     *node = {};
-    DecodeSender(value + 0, node->filter);
-    LoadNet(value + 8, node->label);
+    DecodeSender(Part<0>(*filterSpec), node->filter);
+    LoadNet<8>(*filterSpec, node->label);
     *lastNode = node;
     node->next = *head;
     *head = node;

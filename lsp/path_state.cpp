@@ -1,5 +1,5 @@
-// Path state blocks: one value of 440 bytes and five lists beside it, in any order. An item that does not belong to
-// the block fails the walk, unlike in the other blocks.
+// Path state blocks: one value of 440 bytes and five lists, in any order. Unlike in the other blocks, an item that
+// does not belong to the block fails the read.
 #include "channel/message.h"
 #include "lsp/lists.h"
 #include "lsp/state_blocks.h"
@@ -12,34 +12,34 @@ namespace {
 constexpr uint16_t PSB_SIZE = 440;
 constexpr uint16_t SLOT_SIZE = 24;
 
-void DecodeSlot(const uint8_t *at, RSVP_MOR_PsbSlot &slot)
+void DecodeSlot(const Bytes<SLOT_SIZE> &value, RSVP_MOR_PsbSlot &slot)
 {
-    DecodeSender(at + 0, slot.slotSender);
-    LoadNet(at + 8, slot.slotWords);
-    LoadRaw(at + 20, slot.slotByte);
+    DecodeSender(Part<0>(value), slot.slotSender);
+    LoadNet<8>(value, slot.slotWords);
+    LoadRaw<20>(value, slot.slotByte);
 }
 
-void DecodeValue(const uint8_t *at, RSVP_MOR_ReplyPsb &record)
+void DecodeValue(const Bytes<PSB_SIZE> &value, RSVP_MOR_ReplyPsb &record)
 {
-    DecodeSession(at + 0, record.session);
-    DecodeHop(at + 12, record.hop);
-    DecodeIfRef(at + 20, record.ifRef);
-    DecodeSender(at + 28, record.sender);
-    DecodeSenderTspec(at + 36, record.tspec);
-    DecodeAdspec(at + 68, record.adspec);
-    DecodeLabelRequest(at + 228, record.labelRequest);
-    LoadRaw(at + 244, record.leadBytes);
-    DecodeSessionAttr(at + 248, record.sessionAttr);
-    LoadNet(at + 268, record.wordsA);
-    LoadNet(at + 280, record.wordsB);
-    DecodeSender(at + 292, record.secondSender);
-    LoadNet(at + 300, record.wordsC);
-    LoadNet(at + 320, record.halfC);
-    DecodeSlot(at + 324, record.slots[0]);
-    DecodeSlot(at + 324 + SLOT_SIZE, record.slots[1]);
-    LoadNet(at + 372, record.wordsD);
-    LoadNet(at + 424, record.halvesD);
-    LoadRaw(at + 430, record.flagBytes);
+    DecodeSession(Part<0>(value), record.session);
+    DecodeHop(Part<12>(value), record.hop);
+    DecodeIfRef(Part<20>(value), record.ifRef);
+    DecodeSender(Part<28>(value), record.sender);
+    DecodeSenderTspec(Part<36>(value), record.tspec);
+    DecodeAdspec(Part<68>(value), record.adspec);
+    DecodeLabelRequest(Part<228>(value), record.labelRequest);
+    LoadRaw<244>(value, record.leadBytes);
+    DecodeSessionAttr(Part<248>(value), record.sessionAttr);
+    LoadNet<268>(value, record.wordsA);
+    LoadNet<280>(value, record.wordsB);
+    DecodeSender(Part<292>(value), record.secondSender);
+    LoadNet<300>(value, record.wordsC);
+    LoadNet<320>(value, record.halfC);
+    DecodeSlot(Part<324>(value), record.slots[0]);
+    DecodeSlot(Part<324 + SLOT_SIZE>(value), record.slots[1]);
+    LoadNet<372>(value, record.wordsD);
+    LoadNet<424>(value, record.halvesD);
+    LoadRaw<430>(value, record.flagBytes);
 }
 
 uint32_t DecodeItem(const Item &item, RSVP_MOR_ReplyPsb &record, FilledSlots &filled)
@@ -56,10 +56,11 @@ uint32_t DecodeItem(const Item &item, RSVP_MOR_ReplyPsb &record, FilledSlots &fi
     case REPLY_HOP_LIST:
         return FillHopList(item, record.hopList, filled);
     case REPLY_PSB:
-        if (item.length != PSB_SIZE)
-            return RSVP_MOR_ERR_FAIL;
-        DecodeValue(item.value, record);
-        return RSVP_MOR_OK;
+        if (const auto *value = Exactly<PSB_SIZE>(item)) {
+            DecodeValue(*value, record);
+            return RSVP_MOR_OK;
+        }
+        return RSVP_MOR_ERR_FAIL;
     default:
         return RSVP_MOR_ERR_FAIL;
     }
@@ -96,12 +97,12 @@ uint32_t RSVP_MOR_GetNextPsbInfo(int32_t fd, const RSVP_MOR_Session *session, co
 {
     if (session == nullptr || sender == nullptr)
         return RSVP_MOR_ERR_FAIL;
-    uint8_t key[SESSION_SIZE + SENDER_SIZE];
-    EncodeSession(key, *session);
-    EncodeSender(key + SESSION_SIZE, *sender);
+    Bytes<SESSION_SIZE + SENDER_SIZE> key;
+    EncodeSession(Part<0>(key), *session);
+    EncodeSender(Part<SESSION_SIZE>(key), *sender);
     Request request{};
     Reply reply{};
-    PutRaw(request, READ_PSB, key, sizeof key);
+    PutRaw(request, READ_PSB, key);
     const uint32_t status = QueryHeld(fd, request, OP_GET_NEXT, reply);
     if (status != RSVP_MOR_OK)
         return status;

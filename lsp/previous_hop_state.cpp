@@ -1,5 +1,5 @@
-// Previous hop state blocks: one value of 56 bytes, and flow descriptors, each with its filter specs behind it. Items
-// that do not belong to the block are passed over.
+// Previous hop state blocks: one value of 56 bytes, and flow descriptors, each followed by its filter specs. Items
+// that do not belong to the block are skipped.
 #include "channel/message.h"
 #include "lsp/lists.h"
 #include "lsp/state_blocks.h"
@@ -12,29 +12,29 @@ using namespace rsvp_mor;
 namespace {
 
 constexpr uint16_t PHSB_SIZE = 56;
-constexpr uint16_t FLOW_SPEC_SIZE = 44;
 
-void DecodeValue(const uint8_t *at, RSVP_MOR_ReplyPhsb &record)
+void DecodeValue(const Bytes<PHSB_SIZE> &value, RSVP_MOR_ReplyPhsb &record)
 {
-    DecodeSession(at + 0, record.session);
-    DecodeHop(at + 12, record.hop);
-    DecodeIfRef(at + 20, record.ifRef);
-    LoadNet(at + 28, record.style);
-    LoadNet(at + 32, record.wordsA);
-    LoadNet(at + 44, record.wordsB);
-    LoadNet(at + 52, record.halvesB);
+    DecodeSession(Part<0>(value), record.session);
+    DecodeHop(Part<12>(value), record.hop);
+    DecodeIfRef(Part<20>(value), record.ifRef);
+    LoadNet<28>(value, record.style);
+    LoadNet<32>(value, record.wordsA);
+    LoadNet<44>(value, record.wordsB);
+    LoadNet<52>(value, record.halvesB);
 }
 
-// Makes a flow descriptor and puts it in front of the record's list, where it is the current one.
+// Makes a flow descriptor, the current one from now on, and puts it at the front of the record's list.
 uint32_t DecodeFlowDescriptor(const Item &item, RSVP_MOR_ReplyPhsb &record, RSVP_MOR_ReplyFDInfo *&current)
 {
-    if (item.length != FLOW_SPEC_SIZE)
+    const auto *value = Exactly<FLOW_SPEC_SIZE>(item);
+    if (value == nullptr)
         return RSVP_MOR_ERR_FAIL;
-    RSVP_MOR_ReplyFDInfo *node = static_cast<RSVP_MOR_ReplyFDInfo *>(malloc(sizeof *node));
+    RSVP_MOR_ReplyFDInfo *node = static_cast<RSVP_MOR_ReplyFDInfo *>(malloc(sizeof(*node)));
     if (node == nullptr)
         return RSVP_MOR_ERR_FAIL;
     *node = {};
-    DecodeFlowSpec(item.value, node->flowSpec);
+    DecodeFlowSpec(*value, node->flowSpec);
     node->next = record.fdList;
     record.fdList = node;
     current = node;
@@ -45,16 +45,17 @@ uint32_t DecodeItem(const Item &item, RSVP_MOR_ReplyPhsb &record, RSVP_MOR_Reply
 {
     switch (item.type) {
     case REPLY_PHSB:
-        if (item.length != PHSB_SIZE)
-            return RSVP_MOR_ERR_FAIL;
-        DecodeValue(item.value, record);
-        return RSVP_MOR_OK;
+        if (const auto *value = Exactly<PHSB_SIZE>(item)) {
+            DecodeValue(*value, record);
+            return RSVP_MOR_OK;
+        }
+        return RSVP_MOR_ERR_FAIL;
     case REPLY_FLOW_DESCRIPTOR:
         return DecodeFlowDescriptor(item, record, current);
     case REPLY_FILTER_SPEC: {
-        if (current == nullptr) // no flow descriptor has come that could take it
+        if (current == nullptr) // no flow descriptor has come before it
             return RSVP_MOR_ERR_FAIL;
-        RSVP_MOR_ReplyFSInfo *lastNode; // routes do not come in this block: nobody asks for the last node
+        RSVP_MOR_ReplyFSInfo *lastNode; // not needed: this block has no routes
         return rsvp_mor_DecodeFSInfo(item.value, item.length, &lastNode, &current->fsList);
     }
     default:
@@ -93,12 +94,12 @@ uint32_t RSVP_MOR_GetNextPhsbInfo(int32_t fd, const RSVP_MOR_Session *session, c
 {
     if (session == nullptr || hop == nullptr)
         return RSVP_MOR_ERR_FAIL;
-    uint8_t key[SESSION_SIZE + HOP_SIZE];
-    EncodeSession(key, *session);
-    EncodeHop(key + SESSION_SIZE, *hop);
+    Bytes<SESSION_SIZE + HOP_SIZE> key;
+    EncodeSession(Part<0>(key), *session);
+    EncodeHop(Part<SESSION_SIZE>(key), *hop);
     Request request{};
     Reply reply{};
-    PutRaw(request, READ_PHSB, key, sizeof key);
+    PutRaw(request, READ_PHSB, key);
     const uint32_t status = QueryHeld(fd, request, OP_GET_NEXT, reply);
     if (status != RSVP_MOR_OK)
         return status;

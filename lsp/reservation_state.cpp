@@ -1,5 +1,5 @@
-// Reservation state blocks: one value of 124 bytes, then filter specs, each with its route behind it. The value
-// resets the list of filter specs, so that it comes first. Items that do not belong to the block are passed over.
+// Reservation state blocks: one value of 124 bytes, then filter specs, each followed by its route. The value comes
+// first, as it resets the list of filter specs. Items that do not belong to the block are skipped.
 #include "channel/message.h"
 #include "lsp/lists.h"
 #include "lsp/state_blocks.h"
@@ -13,45 +13,47 @@ namespace {
 
 constexpr uint16_t RSB_SIZE = 124;
 
-// Where the walk stands: the filter spec that takes the next route, if any, and whether this call built nodes.
+// What a walk remembers from item to item.
 struct RsbWalk {
-    RSVP_MOR_ReplyFSInfo *current;
-    bool builtNodes;
+    RSVP_MOR_ReplyFSInfo *current; // the filter spec that the next route belongs to, if any
+    bool builtNodes;               // whether the list holds nodes that this call made
 };
 
-void DecodeValue(const uint8_t *at, RSVP_MOR_ReplyRsb &record)
+void DecodeValue(const Bytes<RSB_SIZE> &value, RSVP_MOR_ReplyRsb &record)
 {
-    DecodeSession(at + 0, record.session);
-    DecodeHop(at + 12, record.hop);
-    DecodeSender(at + 20, record.filter);
-    DecodeIfRef(at + 28, record.ifRef);
-    DecodeFlowSpec(at + 36, record.flowSpec);
-    LoadNet(at + 80, record.style);
-    LoadNet(at + 84, record.wordsA);
-    LoadNet(at + 96, record.wordsB);
-    LoadNet(at + 116, record.halfB);
-    LoadRaw(at + 118, record.flagBytes);
+    DecodeSession(Part<0>(value), record.session);
+    DecodeHop(Part<12>(value), record.hop);
+    DecodeSender(Part<20>(value), record.filter);
+    DecodeIfRef(Part<28>(value), record.ifRef);
+    DecodeFlowSpec(Part<36>(value), record.flowSpec);
+    LoadNet<80>(value, record.style);
+    LoadNet<84>(value, record.wordsA);
+    LoadNet<96>(value, record.wordsB);
+    LoadNet<116>(value, record.halfB);
+    LoadRaw<118>(value, record.flagBytes);
 }
 
 uint32_t DecodeItem(const Item &item, RSVP_MOR_ReplyRsb &record, RsbWalk &walk)
 {
     switch (item.type) {
-    case REPLY_RSB:
-        if (item.length != RSB_SIZE)
+    case REPLY_RSB: {
+        const auto *value = Exactly<RSB_SIZE>(item);
+        if (value == nullptr)
             return RSVP_MOR_ERR_FAIL;
-        if (walk.builtNodes) // a value behind filter specs cuts them off
+        if (walk.builtNodes) // nothing would lead to them once the list is reset
             RSVP_MOR_FreeReplyRsb(&record);
         walk = {};
         record.fsList = nullptr;
-        DecodeValue(item.value, record);
+        DecodeValue(*value, record);
         return RSVP_MOR_OK;
+    }
     case REPLY_FILTER_SPEC: {
         const uint32_t status = rsvp_mor_DecodeFSInfo(item.value, item.length, &walk.current, &record.fsList);
         walk.builtNodes = walk.builtNodes || status == RSVP_MOR_OK;
         return status;
     }
     case REPLY_HOP_LIST: {
-        if (walk.current == nullptr) // no filter spec has come that could take the route
+        if (walk.current == nullptr) // no filter spec has come before it, or that one has its route
             return RSVP_MOR_ERR_FAIL;
         RSVP_MOR_HopList &route = walk.current->rro;
         walk.current = nullptr;
@@ -93,13 +95,13 @@ uint32_t RSVP_MOR_GetNextRsbInfo(int32_t fd, const RSVP_MOR_Session *session, co
 {
     if (session == nullptr || hop == nullptr || filter == nullptr)
         return RSVP_MOR_ERR_FAIL;
-    uint8_t key[SESSION_SIZE + HOP_SIZE + SENDER_SIZE];
-    EncodeSession(key, *session);
-    EncodeHop(key + SESSION_SIZE, *hop);
-    EncodeSender(key + SESSION_SIZE + HOP_SIZE, *filter);
+    Bytes<SESSION_SIZE + HOP_SIZE + SENDER_SIZE> key;
+    EncodeSession(Part<0>(key), *session);
+    EncodeHop(Part<SESSION_SIZE>(key), *hop);
+    EncodeSender(Part<SESSION_SIZE + HOP_SIZE>(key), *filter);
     Request request{};
     Reply reply{};
-    PutRaw(request, READ_RSB, key, sizeof key);
+    PutRaw(request, READ_RSB, key);
     const uint32_t status = QueryHeld(fd, request, OP_GET_NEXT, reply);
     if (status != RSVP_MOR_OK)
         return status;

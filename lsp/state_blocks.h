@@ -1,6 +1,7 @@
-// Decoders of whole state blocks: each walks the items of a reply's body into a record and releases what it built if
-// an item fails. The tests and fuzzers reach them here.
-#pragma once
+// Decoders of whole state blocks: each reads all items of a reply's body into a record, and releases what it built if
+// an item fails. Declared for the tests.
+#ifndef LSP_STATE_BLOCKS_H
+#define LSP_STATE_BLOCKS_H
 
 #include "rsvp_mor/lsp.h"
 
@@ -11,3 +12,5 @@ uint32_t rsvp_mor_DecodeRsb(const uint8_t *body, uint16_t length, RSVP_MOR_Reply
 uint32_t rsvp_mor_DecodePhsb(const uint8_t *body, uint16_t length, RSVP_MOR_ReplyPhsb *record);
 uint32_t rsvp_mor_DecodeReplyCrlsp(const uint8_t *body, uint16_t length, RSVP_MOR_ReplyCrlsp *record);
 }
+
+#endif

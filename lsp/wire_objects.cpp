@@ -1,12 +1,12 @@
-// Conversion of the shared objects. Most records are the wire's image: they are copied whole and their numbers
-// converted in place, so that what is not named stays raw.
+// Converts the shared objects. Most records are the wire's image: they are copied whole and their numbers converted
+// in place, so that the bytes that no number claims stay raw.
 #include "lsp/wire_objects.h"
 
 namespace rsvp_mor {
 
 namespace {
 
-// Records that are the wire's image.
+// These records are the wire's image.
 RSVP_MOR_ASSERT_SIZE(RSVP_MOR_Session, SESSION_SIZE);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_Session, reserved, 4);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_Session, tunnelId, 6);
@@ -14,15 +14,15 @@ RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_Session, extendedTunnelId, 8);
 RSVP_MOR_ASSERT_SIZE(RSVP_MOR_Hop, HOP_SIZE);
 RSVP_MOR_ASSERT_SIZE(RSVP_MOR_Sender, SENDER_SIZE);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_Sender, lspId, 6);
-RSVP_MOR_ASSERT_SIZE(RSVP_MOR_IfRef, 6);
+RSVP_MOR_ASSERT_SIZE(RSVP_MOR_IfRef, IF_REF_SIZE);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_IfRef, ifRefNumber, 2);
-RSVP_MOR_ASSERT_SIZE(RSVP_MOR_SenderTspec, 32);
+RSVP_MOR_ASSERT_SIZE(RSVP_MOR_SenderTspec, SENDER_TSPEC_SIZE);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_SenderTspec, overallLength, 2);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_SenderTspec, serviceLength, 6);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_SenderTspec, tspecParamLength, 10);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_SenderTspec, tokenRate, 12);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_SenderTspec, minPolicedUnit, 24);
-RSVP_MOR_ASSERT_SIZE(RSVP_MOR_FlowSpec, 44);
+RSVP_MOR_ASSERT_SIZE(RSVP_MOR_FlowSpec, FLOW_SPEC_SIZE);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_FlowSpec, overallLength, 2);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_FlowSpec, serviceLength, 6);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_FlowSpec, tspecParamLength, 10);
@@ -33,7 +33,7 @@ RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_FlowSpec, slackTerm, 40);
 RSVP_MOR_ASSERT_SIZE(RSVP_MOR_AdspecParam, 8);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_AdspecParam, paramLength, 2);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_AdspecParam, paramValue, 4);
-RSVP_MOR_ASSERT_SIZE(RSVP_MOR_Adspec, 160);
+RSVP_MOR_ASSERT_SIZE(RSVP_MOR_Adspec, ADSPEC_SIZE);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_Adspec, msgLength, 2);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_Adspec, generalLength, 6);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_Adspec, hopCount, 8);
@@ -46,21 +46,16 @@ RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_Adspec, loadLead, 116);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_Adspec, loadLength, 122);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_Adspec, loadWord, 124);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_Adspec, loadOverrides, 128);
-RSVP_MOR_ASSERT_SIZE(RSVP_MOR_LabelRequest, 16);
+RSVP_MOR_ASSERT_SIZE(RSVP_MOR_LabelRequest, LABEL_REQUEST_SIZE);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_LabelRequest, reserved, 4);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_LabelRequest, l3pid, 6);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_LabelRequest, minVpi, 8);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_LabelRequest, maxVci, 14);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_LabelRequest, minDlci, 8);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_LabelRequest, maxDlci, 12);
-RSVP_MOR_ASSERT_SIZE(RSVP_MOR_SessionAttr, 20);
+RSVP_MOR_ASSERT_SIZE(RSVP_MOR_SessionAttr, SESSION_ATTR_SIZE);
 
-template <typename Record> void CopyWholeRaw(const uint8_t *at, Record &record)
-{
-    memcpy(&record, at, sizeof record);
-}
-
-// SENDER_TSPEC and the front of FLOWSPEC are alike, field for field.
+// SENDER_TSPEC and the front of FLOWSPEC have the same fields.
 template <typename Spec> void ConvertTspecNet(Spec &spec)
 {
     ConvertNet(spec.overallLength, spec.serviceLength, spec.tspecParamLength); // the three rates stay raw
@@ -69,7 +64,7 @@ template <typename Spec> void ConvertTspecNet(Spec &spec)
 
 void ConvertParamNet(RSVP_MOR_AdspecParam &param)
 {
-    ConvertNet(param.paramLength, param.paramValue); // one word, also where the parameter is a float
+    ConvertNet(param.paramLength, param.paramValue); // the value is a word even if it holds a float
 }
 
 void ConvertParamsNet(RSVP_MOR_AdspecParam (&params)[4])
@@ -80,51 +75,46 @@ void ConvertParamsNet(RSVP_MOR_AdspecParam (&params)[4])
 
 } // namespace
 
-void ConvertSessionNet(RSVP_MOR_Session &session)
+void DecodeSession(const Bytes<SESSION_SIZE> &value, RSVP_MOR_Session &session)
 {
+    CopyWholeRaw(value, session);
     ConvertNet(session.tunnelEndpoint, session.tunnelId, session.extendedTunnelId);
 }
 
-void DecodeSession(const uint8_t *at, RSVP_MOR_Session &session)
+void DecodeHop(const Bytes<HOP_SIZE> &value, RSVP_MOR_Hop &hop)
 {
-    CopyWholeRaw(at, session);
-    ConvertSessionNet(session);
+    LoadNet<0>(value, hop.hopAddress);
+    LoadNet<4>(value, hop.logicalIfHandle);
 }
 
-void DecodeHop(const uint8_t *at, RSVP_MOR_Hop &hop)
+void DecodeSender(const Bytes<SENDER_SIZE> &value, RSVP_MOR_Sender &sender)
 {
-    LoadNet(at + 0, hop.hopAddress);
-    LoadNet(at + 4, hop.logicalIfHandle);
-}
-
-void DecodeSender(const uint8_t *at, RSVP_MOR_Sender &sender)
-{
-    CopyWholeRaw(at, sender);
+    CopyWholeRaw(value, sender);
     ConvertNet(sender.senderAddress, sender.lspId);
 }
 
-void DecodeIfRef(const uint8_t *at, RSVP_MOR_IfRef &ifRef)
+void DecodeIfRef(const Bytes<IF_REF_SIZE> &value, RSVP_MOR_IfRef &ifRef)
 {
-    CopyWholeRaw(at, ifRef); // six of the slot's eight bytes
+    CopyWholeRaw(value, ifRef); // the last two of its eight bytes are not read
     ConvertNet(ifRef.ifRefNumber);
 }
 
-void DecodeSenderTspec(const uint8_t *at, RSVP_MOR_SenderTspec &tspec)
+void DecodeSenderTspec(const Bytes<SENDER_TSPEC_SIZE> &value, RSVP_MOR_SenderTspec &tspec)
 {
-    CopyWholeRaw(at, tspec);
+    CopyWholeRaw(value, tspec);
     ConvertTspecNet(tspec);
 }
 
-void DecodeFlowSpec(const uint8_t *at, RSVP_MOR_FlowSpec &flowSpec)
+void DecodeFlowSpec(const Bytes<FLOW_SPEC_SIZE> &value, RSVP_MOR_FlowSpec &flowSpec)
 {
-    CopyWholeRaw(at, flowSpec);
+    CopyWholeRaw(value, flowSpec);
     ConvertTspecNet(flowSpec);
     ConvertNet(flowSpec.rspecParamLength, flowSpec.slackTerm); // the rate stays raw
 }
 
-void DecodeAdspec(const uint8_t *at, RSVP_MOR_Adspec &adspec)
+void DecodeAdspec(const Bytes<ADSPEC_SIZE> &value, RSVP_MOR_Adspec &adspec)
 {
-    CopyWholeRaw(at, adspec);
+    CopyWholeRaw(value, adspec);
     ConvertNet(adspec.msgLength, adspec.generalLength);
     ConvertParamNet(adspec.hopCount);
     ConvertParamNet(adspec.pathBandwidth);
@@ -138,9 +128,9 @@ void DecodeAdspec(const uint8_t *at, RSVP_MOR_Adspec &adspec)
     ConvertParamsNet(adspec.loadOverrides);
 }
 
-void DecodeLabelRequest(const uint8_t *at, RSVP_MOR_LabelRequest &labelRequest)
+void DecodeLabelRequest(const Bytes<LABEL_REQUEST_SIZE> &value, RSVP_MOR_LabelRequest &labelRequest)
 {
-    CopyWholeRaw(at, labelRequest);
+    CopyWholeRaw(value, labelRequest);
     ConvertNet(labelRequest.reserved, labelRequest.l3pid);
     if (labelRequest.kind == RSVP_MOR_LABEL_REQUEST_ATM)
         ConvertNet(labelRequest.minVpi, labelRequest.minVci, labelRequest.maxVpi, labelRequest.maxVci);
@@ -148,45 +138,45 @@ void DecodeLabelRequest(const uint8_t *at, RSVP_MOR_LabelRequest &labelRequest)
         ConvertNet(labelRequest.minDlci, labelRequest.maxDlci);
 }
 
-void DecodeSessionAttr(const uint8_t *at, RSVP_MOR_SessionAttr &sessionAttr)
+void DecodeSessionAttr(const Bytes<SESSION_ATTR_SIZE> &value, RSVP_MOR_SessionAttr &sessionAttr)
 {
     // Field by field: bytes that the form does not name are not written.
-    LoadRaw(at + 0, sessionAttr.kind);
+    LoadRaw<0>(value, sessionAttr.kind);
     if (sessionAttr.kind == RSVP_MOR_SESSION_ATTR_AFFINITY) {
         RSVP_MOR_SessionAttrAffinity &form = sessionAttr.affinityForm;
-        LoadNet(at + 4, form.excludeAny);
-        LoadNet(at + 8, form.includeAny);
-        LoadNet(at + 12, form.includeAll);
-        LoadRaw(at + 16, form.setupPriority);
-        LoadRaw(at + 17, form.holdingPriority);
-        LoadRaw(at + 18, form.flags);
+        LoadNet<4>(value, form.excludeAny);
+        LoadNet<8>(value, form.includeAny);
+        LoadNet<12>(value, form.includeAll);
+        LoadRaw<16>(value, form.setupPriority);
+        LoadRaw<17>(value, form.holdingPriority);
+        LoadRaw<18>(value, form.flags);
     } else {
         RSVP_MOR_SessionAttrShort &form = sessionAttr.shortForm;
-        LoadRaw(at + 4, form.setupPriority);
-        LoadRaw(at + 5, form.holdingPriority);
-        LoadRaw(at + 6, form.flags);
+        LoadRaw<4>(value, form.setupPriority);
+        LoadRaw<5>(value, form.holdingPriority);
+        LoadRaw<6>(value, form.flags);
     }
 }
 
-void EncodeSession(uint8_t *at, const RSVP_MOR_Session &session)
+void EncodeSession(Bytes<SESSION_SIZE> &value, const RSVP_MOR_Session &session)
 {
-    StoreNet32(at + 0, session.tunnelEndpoint);
-    StoreRaw(at + 4, session.reserved);
-    StoreNet16(at + 6, session.tunnelId);
-    StoreNet32(at + 8, session.extendedTunnelId);
+    StoreNet<0>(value, session.tunnelEndpoint);
+    StoreRaw<4>(value, session.reserved);
+    StoreNet<6>(value, session.tunnelId);
+    StoreNet<8>(value, session.extendedTunnelId);
 }
 
-void EncodeHop(uint8_t *at, const RSVP_MOR_Hop &hop)
+void EncodeHop(Bytes<HOP_SIZE> &value, const RSVP_MOR_Hop &hop)
 {
-    StoreNet32(at + 0, hop.hopAddress);
-    StoreNet32(at + 4, hop.logicalIfHandle);
+    StoreNet<0>(value, hop.hopAddress);
+    StoreNet<4>(value, hop.logicalIfHandle);
 }
 
-void EncodeSender(uint8_t *at, const RSVP_MOR_Sender &sender)
+void EncodeSender(Bytes<SENDER_SIZE> &value, const RSVP_MOR_Sender &sender)
 {
-    StoreNet32(at + 0, sender.senderAddress);
-    StoreRaw(at + 4, sender.reserved);
-    StoreNet16(at + 6, sender.lspId);
+    StoreNet<0>(value, sender.senderAddress);
+    StoreRaw<4>(value, sender.reserved);
+    StoreNet<6>(value, sender.lspId);
 }
 
 } // namespace rsvp_mor

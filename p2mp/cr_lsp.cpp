@@ -1,5 +1,6 @@
-// CR-LSP of a point-to-multipoint LSP: one reply tells the whole LSP. Sub-LSPs stand in the order of their items,
-// each followed by its route; the record's value and the name may stand anywhere. Other items are passed over.
+// The CR-LSP record of a point-to-multipoint LSP: one reply describes the whole LSP. Sub-LSPs are in the order of
+// their items, each followed by its route; the record's value and the name may come anywhere. Other items are
+// skipped.
 #include "channel/message.h"
 #include "lsp/cr_lsp_groups.h"
 #include "lsp/lists.h"
@@ -15,60 +16,61 @@ constexpr uint16_t CRLSP_SIZE = 84;
 constexpr uint16_t SUB_LSP_SIZE = 48;
 constexpr uint16_t KEY_SIZE = 36;
 
-void EncodeKey(uint8_t *at, const RSVP_MOR_P2mpCrlspKey &key)
+void EncodeKey(Bytes<KEY_SIZE> &value, const RSVP_MOR_P2mpCrlspKey &key)
 {
-    StoreNet32(at + 0, key.keyWord0);
-    StoreNet32(at + 4, key.keyWord1);
-    StoreNet32(at + 8, key.keyWord2);
-    StoreNet16(at + 12, key.keyShort0);
-    StoreNet16(at + 14, key.keyShort1);
-    StoreNet16(at + 16, key.keyShort2);
-    StoreNet16(at + 18, key.keyShort3);
-    StoreNet32(at + 20, key.keyWord3);
-    StoreNet32(at + 24, key.keyWord4);
-    StoreNet32(at + 28, key.keyWord5);
-    StoreNet32(at + 32, key.keyWord6);
+    StoreNet<0>(value, key.keyWord0);
+    StoreNet<4>(value, key.keyWord1);
+    StoreNet<8>(value, key.keyWord2);
+    StoreNet<12>(value, key.keyShort0);
+    StoreNet<14>(value, key.keyShort1);
+    StoreNet<16>(value, key.keyShort2);
+    StoreNet<18>(value, key.keyShort3);
+    StoreNet<20>(value, key.keyWord3);
+    StoreNet<24>(value, key.keyWord4);
+    StoreNet<28>(value, key.keyWord5);
+    StoreNet<32>(value, key.keyWord6);
 }
 
-void DecodeValue(const uint8_t *at, RSVP_MOR_P2mpCrlspInfo &record)
+void DecodeValue(const Bytes<CRLSP_SIZE> &value, RSVP_MOR_P2mpCrlspInfo &record)
 {
-    DecodeCrlspKey(at + 0, record.key);
-    DecodeCrlspTraffic(at + 20, record.traffic);
-    LoadNet(at + 48, record.lspWord0);
-    LoadNet(at + 52, record.lspShort);
-    LoadNet(at + 56, record.lspWord1);
-    LoadNet(at + 60, record.lspWord2);
-    LoadNet(at + 64, record.lspWord3);
-    LoadNet(at + 68, record.lspWord4);
-    LoadNet(at + 72, record.lspWord5);
-    LoadNet(at + 76, record.lspWord6);
-    LoadRaw(at + 80, record.lspByte0);
-    LoadRaw(at + 81, record.lspByte1);
-    LoadRaw(at + 82, record.lspByte2);
-    LoadRaw(at + 83, record.lspByte3);
+    DecodeCrlspKey(Part<0>(value), record.key);
+    DecodeCrlspTraffic(Part<20>(value), record.traffic);
+    LoadNet<48>(value, record.lspWord0);
+    LoadNet<52>(value, record.lspShort);
+    LoadNet<56>(value, record.lspWord1);
+    LoadNet<60>(value, record.lspWord2);
+    LoadNet<64>(value, record.lspWord3);
+    LoadNet<68>(value, record.lspWord4);
+    LoadNet<72>(value, record.lspWord5);
+    LoadNet<76>(value, record.lspWord6);
+    LoadRaw<80>(value, record.lspByte0);
+    LoadRaw<81>(value, record.lspByte1);
+    LoadRaw<82>(value, record.lspByte2);
+    LoadRaw<83>(value, record.lspByte3);
 }
 
-void DecodeSubLsp(const uint8_t *at, RSVP_MOR_P2mpRro &node)
+void DecodeSubLsp(const Bytes<SUB_LSP_SIZE> &value, RSVP_MOR_P2mpRro &node)
 {
-    DecodeCrlspPath(at + 0, node.path);
-    LoadNet(at + 24, node.subShort);
-    LoadNet(at + 28, node.subWord0);
-    LoadNet(at + 32, node.subWord1);
-    LoadNet(at + 36, node.subWord2);
-    LoadNet(at + 40, node.subWord3);
-    LoadRaw(at + 44, node.subByte);
+    DecodeCrlspPath(Part<0>(value), node.path);
+    LoadNet<24>(value, node.subShort);
+    LoadNet<28>(value, node.subWord0);
+    LoadNet<32>(value, node.subWord1);
+    LoadNet<36>(value, node.subWord2);
+    LoadNet<40>(value, node.subWord3);
+    LoadRaw<44>(value, node.subByte);
 }
 
 // Makes a node at the end of the record's list.
 uint32_t AppendSubLsp(const Item &item, RSVP_MOR_P2mpCrlspInfo &record, RSVP_MOR_P2mpRro *&last)
 {
-    if (item.length != SUB_LSP_SIZE)
+    const auto *value = Exactly<SUB_LSP_SIZE>(item);
+    if (value == nullptr)
         return RSVP_MOR_ERR_FAIL;
-    RSVP_MOR_P2mpRro *node = static_cast<RSVP_MOR_P2mpRro *>(malloc(sizeof *node));
+    RSVP_MOR_P2mpRro *node = static_cast<RSVP_MOR_P2mpRro *>(malloc(sizeof(*node)));
     if (node == nullptr)
         return RSVP_MOR_ERR_FAIL;
     *node = {};
-    DecodeSubLsp(item.value, *node);
+    DecodeSubLsp(*value, *node);
     if (record.rroTail != nullptr)
         record.rroTail->next = node;
     else
@@ -78,16 +80,20 @@ uint32_t AppendSubLsp(const Item &item, RSVP_MOR_P2mpCrlspInfo &record, RSVP_MOR
     return RSVP_MOR_OK;
 }
 
-// The route of the sub-LSP that came last. A route of no hops is refused, unlike in the other blocks.
+// Decodes the route of the sub-LSP that came last. A route of no hops is refused, unlike in the other blocks.
 uint32_t DecodeSubLspHops(const Item &item, RSVP_MOR_P2mpRro *last)
 {
-    if (last == nullptr || item.length < 2 || LoadNet16(item.value) == 0)
+    if (last == nullptr)
         return RSVP_MOR_ERR_FAIL;
     RSVP_MOR_HopList fresh;
     const uint32_t status = rsvp_mor_DecodeHopList(item.value, item.length, &fresh);
     if (status != RSVP_MOR_OK)
         return status;
-    FreeHopList(last->hopList); // a repeated route takes the place of the first
+    if (fresh.count == 0) {
+        FreeHopList(fresh);
+        return RSVP_MOR_ERR_FAIL;
+    }
+    FreeHopList(last->hopList); // a second route replaces the first
     last->hopList = fresh;
     return RSVP_MOR_OK;
 }
@@ -96,10 +102,11 @@ uint32_t DecodeItem(const Item &item, RSVP_MOR_P2mpCrlspInfo &record, RSVP_MOR_P
 {
     switch (item.type) {
     case REPLY_P2MP_CRLSP:
-        if (item.length != CRLSP_SIZE)
-            return RSVP_MOR_ERR_FAIL;
-        DecodeValue(item.value, record);
-        return RSVP_MOR_OK;
+        if (const auto *value = Exactly<CRLSP_SIZE>(item)) {
+            DecodeValue(*value, record);
+            return RSVP_MOR_OK;
+        }
+        return RSVP_MOR_ERR_FAIL;
     case REPLY_P2MP_SUB_LSP:
         return AppendSubLsp(item, record, last);
     case REPLY_P2MP_SUB_LSP_HOPS:
@@ -118,18 +125,18 @@ uint32_t RSVP_MOR_GetP2mpCrlsp(int32_t fd, uint32_t op, const RSVP_MOR_P2mpCrlsp
 {
     if (key == nullptr)
         return RSVP_MOR_ERR_FAIL;
-    uint8_t value[KEY_SIZE];
+    Bytes<KEY_SIZE> value;
     EncodeKey(value, *key);
     Request request{};
     Reply reply{};
-    PutRaw(request, READ_P2MP_CRLSP, value, sizeof value);
+    PutRaw(request, READ_P2MP_CRLSP, value);
     uint32_t status = QueryHeld(fd, request, op, reply);
     if (status != RSVP_MOR_OK)
         return status;
 
     Items items = {Body(reply), BodyLength(reply)};
     Item item;
-    RSVP_MOR_P2mpRro *last = nullptr; // the sub-LSP that takes the next route
+    RSVP_MOR_P2mpRro *last = nullptr; // the sub-LSP that the next route belongs to
     FilledSlots filled = 0;
     while (MoreItems(items, item, status))
         status = DecodeItem(item, *record, last, filled);

@@ -1,5 +1,5 @@
 // Path state of a point-to-multipoint LSP: one block by key, its fixed part cut into five items. No item refers to
-// another; those that do not belong to the block are passed over.
+// another; items that do not belong to the block are skipped.
 #include "channel/message.h"
 #include "lsp/lists.h"
 #include "p2mp/state.h"
@@ -13,29 +13,34 @@ namespace {
 // How much of an item is read.
 constexpr uint16_t SECOND_SENDER_SIZE = 38;
 constexpr uint16_t SLOT_SIZE = 32;
-constexpr uint16_t SLOTS_SIZE = SLOT_SIZE + 29; // the last bytes of the second slot are not read
+constexpr uint16_t SLOT_PART_SIZE = 29;
+constexpr uint16_t SLOTS_SIZE = SLOT_SIZE + SLOT_PART_SIZE; // the last bytes of the second slot are not read
 
 uint32_t DecodeSecondSender(const Item &item, RSVP_MOR_P2mpPsbInfo &record)
 {
-    if (item.length < SECOND_SENDER_SIZE)
+    const auto *value = AtLeast<SECOND_SENDER_SIZE>(item);
+    if (value == nullptr)
         return RSVP_MOR_ERR_FAIL;
-    DecodeP2mpSender(item.value + 0, record.secondSender);
-    LoadNet(item.value + 16, record.wordsC);
-    LoadNet(item.value + 36, record.halfC);
+    DecodeP2mpSender(Part<0>(*value), record.secondSender);
+    LoadNet<16>(*value, record.wordsC);
+    LoadNet<36>(*value, record.halfC);
     return RSVP_MOR_OK;
+}
+
+void DecodeSlot(const Bytes<SLOT_PART_SIZE> &value, RSVP_MOR_P2mpPsbSlot &slot)
+{
+    DecodeP2mpSender(Part<0>(value), slot.slotSender);
+    LoadNet<16>(value, slot.slotWords);
+    LoadRaw<28>(value, slot.slotByte);
 }
 
 uint32_t DecodeSlots(const Item &item, RSVP_MOR_P2mpPsbInfo &record)
 {
-    if (item.length < SLOTS_SIZE)
+    const auto *value = AtLeast<SLOTS_SIZE>(item);
+    if (value == nullptr)
         return RSVP_MOR_ERR_FAIL;
-    const uint8_t *at = item.value;
-    for (RSVP_MOR_P2mpPsbSlot &slot : record.slots) {
-        DecodeP2mpSender(at + 0, slot.slotSender);
-        LoadNet(at + 16, slot.slotWords);
-        LoadRaw(at + 28, slot.slotByte);
-        at += SLOT_SIZE;
-    }
+    DecodeSlot(Part<0>(*value), record.slots[0]);
+    DecodeSlot(Part<SLOT_SIZE>(*value), record.slots[1]);
     return RSVP_MOR_OK;
 }
 
@@ -90,11 +95,11 @@ uint32_t RSVP_MOR_GetP2mpPsbInfo(int32_t fd, uint32_t itemType, uint32_t op, con
 {
     if (key == nullptr)
         return RSVP_MOR_ERR_FAIL;
-    uint8_t value[P2MP_STATE_KEY_SIZE];
+    Bytes<P2MP_STATE_KEY_SIZE> value;
     EncodeP2mpStateKey(value, *key);
     Request request{};
     Reply reply{};
-    PutRaw(request, static_cast<uint16_t>(itemType), value, sizeof value);
+    PutRaw(request, static_cast<uint16_t>(itemType), value);
     uint32_t status = QueryHeld(fd, request, op, reply);
     if (status != RSVP_MOR_OK)
         return status;
@@ -108,9 +113,9 @@ uint32_t RSVP_MOR_GetP2mpPsbInfo(int32_t fd, uint32_t itemType, uint32_t op, con
         listRefused = status != RSVP_MOR_OK && IsListItem(item.type);
     }
     if (listRefused)
-        RSVP_MOR_FreeP2mpPsbInfo(record); // as in any release of this record, its pointers and counts stand
+        RSVP_MOR_FreeP2mpPsbInfo(record); // like any release of this record, leaves stale pointers behind
     else if (status != RSVP_MOR_OK)
-        FreeFilled(*record, filled); // out of format: nothing of this call is left
+        FreeFilled(*record, filled); // nothing of this call is left in a record that was out of format
     return status;
 }
 

@@ -1,5 +1,5 @@
 // Reservation state of a point-to-multipoint LSP: one block by key, three items and one route. Items that do not
-// belong to the block are passed over.
+// belong to the block are skipped.
 #include "channel/message.h"
 #include "lsp/lists.h"
 #include "p2mp/state.h"
@@ -33,11 +33,11 @@ uint32_t RSVP_MOR_GetP2mpRsbInfo(int32_t fd, uint32_t op, const RSVP_MOR_P2mpSta
 {
     if (key == nullptr)
         return RSVP_MOR_ERR_FAIL;
-    uint8_t value[P2MP_STATE_KEY_SIZE];
+    Bytes<P2MP_STATE_KEY_SIZE> value;
     EncodeP2mpStateKey(value, *key);
     Request request{};
     Reply reply{};
-    PutRaw(request, READ_P2MP_RSB, value, sizeof value);
+    PutRaw(request, READ_P2MP_RSB, value);
     uint32_t status = QueryHeld(fd, request, op, reply);
     if (status != RSVP_MOR_OK)
         return status;
@@ -47,7 +47,7 @@ uint32_t RSVP_MOR_GetP2mpRsbInfo(int32_t fd, uint32_t op, const RSVP_MOR_P2mpSta
     FilledSlots filled = 0;
     while (MoreItems(items, item, status))
         status = DecodeItem(item, *record, filled);
-    if (status != RSVP_MOR_OK && filled != 0) // a failed call leaves the caller nothing to release
+    if (status != RSVP_MOR_OK && filled != 0) // after a failure there is nothing for the caller to release
         FreeHopList(record->hopList);
     return status;
 }

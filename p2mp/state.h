@@ -1,13 +1,15 @@
-// What the point-to-multipoint path and reservation reads share: the objects in their P2MP form, the three items that
+// What the point-to-multipoint path and reservation reads share: the P2MP form of an object, the three items that
 // both replies have, and the key of both requests.
-#pragma once
+#ifndef P2MP_STATE_H
+#define P2MP_STATE_H
 
+#include "channel/wire.h"
 #include "rsvp_mor/p2mp.h"
 
 extern "C" {
 
-// Each takes the value of an item and its length, and refuses one that is shorter than what is read of it. What
-// stands behind that is not looked at.
+// Each takes the value of an item and its length, and refuses one that is shorter than what is read of it. Any bytes
+// beyond that are ignored.
 uint32_t rsvp_mor_DecodeP2mpPathState(const uint8_t *value, uint32_t length, RSVP_MOR_P2mpPathState *out);
 uint32_t rsvp_mor_DecodeP2mpResvState(const uint8_t *value, uint32_t length, RSVP_MOR_P2mpResvState *out);
 uint32_t rsvp_mor_DecodeP2mpSubGroup(const uint8_t *value, uint32_t length, RSVP_MOR_P2mpSubGroup *out);
@@ -21,7 +23,9 @@ enum P2mpSize : uint16_t {
     P2MP_STATE_KEY_SIZE = 56,
 };
 
-void DecodeP2mpSender(const uint8_t *at, RSVP_MOR_P2mpSender &sender);
-void EncodeP2mpStateKey(uint8_t *at, const RSVP_MOR_P2mpStateKey &key);
+void DecodeP2mpSender(const Bytes<P2MP_SENDER_SIZE> &value, RSVP_MOR_P2mpSender &sender);
+void EncodeP2mpStateKey(Bytes<P2MP_STATE_KEY_SIZE> &value, const RSVP_MOR_P2mpStateKey &key);
 
 } // namespace rsvp_mor
+
+#endif

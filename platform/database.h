@@ -10,7 +10,8 @@
 extern "C" {
 #endif
 
-/* Opens `database` for `user` and stores the handle. Returns 0 on success; the handle is then closed by DBM_Close. */
+/* Opens `database` for `user` and stores the handle. Returns 0 on success; the caller then closes it with DBM_Close.
+ */
 uint32_t DBM_Open(const char *database, const char *user, uint32_t, const uint32_t record[8], int32_t *handle);
 
 void DBM_Close(int32_t handle);

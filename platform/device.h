@@ -1,5 +1,5 @@
 /*
- * The platform's view of the device: one node is the system master, any number of others stand by.
+ * The platform's view of the device: one node is the system master, any number of others are on standby.
  */
 #ifndef PLATFORM_DEVICE_H
 #define PLATFORM_DEVICE_H
@@ -13,8 +13,8 @@ extern "C" {
 /* The node that is the system master. */
 uint32_t DEV_GetSystemMaster(void);
 
-/* The standby nodes: a heap array of `*count` identifiers, which the caller gives back with free; null if there is
- * no list. */
+/* The standby nodes: a heap array of `*count` identifiers, which the caller releases with free; null if there is no
+ * list. */
 uint16_t *DEV_GetAllStandbyNodes(uint32_t *count);
 
 #ifdef __cplusplus

@@ -10,10 +10,10 @@
 extern "C" {
 #endif
 
-/* Opens the option file; null if it cannot be used. The handle goes back through PLUGIN_OptFini. */
+/* Opens the option file; null if it cannot be used. PLUGIN_OptFini closes it. */
 void *PLUGIN_OptInit(const char *path);
 
-/* The next plug-in option, or null if there is none. The caller has set `buffer[0]` and `*word` to 0. */
+/* The next plug-in option, or null if there is none. The caller sets `buffer[0]` and `*word` to 0 before the call. */
 void *PLUGIN_GetNextPlugOpt(void *handle, char buffer[128], uint32_t *word);
 
 /* Parses an option against `table` into `target`; returns 0 or the platform's code. */

@@ -1,7 +1,7 @@
 /*
- * The platform's service manager: starts, stops and watches a service, by its name, on the nodes of the device.
- * Every call returns 0 on success and another code on failure. The trailing numbers of the start and stop calls
- * belong to the platform and are passed as they stand.
+ * The platform's service manager: starts, stops and watches a service, by its name, on the nodes of the device. Every
+ * call returns 0 on success and another code on failure. What the last numbers of the start and stop calls mean is
+ * the platform's matter.
  */
 #ifndef PLATFORM_SERVICE_H
 #define PLATFORM_SERVICE_H

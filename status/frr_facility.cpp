@@ -1,5 +1,5 @@
-// The fast reroute facility table: one function for get, first and next, by the operation that the caller passes. The
-// last two fields of its key go out as they lie.
+// The fast reroute facility table: one function for get, first and next, as the caller's operation says. The last two
+// fields of its key are sent as they are.
 #include "rsvp_mor/status.h"
 
 #include "channel/message.h"
@@ -11,6 +11,23 @@ namespace {
 // The record is the wire's image: eleven words.
 RSVP_MOR_ASSERT_SIZE(RSVP_MOR_ReplyFrrFacility, 44);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_ReplyFrrFacility, facilityWord10, 40);
+
+void EncodeKey(Bytes<24> &value, const RSVP_MOR_FrrFacilityKey &key)
+{
+    StoreNet<0>(value, key.facilityKey0);
+    StoreNet<4>(value, key.facilityKey1);
+    StoreNet<8>(value, key.facilityKey2);
+    StoreNet<12>(value, key.facilityKey3);
+    StoreRaw<16>(value, key.facilityKey4);
+    StoreRaw<20>(value, key.facilityKey5);
+}
+
+void ConvertRowNet(RSVP_MOR_ReplyFrrFacility &row)
+{
+    ConvertNet(row.facilityWord0, row.facilityWord1, row.facilityWord2, row.facilityWord3);
+    ConvertNet(row.facilityWord4, row.facilityWord5, row.facilityWord6, row.facilityWord7);
+    ConvertNet(row.facilityWord8, row.facilityWord9, row.facilityWord10);
+}
 
 } // namespace
 
@@ -24,24 +41,12 @@ uint32_t RSVP_MOR_GetFrrFacilityDBTbl(uint32_t msgOp, const RSVP_MOR_FrrFacility
     if (msgOp == OP_GET_FIRST) {
         PutEmpty(request, READ_FRR_FACILITY);
     } else {
-        uint8_t value[24];
-        StoreNet32(value + 0, key->facilityKey0);
-        StoreNet32(value + 4, key->facilityKey1);
-        StoreNet32(value + 8, key->facilityKey2);
-        StoreNet32(value + 12, key->facilityKey3);
-        StoreRaw(value + 16, key->facilityKey4);
-        StoreRaw(value + 20, key->facilityKey5);
-        PutRaw(request, READ_FRR_FACILITY, value, sizeof value);
+        Bytes<24> value;
+        EncodeKey(value, *key);
+        PutRaw(request, READ_FRR_FACILITY, value);
     }
-    const uint32_t status = QueryOwn(request, msgOp, reply);
-    if (status != RSVP_MOR_OK)
-        return status;
-    Item item;
-    if (!FirstItem(Body(reply), BodyLength(reply), item))
-        return RSVP_MOR_ERR_FAIL;
-    CopyRaw(item, *out);
-    ConvertNet(out->facilityWord0, out->facilityWord1, out->facilityWord2, out->facilityWord3);
-    ConvertNet(out->facilityWord4, out->facilityWord5, out->facilityWord6, out->facilityWord7);
-    ConvertNet(out->facilityWord8, out->facilityWord9, out->facilityWord10);
-    return RSVP_MOR_OK;
+    const uint32_t status = QueryRowRaw(request, msgOp, reply, out);
+    if (status == RSVP_MOR_OK)
+        ConvertRowNet(*out);
+    return status;
 }

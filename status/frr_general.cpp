@@ -1,5 +1,5 @@
-// The fast reroute general table, and the actual route hops extended by fast reroute state. Both ask for the first
-// row with a key of zeros.
+// The fast reroute general table, and the fast reroute state of actual route hops. Both ask for the first row with a
+// key of zeros.
 #include "status/reads.h"
 
 #include "channel/message.h"
@@ -18,12 +18,12 @@ uint32_t ReadExtArHop(MsgOp op, uint32_t hopListIndex, uint32_t hopIndex, RSVP_M
 {
     if (out == nullptr)
         return RSVP_MOR_ERR_FAIL;
-    uint8_t value[12] = {}; // the third word is always 0
-    StoreNet32(value + 0, hopListIndex);
-    StoreNet32(value + 4, hopIndex);
+    Bytes<12> value = {}; // the third word is always 0
+    StoreNet<0>(value, hopListIndex);
+    StoreNet<4>(value, hopIndex);
     Request request;
     Reply reply;
-    PutRaw(request, READ_EXT_AR_HOP, value, sizeof value);
+    PutRaw(request, READ_EXT_AR_HOP, value);
     const uint32_t status = QueryOwn(request, op, reply);
     if (status != RSVP_MOR_OK)
         return status;
@@ -37,22 +37,18 @@ uint32_t rsvp_mor_ReadFrrGeneralTable(uint32_t msgOp, const RSVP_MOR_FrrGeneralK
 {
     if (out == nullptr || msgOp < OP_GET || msgOp > OP_GET_NEXT || (key == nullptr && msgOp != OP_GET_FIRST))
         return RSVP_MOR_ERR_FAIL;
-    uint8_t value[12] = {};
+    Bytes<12> value = {};
     if (msgOp != OP_GET_FIRST) {
-        StoreNet32(value + 0, key->frrKey0);
-        StoreNet32(value + 4, key->frrKey1);
-        StoreNet32(value + 8, key->frrKey2);
+        StoreNet<0>(value, key->frrKey0);
+        StoreNet<4>(value, key->frrKey1);
+        StoreNet<8>(value, key->frrKey2);
     }
     Request request;
     Reply reply;
-    PutRaw(request, READ_FRR_GENERAL, value, sizeof value);
-    const uint32_t status = QueryOwn(request, msgOp, reply);
+    PutRaw(request, READ_FRR_GENERAL, value);
+    const uint32_t status = QueryRowRaw(request, msgOp, reply, out);
     if (status != RSVP_MOR_OK)
         return status;
-    Item item;
-    if (!FirstItem(Body(reply), BodyLength(reply), item))
-        return RSVP_MOR_ERR_FAIL;
-    CopyRaw(item, *out);
     ConvertNet(out->frrWord0, out->frrWord1, out->frrWord2, out->frrWord3);
     ConvertNet(out->frrWord4, out->frrWord5, out->frrWord6, out->frrWord7);
     ConvertNet(out->frrWord8, out->frrWord9, out->frrWord10);
@@ -76,10 +72,8 @@ uint32_t RSVP_MOR_GetNextFrrGeneralTbl(const RSVP_MOR_FrrGeneralKey *key, RSVP_M
 
 uint32_t rsvp_mor_DecodeExtArHop(const uint8_t *body, uint16_t bodyLength, RSVP_MOR_ReplyExtArHop *out)
 {
-    Item item;
-    if (!FirstItem(body, bodyLength, item))
+    if (CopyFirstRaw(body, bodyLength, out) != ITEM_READ)
         return RSVP_MOR_ERR_FAIL;
-    CopyRaw(item, *out);
     ConvertNet(out->extArHopWord0, out->extArHopWord1);
     return RSVP_MOR_OK;
 }

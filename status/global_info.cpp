@@ -30,13 +30,14 @@ void ConvertCountersNet(RSVP_MOR_GlobalCounters &counters)
     ConvertNet(counters.countsA, counters.countsB, counters.countsC);
 }
 
-void ConvertGlobalInfoNet(RSVP_MOR_GlobalInfo &info)
+void DecodeGlobalInfo(const uint8_t *body, uint16_t bodyLength, RSVP_MOR_GlobalInfo *info)
 {
-    ConvertNet(info.authWord, info.authLifeTime, info.authNumber);
-    ConvertNet(info.settingWord1, info.settingShort, info.settingWord2);
-    ConvertCountersNet(info.counters1);
-    ConvertNet(info.statWord1, info.statWord2, info.statWord3, info.statWord4);
-    ConvertCountersNet(info.counters2);
+    (void)CopyFirstRaw(body, bodyLength, info); // an empty body is taken: nothing copied, all converted
+    ConvertNet(info->authWord, info->authLifeTime, info->authNumber);
+    ConvertNet(info->settingWord1, info->settingShort, info->settingWord2);
+    ConvertCountersNet(info->counters1);
+    ConvertNet(info->statWord1, info->statWord2, info->statWord3, info->statWord4);
+    ConvertCountersNet(info->counters2);
 }
 
 } // namespace
@@ -47,11 +48,7 @@ uint32_t RSVP_MOR_GetGlobalInfo(int32_t fd, RSVP_MOR_GlobalInfo *info)
     Reply reply{};
     PutEmpty(request, READ_GLOBAL_INFO);
     const uint32_t status = QueryHeld(fd, request, OP_GET, reply);
-    if (status != RSVP_MOR_OK)
-        return status;
-    Item item;
-    FirstItem(Body(reply), BodyLength(reply), item); // an empty body is taken: nothing copied, all converted
-    CopyRaw(item, *info);
-    ConvertGlobalInfoNet(*info);
-    return RSVP_MOR_OK;
+    if (status == RSVP_MOR_OK)
+        DecodeGlobalInfo(Body(reply), BodyLength(reply), info);
+    return status;
 }

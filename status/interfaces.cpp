@@ -1,5 +1,5 @@
-// Interfaces: the full record of 556 bytes on a held session, and the small configuration row on an own one. The
-// first asks for the first row with an empty item, the second with a zero key.
+// Interfaces: the full record of 556 bytes on a held session, and the small configuration row on a session of its
+// own. One asks for the first row with an empty item, the other with a zero key.
 #include "status/reads.h"
 
 #include "channel/message.h"
@@ -45,9 +45,7 @@ uint32_t QueryIfInfo(int32_t fd, Request &request, MsgOp op, RSVP_MOR_IfInfo *in
 
 uint32_t rsvp_mor_DecodeIfInfo(const uint8_t *body, uint16_t bodyLength, RSVP_MOR_IfInfo *info)
 {
-    Item item;
-    FirstItem(body, bodyLength, item); // an empty body is taken: nothing copied, all converted
-    CopyRaw(item, *info);
+    (void)CopyFirstRaw(body, bodyLength, info); // an empty body is taken: nothing copied, all converted
     ConvertCountersNet(info->counters1);
     ConvertNet(info->authWord, info->authLifeTime, info->authNumber);
     ConvertNet(info->ifShort1, info->ifShort2, info->ifShort3, info->ifShort4);
@@ -84,16 +82,12 @@ uint32_t rsvp_mor_QueryIfConfig(uint32_t op, uint32_t ifIndex, RSVP_MOR_IfConfig
     Request request;
     Reply reply;
     PutNetWord(request, READ_IF_CONFIG, ifIndex);
-    const uint32_t status = QueryOwn(request, op, reply);
+    Bytes<8> value = {}; // bytes that a short value lacks read as 0
+    const uint32_t status = QueryRowRaw(request, op, reply, &value);
     if (status != RSVP_MOR_OK)
         return status;
-    Item item;
-    if (!FirstItem(Body(reply), BodyLength(reply), item))
-        return RSVP_MOR_ERR_FAIL;
-    uint8_t value[8] = {}; // bytes that a short value lacks read as 0
-    CopyRaw(item, value);
-    LoadNet(value + 0, config->ifIndex);
-    LoadNet(value + 4, config->ifConfig);
+    LoadNet<0>(value, config->ifIndex);
+    LoadNet<4>(value, config->ifConfig);
     return RSVP_MOR_OK;
 }
 

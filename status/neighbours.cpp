@@ -1,5 +1,5 @@
-// The tables of neighbours and of authentication state. Their requests have one shape; their decoders differ: the
-// neighbour's takes whatever length comes, the authentication entry's refuses every body but one of 132 bytes.
+// The tables of neighbours and of authentication state. Their requests are alike, their decoders differ: a
+// neighbour's value may have any length, an authentication entry must be whole.
 #include "status/reads.h"
 
 #include "channel/message.h"
@@ -21,10 +21,10 @@ RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_ReplyAuth, authEntryTail, 118);
 
 void PutKey(Request &request, ReadItem table, uint32_t key0, uint32_t key1)
 {
-    uint8_t key[8];
-    StoreNet32(key + 0, key0);
-    StoreNet32(key + 4, key1);
-    PutRaw(request, table, key, sizeof key);
+    Bytes<8> key;
+    StoreNet<0>(key, key0);
+    StoreNet<4>(key, key1);
+    PutRaw(request, table, key);
 }
 
 uint32_t QueryNbr(int32_t fd, Request &request, MsgOp op, RSVP_MOR_ReplyNbr *out)
@@ -49,9 +49,7 @@ uint32_t QueryAuth(int32_t fd, Request &request, MsgOp op, RSVP_MOR_ReplyAuth *o
 
 uint32_t rsvp_mor_DecodeNbr(const uint8_t *body, uint16_t bodyLength, RSVP_MOR_ReplyNbr *out)
 {
-    Item item;
-    FirstItem(body, bodyLength, item); // an empty body is taken: nothing copied, all converted
-    CopyRaw(item, *out);
+    (void)CopyFirstRaw(body, bodyLength, out); // an empty body is taken: nothing copied, all converted
     ConvertNet(out->nbrWord0, out->nbrWord1, out->nbrWord2, out->nbrWord3);
     ConvertNet(out->nbrWord4, out->nbrWord5, out->nbrWord6, out->nbrWord7);
     ConvertNet(out->nbrShort, out->nbrWord8, out->nbrWord9);
@@ -60,12 +58,9 @@ uint32_t rsvp_mor_DecodeNbr(const uint8_t *body, uint16_t bodyLength, RSVP_MOR_R
 
 uint32_t rsvp_mor_DecodeAuth(const uint8_t *body, uint16_t bodyLength, RSVP_MOR_ReplyAuth *out)
 {
-    constexpr uint16_t exactBodyLength = 132; // one item: its value and 4 bytes of the item's own
-    if (bodyLength != exactBodyLength)
+    if (bodyLength != ITEM_OVERHEAD + sizeof(*out))
         return RSVP_MOR_ERR_FAIL;
-    Item item;
-    FirstItem(body, bodyLength, item); // without an item nothing is copied, and all is converted
-    CopyRaw(item, *out);
+    (void)CopyFirstRaw(body, bodyLength, out); // without an item nothing is copied, and all is converted
     ConvertNet(out->authEntryLong0, out->authEntryLong1);
     ConvertNet(out->authEntryWord0, out->authEntryWord1, out->authEntryWord2, out->authEntryWord3);
     ConvertNet(out->authEntryWord4, out->authEntryShort);

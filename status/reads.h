@@ -1,5 +1,6 @@
-// Decoders and workers of the status queries that the tests and fuzzers reach by themselves.
-#pragma once
+// Decoders and workers behind the status queries, declared for the tests.
+#ifndef STATUS_READS_H
+#define STATUS_READS_H
 
 #include "rsvp_mor/status.h"
 
@@ -16,3 +17,5 @@ uint32_t rsvp_mor_QueryIfConfig(uint32_t op, uint32_t ifIndex, RSVP_MOR_IfConfig
 uint32_t rsvp_mor_ReadFrrGeneralTable(uint32_t msgOp, const RSVP_MOR_FrrGeneralKey *key,
                                       RSVP_MOR_ReplyFrrGeneral *out);
 }
+
+#endif

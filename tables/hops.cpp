@@ -1,4 +1,4 @@
-// The tables of computed and of actual route hops. One record is key and answer, so that it is its own cursor.
+// The tables of computed and of actual route hops. One record is both key and answer: a walk needs no other cursor.
 #include "tables/reads.h"
 
 #include "channel/message.h"
@@ -7,7 +7,7 @@ using namespace rsvp_mor;
 
 namespace {
 
-// Both records are the wire's image; the computed hop has two words more.
+// Both records are the wire's image; a computed hop has two more words.
 RSVP_MOR_ASSERT_SIZE(RSVP_MOR_ReplyArHop, 28);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_ReplyArHop, hopAddrBytes, 2);
 RSVP_MOR_ASSERT_OFFSET(RSVP_MOR_ReplyArHop, hopListIndex, 20);
@@ -23,23 +23,18 @@ template <typename Record> uint32_t ReadHop(ReadItem table, uint32_t msgOp, Reco
 {
     if (record == nullptr || msgOp < OP_GET || msgOp > OP_GET_NEXT)
         return RSVP_MOR_ERR_FAIL;
-    uint8_t key[12] = {}; // the third word is always 0
+    Bytes<12> key = {}; // the third word is always 0
     if (msgOp != OP_GET_FIRST) {
-        StoreNet32(key + 0, record->hopListIndex);
-        StoreNet32(key + 4, record->hopIndex);
+        StoreNet<0>(key, record->hopListIndex);
+        StoreNet<4>(key, record->hopIndex);
     }
     Request request{};
     Reply reply{};
-    PutRaw(request, table, key, sizeof key);
-    const uint32_t status = QueryOwn(request, msgOp, reply);
-    if (status != RSVP_MOR_OK)
-        return status;
-    Item item;
-    if (!FirstItem(Body(reply), BodyLength(reply), item))
-        return RSVP_MOR_ERR_FAIL;
-    CopyRaw(item, *record);
-    ConvertNet(record->hopAddrKind, record->hopListIndex, record->hopIndex);
-    return RSVP_MOR_OK;
+    PutRaw(request, table, key);
+    const uint32_t status = QueryRowRaw(request, msgOp, reply, record);
+    if (status == RSVP_MOR_OK)
+        ConvertNet(record->hopAddrKind, record->hopListIndex, record->hopIndex);
+    return status;
 }
 
 } // namespace

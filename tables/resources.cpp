@@ -1,5 +1,5 @@
-// The tunnel resource table. One record is key and answer; the first row is asked for with an empty item, not with a
-// key of zeros.
+// The tunnel resource table. One record is both key and answer; the first row is asked for with an empty item, not
+// with a key of zeros.
 #include "tables/reads.h"
 
 #include "channel/message.h"
@@ -24,13 +24,9 @@ uint32_t rsvp_mor_ReadResourceTable(uint32_t msgOp, RSVP_MOR_ReplyResource *reco
         PutEmpty(request, READ_RESOURCE);
     else
         PutNetWord(request, READ_RESOURCE, record->resourceIndex);
-    const uint32_t status = QueryOwn(request, msgOp, reply);
+    const uint32_t status = QueryRowRaw(request, msgOp, reply, record);
     if (status != RSVP_MOR_OK)
         return status;
-    Item item;
-    if (!FirstItem(Body(reply), BodyLength(reply), item))
-        return RSVP_MOR_ERR_FAIL;
-    CopyRaw(item, *record);
     ConvertNet(record->resourceIndex, record->resourceWord1, record->resourceWord2);
     ConvertNet(record->resourceWord3, record->resourceWord4, record->resourceWord5);
     return RSVP_MOR_OK;

@@ -1,4 +1,4 @@
-// The tunnel table, by its four index parts: one row, all rows, or the rows of the tunnels that begin here.
+// The tunnel table, by its four index parts: one row, a walk of all rows, or a walk of the tunnels that begin here.
 #include "tables/reads.h"
 
 #include "channel/message.h"
@@ -39,23 +39,19 @@ uint32_t rsvp_mor_ReadTunnelTable(uint32_t msgOp, const RSVP_MOR_TunnelKey *key,
 {
     if (out == nullptr || msgOp < OP_GET || msgOp > OP_GET_NEXT_INGRESS || (key == nullptr && NeedsKey(msgOp)))
         return RSVP_MOR_ERR_FAIL;
-    uint8_t value[16] = {};
+    Bytes<16> value = {};
     if (NeedsKey(msgOp)) {
-        StoreNet32(value + 0, key->tunnelIndex);
-        StoreNet32(value + 4, key->tunnelInstance);
-        StoreNet32(value + 8, key->ingressLsrId);
-        StoreNet32(value + 12, key->egressLsrId);
+        StoreNet<0>(value, key->tunnelIndex);
+        StoreNet<4>(value, key->tunnelInstance);
+        StoreNet<8>(value, key->ingressLsrId);
+        StoreNet<12>(value, key->egressLsrId);
     }
     Request request{};
     Reply reply{};
-    PutRaw(request, READ_TUNNEL, value, sizeof value);
-    const uint32_t status = QueryOwn(request, msgOp, reply);
+    PutRaw(request, READ_TUNNEL, value);
+    const uint32_t status = QueryRowRaw(request, msgOp, reply, out);
     if (status != RSVP_MOR_OK)
         return status;
-    Item item;
-    if (!FirstItem(Body(reply), BodyLength(reply), item))
-        return RSVP_MOR_ERR_FAIL;
-    CopyRaw(item, *out);
     ConvertNet(out->tunnelWord0, out->tunnelWord1, out->tunnelWord2, out->tunnelWord3, out->tunnelWord4);
     ConvertNet(out->tunnelWord5, out->tunnelWord6, out->tunnelWord7, out->tunnelWord8, out->tunnelWord9);
     ConvertNet(out->tunnelWord10, out->tunnelWord11, out->tunnelWord12);

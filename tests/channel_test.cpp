@@ -1,5 +1,5 @@
-// The channel and what stands on the platform alone: the calls that open a session, every outcome of an exchange, the
-// counters, the presence of the service, the option file, and the switch of the service over all nodes.
+// The channel and what needs only the platform: the calls that open a session, every outcome of an exchange, the
+// counters, the presence of the service, the option file, and the switch of the service on all nodes.
 #include "channel/exchange.h"
 #include "channel/presence.h"
 #include "support/world.h"
@@ -101,17 +101,17 @@ TEST_F(Channel, ExchangesOneRequestForOneReply)
         world.script = {{"send", row.send}, {"recv", row.recv}};
         world.replies = {row.reply};
         Bytes reply(RSVP_MOR_MSG_MAX, '\0');
-        EXPECT_EQ(RSVP_MOR_Exchange(HELD, request.data(), 8, reply.data()), row.status);
+        EXPECT_EQ(RSVP_MOR_Exchange(kHeld, request.data(), 8, reply.data()), row.status);
         EXPECT_EQ(CallNames(), row.calls);
         EXPECT_EQ(world.calls.front(), "send(2000,8,0)");
         EXPECT_EQ(world.calls.back(), world.calls.back()[0] == 'r' ? "recv(2000,8192,256)" : "send(2000,8,0)");
-        EXPECT_TRUE(row.status != 0 || reply.starts_with(row.reply)) << "the reply is handed on as it came";
+        EXPECT_TRUE(row.status != 0 || reply.starts_with(row.reply)) << "the reply is passed on as it came";
         EXPECT_TRUE(Clean());
     }
     for (size_t size = 0; size < 8; ++size) {
         world.replies = {Reply(0, "").substr(0, size)};
         Bytes reply(RSVP_MOR_MSG_MAX, '\0');
-        EXPECT_EQ(RSVP_MOR_Exchange(HELD, request.data(), 8, reply.data()), RSVP_MOR_ERR_FAIL) << size;
+        EXPECT_EQ(RSVP_MOR_Exchange(kHeld, request.data(), 8, reply.data()), RSVP_MOR_ERR_FAIL) << size;
     }
 }
 
@@ -144,23 +144,23 @@ TEST_F(Channel, CountsFromTheFirstItem)
     }
 }
 
-// A status that stands for a node that cannot be asked.
-constexpr uint32_t MUTE = 99;
+// Stands for the status of a node that cannot be asked.
+constexpr uint32_t kMute = 99;
 
 using Statuses = std::vector<uint32_t>;
 
 void SetNodes(uint32_t master, const std::optional<Statuses> &standby)
 {
     world.services.clear();
-    if (master != MUTE)
-        world.services[MASTER] = master;
+    if (master != kMute)
+        world.services[kMaster] = master;
     if (!standby)
         return;
     world.standby.emplace();
     for (const uint32_t status : *standby) {
         const uint16_t node = static_cast<uint16_t>(11 + world.standby->size());
         world.standby->push_back(node);
-        if (status != MUTE)
+        if (status != kMute)
             world.services[node] = status;
     }
 }
@@ -178,7 +178,7 @@ TEST_F(Channel, FindsTheServiceOnAnyNode)
         {0, {}, 0, "DEV_GetSystemMaster SERVICE_GetStatus DEV_GetAllStandbyNodes"},
         {3, Statuses{}, 0, "DEV_GetSystemMaster SERVICE_GetStatus DEV_GetAllStandbyNodes"},
         {0, Statuses{0, 1, 0}, 1, "DEV_GetSystemMaster SERVICE_GetStatus DEV_GetAllStandbyNodes SERVICE_GetStatus*2"},
-        {MUTE, Statuses{MUTE, 3, 4, 2}, 1,
+        {kMute, Statuses{kMute, 3, 4, 2}, 1,
          "DEV_GetSystemMaster SERVICE_GetStatus DEV_GetAllStandbyNodes SERVICE_GetStatus*4"},
         {4, Statuses{0, 3, 4}, 0, "DEV_GetSystemMaster SERVICE_GetStatus DEV_GetAllStandbyNodes SERVICE_GetStatus*3"},
     };
@@ -191,8 +191,8 @@ TEST_F(Channel, FindsTheServiceOnAnyNode)
             EXPECT_EQ(world.calls[1], "SERVICE_GetStatus(1,RSVP,0)");
             EXPECT_TRUE(Clean()) << row.calls;
         }
-    world.script["SERVICE_GetStatus"] = {5}; // an answer that comes with a failure does not count
-    world.services[MASTER] = 1;
+    world.script["SERVICE_GetStatus"] = {5}; // a status that comes with a failure does not count
+    world.services[kMaster] = 1;
     world.standby.reset();
     EXPECT_EQ(RSVP_IsGlobalEnabled(), 0u);
 }
@@ -202,14 +202,14 @@ TEST_F(Channel, FiltersStandbyNodesInPlace)
     const struct {
         uint32_t mode;
         Statuses statuses;
-        std::vector<uint16_t> nodes; // as they stand after the call
+        std::vector<uint16_t> nodes; // after the call
         uint32_t kept;
     } rows[] = {
         {1, {1, 0, 2, 3}, {12, 14, 13, 14}, 2},
         {0, {1, 0, 2, 3}, {11, 13, 13, 14}, 2},
         {7, {1, 0, 2, 3}, {11, 13, 13, 14}, 2},
-        {1, {MUTE, 0, MUTE}, {12, 12, 13}, 1},
-        {0, {MUTE, 1, MUTE}, {12, 12, 13}, 1},
+        {1, {kMute, 0, kMute}, {12, 12, 13}, 1},
+        {0, {kMute, 1, kMute}, {12, 12, 13}, 1},
         {1, {4, 1}, {11, 12}, 1},
         {0, {4, 0}, {11, 12}, 1},
         {1, {}, {}, 0},
@@ -249,8 +249,8 @@ TEST_F(Channel, ParsesTheFirstOptionOfTheFile)
     }
 }
 
-// The rows of the global switch: the calls are in the words below, so that a row reads as the story of one switch.
-const std::map<std::string, std::string> WORDS = {
+// The rows of the global switch write calls in these words, so that a row reads as the story of one switch.
+const std::map<std::string, std::string> kWords = {
     {"master", "DEV_GetSystemMaster()"},
     {"nodes", "DEV_GetAllStandbyNodes()"},
     {"ask", "SERVICE_GetStatus(1,RSVP,0)"},
@@ -275,34 +275,34 @@ struct Switch {
     const char *calls;
 };
 
-const Statuses MIXED = {0, 1, 3};
-const Statuses RUNNING = {1, 2};
-const int NOT_EXIST = static_cast<int>(RSVP_MOR_ERR_NOT_EXIST);
-constexpr uint32_t FAIL = RSVP_MOR_ERR_FAIL;
+const Statuses kMixed = {0, 1, 3};
+const Statuses kRunning = {1, 2};
+const int kNotExist = static_cast<int>(RSVP_MOR_ERR_NOT_EXIST);
+constexpr uint32_t kFail = RSVP_MOR_ERR_FAIL;
 
 TEST_F(Channel, SwitchesTheServiceOverAllNodesInOrder)
 {
     const Switch rows[] = {
-        {0, 0, MIXED, {}, 0, "master ask start nodes ask11 ask12 ask13 start11+13"},
+        {0, 0, kMixed, {}, 0, "master ask start nodes ask11 ask12 ask13 start11+13"},
         {0, 3, {}, {}, 0, "master ask start nodes"},
-        {0, 1, RUNNING, {}, 0, "master ask nodes ask11 ask12"},
+        {0, 1, kRunning, {}, 0, "master ask nodes ask11 ask12"},
         {0, 4, {}, {}, 0, "master ask nodes"},
-        {0, MUTE, MIXED, {}, FAIL, "master ask"},
-        {0, MUTE, {}, {{"SERVICE_GetStatus", {NOT_EXIST}}}, 0, "master ask start nodes"},
-        {0, 0, MIXED, {{"SERVICE_Start", {9}}}, FAIL, "master ask start"},
-        {0, 0, MIXED, {{"SERVICE_BatchStart", {9}}}, FAIL, "master ask start nodes ask11 ask12 ask13 start11+13"},
-        {1, 1, MIXED, {}, 0, "tell master nodes ask11 ask12 ask13 stop12 ask stop"},
+        {0, kMute, kMixed, {}, kFail, "master ask"},
+        {0, kMute, {}, {{"SERVICE_GetStatus", {kNotExist}}}, 0, "master ask start nodes"},
+        {0, 0, kMixed, {{"SERVICE_Start", {9}}}, kFail, "master ask start"},
+        {0, 0, kMixed, {{"SERVICE_BatchStart", {9}}}, kFail, "master ask start nodes ask11 ask12 ask13 start11+13"},
+        {1, 1, kMixed, {}, 0, "tell master nodes ask11 ask12 ask13 stop12 ask stop"},
         {9, 2, {}, {}, 0, "tell master nodes ask stop"},
         {1, 1, Statuses{0, 3}, {}, 0, "tell master nodes ask11 ask12 ask stop"},
         {1, 0, {}, {}, 0, "tell master nodes ask"},
         {1, 3, {}, {}, 0, "tell master nodes ask"},
-        {1, MUTE, {}, {}, 0, "tell master nodes ask"},
+        {1, kMute, {}, {}, 0, "tell master nodes ask"},
         {1, 4, {}, {}, 0, "tell master nodes ask stop"},
-        {1, 1, MIXED, {{"SERVICE_BatchStop", {9}}}, 0, "tell master nodes ask11 ask12 ask13 stop12 ask stop"},
+        {1, 1, kMixed, {{"SERVICE_BatchStop", {9}}}, 0, "tell master nodes ask11 ask12 ask13 stop12 ask stop"},
         {1, 1, {}, {{"SERVICE_Stop", {9}}}, 0, "tell master nodes ask stop"},
-        {1, 1, MIXED, {{"send", {EPIPE}}}, FAIL, "tell probe done"},
+        {1, 1, kMixed, {{"send", {EPIPE}}}, kFail, "tell probe done"},
         {1, 1, {}, {{"recv", {EAGAIN}}, {"DBM_Open", {9}}}, 0, "tell probe master nodes ask stop"},
-        {1, 1, {}, {{"socket", {EMFILE}}}, FAIL, "probe done"},
+        {1, 1, {}, {{"socket", {EMFILE}}}, kFail, "probe done"},
     };
     for (const Switch &row : rows) {
         SCOPED_TRACE(std::to_string(row.op) + " " + row.calls);
@@ -314,8 +314,8 @@ TEST_F(Channel, SwitchesTheServiceOverAllNodesInOrder)
         std::string words;
         for (const std::string &call : PlatformCalls()) {
             const auto word =
-                std::find_if(WORDS.begin(), WORDS.end(), [&](auto &pair) { return pair.second == call; });
-            words += " " + (word == WORDS.end() ? call : word->first);
+                std::find_if(kWords.begin(), kWords.end(), [&](auto &pair) { return pair.second == call; });
+            words += " " + (word == kWords.end() ? call : word->first);
         }
         EXPECT_EQ(words.substr(1), row.calls);
         EXPECT_TRUE(Clean());

@@ -1,12 +1,13 @@
 // The simulated daemon from the inside: the search of rows at its edges, refusals that must name line and key,
 // faults, commands and the reads that show them, what the trace keeps to itself, and clients that mean harm.
-#include "generator.h"
-#include "scenario.h"
-#include "server.h"
+#include "host/daemon/scenario/generator.h"
+#include "host/daemon/scenario/scenario.h"
+#include "host/daemon/server.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <set>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -20,12 +21,12 @@ namespace {
 Bytes Hex(std::string_view text)
 {
     Bytes bytes;
-    for (std::size_t i = 0; i + 1 < text.size(); i += 2)
-        bytes.push_back(static_cast<std::uint8_t>(std::stoul(std::string(text.substr(i, 2)), nullptr, 16)));
+    for (size_t i = 0; i + 1 < text.size(); i += 2)
+        bytes.push_back(static_cast<uint8_t>(std::stoul(std::string(text.substr(i, 2)), nullptr, 16)));
     return bytes;
 }
 
-Bytes Request(std::uint8_t msgClass, std::uint8_t op, std::string_view body)
+Bytes Request(uint8_t msgClass, uint8_t op, std::string_view body)
 {
     return BuildFrame(msgClass, op, 0, Hex(body));
 }
@@ -35,15 +36,14 @@ std::string Show(const Reply &reply)
     return fmt::format("{:02x}", fmt::join(reply.frame, ""));
 }
 
-std::uint64_t StatusOf(const Reply &reply)
+uint64_t StatusOf(const Reply &reply)
 {
     return LoadNet(ByteView(reply.frame).subspan(4, 4));
 }
 
 // The first fixed value of a reply, one field of it in words.
-std::string FieldOf(const Reply &reply, std::string_view layoutName, std::string_view field)
+std::string FieldOf(const Reply &reply, const Layout &layout, std::string_view field)
 {
-    const Layout &layout = LayoutNamed(layoutName);
     const ByteView value = ByteView(reply.frame).subspan(kHeaderSize + kItemHeaderSize);
     return ShowField(value, *FindField(layout, field, KindsOf(layout, value)));
 }
@@ -51,13 +51,12 @@ std::string FieldOf(const Reply &reply, std::string_view layoutName, std::string
 TEST(WireTables, NoTwoFieldsOfOneFormOverlap)
 {
     for (const Layout &layout : AllLayouts()) {
-        for (std::uint64_t kind = 0; kind < 5; kind++) {
+        for (uint64_t kind = 0; kind < 5; ++kind) {
             std::vector<int> used(layout.size);
             const KindLookup kinds = [kind](std::string_view) { return kind; };
             for (const Field &field : layout.fields) {
-                const std::size_t bytes =
-                    FindField(layout, field.name, kinds) == &field ? field.width * field.count : 0;
-                for (std::size_t i = 0; i < bytes; i++)
+                const size_t bytes = FindField(layout, field.name, kinds) == &field ? field.Size() : 0;
+                for (size_t i = 0; i < bytes; ++i)
                     EXPECT_EQ(++used[field.offset + i], 1) << layout.name << " " << field.name << " kind " << kind;
             }
         }
@@ -70,13 +69,13 @@ TEST(TableEngine, FindsTheRowAtEveryEdge)
     MakeRows(device, "nbr=3"); // keys 1, 2, 3 and a second word that is the same in all
     Table &table = device.Rows("nbr");
     const Bytes second = table.Find(Seek::First, {})->key;
-    const auto key = [&](std::uint32_t word, std::string_view rest = {}) {
+    const auto key = [&](uint32_t word, std::string_view rest = {}) {
         Bytes bytes = rest.empty() ? second : Hex(fmt::format("00000000{}", rest));
         StoreNet(std::span(bytes).first(4), word);
         return bytes;
     };
     Block kept;
-    kept.fields = {{"nbrWord0", std::uint64_t{2}}, {"nbrWord1", std::uint64_t{0xFFFFFFFF}}};
+    kept.fields = {{"nbrWord0", uint64_t{2}}, {"nbrWord1", uint64_t{0xFFFFFFFF}}};
     ASSERT_TRUE(table.Insert(EncodeRow(table.Kind(), kept))); // between 2 and 3
     EXPECT_FALSE(table.Insert(EncodeRow(table.Kind(), kept)));
     const struct {
@@ -113,7 +112,7 @@ TEST(Scenario, RefusalsNameLineAndKey)
 {
     // 440 bytes of value, 213 hops and 6 route entries: one entry too many.
     std::string fullList = "[[psb]]\nrouteList4 = [{}, {}, {}, {}, {}, {}]\nhopList = [";
-    for (int i = 0; i < 213; i++)
+    for (int i = 0; i < 213; ++i)
         fullList += "{}, ";
     fullList += "]";
     const struct {
@@ -132,16 +131,16 @@ TEST(Scenario, RefusalsNameLineAndKey)
         {"[[psb]]\nhopList = [\n  { kind = 3, label = 5 },\n  { kind = 3, lable = 5 } ]\n", "f.toml:4: lable: "},
         {"[[p2mpCrlsp]]\nrequestKey = { keyShort4 = 1 }\n", "f.toml:2: keyShort4: there is no such key"},
         {"[[nbr]]\n[[nbr]]\n", "f.toml:2: nbr: another row has the same key"},
-        {"[rows]\npsbs = 3\n", "f.toml:2: psbs: \"psbs\" is no kind of row"},
+        {"[rows]\npsbs = 3\n", "f.toml:2: psbs: \"psbs\" is not a kind of row"},
         {"[[fault]]\nkind = \"late\"\nclass = 3\n", "f.toml:1: fault: late needs a number"},
         {"[[refuse]]\nclass = 0\n", "f.toml:1: refuse: needs a status"},
         {"[counters\n", "f.toml:1: "},
         {fullList, "f.toml:1: psb: its items take 8196 bytes, a message has room for 8184"},
     };
     for (const auto &row : rows) {
-        Daemon daemon;
+        Device device;
         try {
-            ReadScenarioText(daemon, row.text, "f.toml");
+            ReadScenarioText(device, row.text, "f.toml");
             ADD_FAILURE() << "taken: " << row.text;
         } catch (const ScenarioError &error) {
             EXPECT_TRUE(std::string_view(error.what()).starts_with(row.expected)) << error.what();
@@ -156,11 +155,12 @@ TEST(Daemon, TakesCommandsShowsThemAndRefusesTheRest)
     const std::string global = "00060000", interface = "0007000400000003", config = "0070000400000003";
     const std::string neighbour = "000300080a00000900000000", debug = "00020000";
     const struct {
-        std::uint8_t msgClass, op;
+        uint8_t msgClass, op;
         std::string body;
-        std::uint32_t status = kOk;
-        std::string read = {};                                // body of the get that shows it
-        std::string_view layout = {}, field = {}, shown = {}; // shown: empty if the row is gone
+        uint32_t status = kOk;
+        std::string read = {}; // body of the get that shows it
+        LayoutRef layout = "none";
+        std::string_view field = {}, shown = {}; // shown: empty if the row is gone
     } rows[] = {
         {0, 0, "000f000400200000", kOk, global, "globalInfo", "settingShort", "32"},
         {0, 8, "000a0004a5000000", kOk, global, "globalInfo", "settingBytes", "03a50400"},
@@ -201,7 +201,7 @@ TEST(Daemon, TakesCommandsShowsThemAndRefusesTheRest)
             continue;
         const Reply read = daemon.Answer(Request(kShow, kGet, row.read));
         ASSERT_EQ(StatusOf(read), row.shown.empty() ? kNoSuchRow : kOk);
-        EXPECT_EQ(row.shown.empty() ? "" : FieldOf(read, row.layout, row.field), row.shown);
+        EXPECT_EQ(row.shown.empty() ? "" : FieldOf(read, *row.layout, row.field), row.shown);
     }
     EXPECT_EQ(StatusOf(daemon.Answer(Hex("030300050000000000060000"))), kMalformed);
     EXPECT_TRUE(daemon.Answer(Hex("03030000000000")).close);
@@ -223,21 +223,44 @@ TEST(Daemon, FaultsSpoilWhatTheySelect)
         {"silent,op=4", "03030008000000000064000400000000"},
         {"silent,item=101", "03030008000000000064000400000000"},
     };
-    for (const auto &row : rows) {
+    std::set<FaultKind> covered;
+    const auto struck = [&covered](std::string_view fault) {
         Daemon daemon;
-        daemon.Add(ParseFault(std::string(row.fault) + ",class=3,once"));
+        daemon.Add(ParseFault(fault));
+        covered.insert(ParseFault(fault).kind);
+        return daemon;
+    };
+    for (const auto &row : rows) {
+        Daemon daemon = struck(std::string(row.fault) + ",class=3,once");
         const Reply first = daemon.Answer(Request(3, 3, "00640000"));
         EXPECT_EQ(Show(first), row.frame) << row.fault;
         EXPECT_EQ(Show(daemon.Answer(Request(3, 3, "00640000"))), "03030008000000000064000400000000") << row.fault;
     }
-    for (const auto &[fault, expected] : {std::pair{"stuck", 1U}, std::pair{"shifting", 3U}}) {
-        Daemon daemon;
-        MakeRows(daemon.GetDevice(), "resource=4");
-        daemon.Add(ParseFault(std::string(fault) + ",once"));
-        const Reply reply = daemon.Answer(Request(3, 5, "0067000400000001"));
-        EXPECT_EQ(FieldOf(reply, "resource", "resourceIndex"), std::to_string(expected)) << fault;
+    const struct {
+        std::string_view fault;
+        int copies, delay;
+        bool close, crash;
+    } ways[] = {{"late=200", 1, 200, false, false},
+                {"silent", 0, 0, false, false},
+                {"twice", 2, 0, false, false},
+                {"close", 0, 0, true, false},
+                {"exit", 0, 0, false, true}};
+    for (const auto &way : ways) {
+        const Reply reply = struck(way.fault).Answer(Request(3, 3, "00640000"));
+        EXPECT_EQ(std::tuple(reply.copies, reply.delay.count(), reply.close, reply.crash),
+                  std::tuple(way.copies, way.delay, way.close, way.crash))
+            << way.fault;
     }
-    for (const auto *wrong : {"", "slow", "late", "late=x", "silent,speed=1", "silent,class=256", "silent,once=1"})
+    for (const auto &[fault, expected] : {std::pair{"stuck", 1U}, std::pair{"shifting", 3U}}) {
+        Daemon daemon = struck(fault);
+        MakeRows(daemon.GetDevice(), "resource=4");
+        const Reply reply = daemon.Answer(Request(3, 5, "0067000400000001"));
+        EXPECT_EQ(FieldOf(reply, *LayoutRef("resource"), "resourceIndex"), std::to_string(expected)) << fault;
+    }
+    for (const FaultName &known : AllFaults())
+        EXPECT_TRUE(covered.contains(known.kind)) << known.name << " has no row here";
+    for (const auto *wrong :
+         {"", "slow", "late", "late=x", "silent,speed=1", "silent,class=256", "silent,once=1", "silent=1", "silent,"})
         EXPECT_THROW(ParseFault(wrong), std::invalid_argument) << wrong;
 }
 
@@ -249,7 +272,7 @@ TEST(Trace, NeverShowsAKey)
     const std::string secret = "hunter2-hunter2-hunter2";
     const std::string hex = fmt::format("{:02x}", fmt::join(secret, ""));
     const std::string item = "00030044" + hex + std::string(136 - hex.size(), '0');
-    for (const std::uint8_t op : {kSet, kUndo, kSet}) {
+    for (const uint8_t op : {kSet, kUndo, kSet}) {
         daemon.Answer(Request(kGlobal, op, item));
         daemon.Answer(Request(kInterface, op, "0001000400000001" + item));
         daemon.Answer(Request(kPeer, op, "000000040a000001" + item));
@@ -321,7 +344,7 @@ TEST(Server, NoClientStopsTheOthers)
     const int large = running.Connect();
     EXPECT_EQ(running.Ask(large, huge), static_cast<ssize_t>(kHeaderSize));
     std::vector<int> idle;
-    for (int i = 0; i < 300; i++)
+    for (int i = 0; i < 300; ++i)
         idle.push_back(running.Connect());
     const int honest = running.Connect();
     EXPECT_EQ(running.Ask(honest, Request(kShow, kGet, "00640000")), 16);

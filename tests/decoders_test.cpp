@@ -1,4 +1,4 @@
-// The rules by which the reads differ: what each makes of a value that is long, short, absent or repeated, in which
+// The rules by which the reads differ: what each does with a value that is long, short, missing or repeated, in which
 // order items may come, what is converted and what stays raw, and what a release leaves behind.
 #include "lsp/lists.h"
 #include "status/reads.h"
@@ -14,7 +14,7 @@ namespace {
 
 class Decoders : public WorldTest {};
 
-constexpr uint32_t FAIL = RSVP_MOR_ERR_FAIL;
+constexpr uint32_t kFail = RSVP_MOR_ERR_FAIL;
 
 // ---- Fixed records ----
 
@@ -22,24 +22,25 @@ TEST_F(Decoders, FillTheFrontOfAFixedRecordAndConvertTheWhole)
 {
     for (const Operation &operation : Operations()) {
         const Answer &answer = operation.answer;
-        if (answer.reader == DROPPED || answer.reader == LISTS || answer.content.empty())
+        if (answer.reader == kDropped || answer.reader == kLists || answer.content.empty())
             continue;
         const auto expectRecord = [&](const Bytes &body, const Bytes &value, bool taken) {
             const Outcome outcome = Perform(operation, Reply(0, body));
             Bytes expected = outcome.before;
             expected.replace(0, std::min(value.size(), answer.size), value, 0, answer.size);
-            EXPECT_EQ(outcome.status, taken ? RSVP_MOR_OK : FAIL) << operation.name << " " << body.size();
+            EXPECT_EQ(outcome.status, taken ? RSVP_MOR_OK : kFail) << operation.name << " " << body.size();
             EXPECT_EQ(ToHex(outcome.after), ToHex(taken ? ToHost(answer.content, expected) : outcome.before))
                 << operation.name << ", value of " << value.size();
         };
-        const bool exact = answer.reader == EXACT;
+        const bool exact = answer.reader == kExact;
         for (const size_t size : {size_t{0}, size_t{1}, size_t{3}, answer.size / 2, answer.size - 1, answer.size,
                                   answer.size + 1, answer.size + 40}) {
-            const bool taken = exact ? size == answer.size : answer.reader != NEEDS_COUNT || size >= answer.size;
+            const bool taken = exact ? size == answer.size : answer.reader != kNeedsCount || size >= answer.size;
             expectRecord(Item(5, Pattern(size)), Pattern(size), taken);
         }
-        expectRecord("", "", answer.reader == TAKEN);
-        expectRecord(Bytes(answer.size + 4, '\xff'), "", answer.reader == TAKEN || exact); // nothing readable
+        expectRecord("", "", answer.reader == kTaken);
+        expectRecord(Bytes(answer.size + 4, '\xff'), "",
+                     answer.reader == kTaken || exact); // nothing that can be read
         if (exact)
             expectRecord(Item(5, Pattern(3)) + Item(5, Pattern(answer.size - 7)), Pattern(3), true);
     }
@@ -83,23 +84,23 @@ TEST_F(Decoders, RefuseBadArgumentsWithoutASession)
     alignas(16) uint8_t memory[1024] = {};
     const Record here = {memory}; // any key and any record
     for (const Operation &operation : Operations())
-        EXPECT_TRUE(!OwnSession(operation) || operation.answer.size == 0 || operation.call(0, {nullptr}) == FAIL)
+        EXPECT_TRUE(!OwnSession(operation) || operation.answer.size == 0 || operation.call(0, {nullptr}) == kFail)
             << operation.name << " without a record";
     const uint32_t statuses[] = {
         // no key
         RSVP_MOR_GetFrrFacilityDBTbl(3, nullptr, here), RSVP_MOR_GetFrrFacilityDBTbl(5, nullptr, here),
         RSVP_MOR_GetFrrGeneralTbl(nullptr, here), RSVP_MOR_GetNextFrrGeneralTbl(nullptr, here),
         RSVP_GetTunnel(nullptr, here), RSVP_GetNextTunnel(nullptr, here), RSVP_GetNextIngressTunnel(nullptr, here),
-        RSVP_MOR_ResetAuth(nullptr), RSVP_MOR_SetDebug(0, nullptr), RSVP_MOR_ResetStatistics(HELD, nullptr),
-        RSVP_MOR_GetNextNbr(HELD, nullptr, here), RSVP_MOR_GetNextAuth(HELD, nullptr, here),
-        RSVP_MOR_GetNextPsbInfo(HELD, nullptr, here, here), RSVP_MOR_GetNextPsbInfo(HELD, here, nullptr, here),
-        RSVP_MOR_GetNextRsbInfo(HELD, nullptr, here, here, here),
-        RSVP_MOR_GetNextRsbInfo(HELD, here, nullptr, here, here),
-        RSVP_MOR_GetNextRsbInfo(HELD, here, here, nullptr, here), RSVP_MOR_GetNextPhsbInfo(HELD, nullptr, here, here),
-        RSVP_MOR_GetNextPhsbInfo(HELD, here, nullptr, here), RSVP_MOR_GetNextCrlsp(HELD, nullptr, here),
-        RSVP_MOR_GetP2mpPsbInfo(HELD, 8, 3, nullptr, here), RSVP_MOR_GetP2mpRsbInfo(HELD, 3, nullptr, here),
-        RSVP_MOR_GetP2mpCrlsp(HELD, 3, nullptr, here),
-        // a message operation that is not the table's; the whole number is compared
+        RSVP_MOR_ResetAuth(nullptr), RSVP_MOR_SetDebug(0, nullptr), RSVP_MOR_ResetStatistics(kHeld, nullptr),
+        RSVP_MOR_GetNextNbr(kHeld, nullptr, here), RSVP_MOR_GetNextAuth(kHeld, nullptr, here),
+        RSVP_MOR_GetNextPsbInfo(kHeld, nullptr, here, here), RSVP_MOR_GetNextPsbInfo(kHeld, here, nullptr, here),
+        RSVP_MOR_GetNextRsbInfo(kHeld, nullptr, here, here, here),
+        RSVP_MOR_GetNextRsbInfo(kHeld, here, nullptr, here, here),
+        RSVP_MOR_GetNextRsbInfo(kHeld, here, here, nullptr, here),
+        RSVP_MOR_GetNextPhsbInfo(kHeld, nullptr, here, here), RSVP_MOR_GetNextPhsbInfo(kHeld, here, nullptr, here),
+        RSVP_MOR_GetNextCrlsp(kHeld, nullptr, here), RSVP_MOR_GetP2mpPsbInfo(kHeld, 8, 3, nullptr, here),
+        RSVP_MOR_GetP2mpRsbInfo(kHeld, 3, nullptr, here), RSVP_MOR_GetP2mpCrlsp(kHeld, 3, nullptr, here),
+        // a message operation that the table does not have; the whole number is compared
         RSVP_MOR_GetFrrFacilityDBTbl(0, here, here), RSVP_MOR_GetFrrFacilityDBTbl(2, here, here),
         RSVP_MOR_GetFrrFacilityDBTbl(6, here, here), RSVP_MOR_GetFrrFacilityDBTbl(0x103, here, here),
         rsvp_mor_ReadFrrGeneralTable(2, here, here), rsvp_mor_ReadFrrGeneralTable(6, here, here),
@@ -108,30 +109,31 @@ TEST_F(Decoders, RefuseBadArgumentsWithoutASession)
         rsvp_mor_ReadCHopTable(2, here), rsvp_mor_ReadCHopTable(6, here), rsvp_mor_ReadArHopTable(2, here),
         rsvp_mor_ReadArHopTable(6, here), rsvp_mor_ReadResourceTable(2, here), rsvp_mor_ReadResourceTable(6, here)};
     for (size_t i = 0; i < std::size(statuses); ++i)
-        EXPECT_EQ(statuses[i], FAIL) << "call " << i;
+        EXPECT_EQ(statuses[i], kFail) << "call " << i;
     for (const std::string &call : world.calls)
         EXPECT_TRUE(call.starts_with("DEV_") || call.starts_with("SERVICE_")) << call;
 }
 
 // ---- Lists ----
 
-// The layout is that of the entries; null for a value that is refused, which must leave the slot as it was.
+// The layout is that of the entries; null for a value that is refused and must leave the slot unchanged.
 template <typename List>
 void ExpectList(uint32_t (*decode)(const uint8_t *, uint32_t, List *), size_t countWidth, const Bytes &wire,
                 const char *layout)
 {
     SCOPED_TRACE(ToHex(wire));
-    const std::vector<uint8_t> value(wire.begin(), wire.end()); // a block of its own size: no byte behind is read
+    const std::vector<uint8_t> value(wire.begin(),
+                                     wire.end()); // a block of exactly this size: a read beyond it is seen
     std::remove_pointer_t<decltype(List::entries)> old;
     List list = {&old, 9};
-    EXPECT_EQ(decode(value.data(), static_cast<uint32_t>(value.size()), &list), layout == nullptr ? FAIL : 0);
+    EXPECT_EQ(decode(value.data(), static_cast<uint32_t>(value.size()), &list), layout == nullptr ? kFail : 0);
     EXPECT_EQ(world.blocks.size(), layout == nullptr ? 0u : 1u);
     if (layout == nullptr) {
         EXPECT_TRUE(list.entries == &old && list.count == 9);
         return;
     }
     const Bytes entries = wire.substr(countWidth);
-    EXPECT_EQ(list.count * sizeof old, entries.size());
+    EXPECT_EQ(list.count * sizeof(old), entries.size());
     EXPECT_EQ(world.blocks[list.entries], entries.size());
     EXPECT_EQ(ToHex(Bytes(reinterpret_cast<char *>(list.entries), entries.size())), ToHex(ToHost(layout, entries)));
     free(list.entries);
@@ -153,7 +155,7 @@ TEST_F(Decoders, TakeAListWholeOrNotAtAll)
     ExpectList(rsvp_mor_DecodeEntryList32, 4, Hex("00010002") + Pattern(24), routes); // the low half counts
     for (const Bytes &value : {list("6x2/27"), list("6x2/29"), Hex("0002"), Hex("")})
         ExpectList(rsvp_mor_DecodeEntryList32, 4, value, nullptr);
-    world.failingAllocation = world.allocations + 1; // a list of no entries needs its block as well
+    world.failingAllocation = world.allocations + 1; // even a list of no entries needs a block
     ExpectList(rsvp_mor_DecodeHopList, 2, Hex("0000"), nullptr);
 }
 
@@ -166,10 +168,10 @@ TEST_F(Decoders, TakeANameToItsFirstNul)
     for (const auto &row : rows) {
         RSVP_MOR_ReplyCrlsp crlsp = {};
         world.replies = {Reply(0, Item(17, row.value)), Reply(0, Item(34, row.value))};
-        EXPECT_EQ(RSVP_MOR_GetFirstCrlsp(HELD, &crlsp), RSVP_MOR_OK);
+        EXPECT_EQ(RSVP_MOR_GetFirstCrlsp(kHeld, &crlsp), RSVP_MOR_OK);
         const RSVP_MOR_P2mpCrlspKey key = {};
         RSVP_MOR_P2mpCrlspInfo p2mp = {};
-        EXPECT_EQ(RSVP_MOR_GetP2mpCrlsp(HELD, 3, &key, &p2mp), RSVP_MOR_OK);
+        EXPECT_EQ(RSVP_MOR_GetP2mpCrlsp(kHeld, 3, &key, &p2mp), RSVP_MOR_OK);
         for (char *name : {crlsp.name, p2mp.name}) {
             EXPECT_STREQ(name, row.text);
             EXPECT_EQ(world.blocks[name], row.value.size() + 1);
@@ -179,7 +181,7 @@ TEST_F(Decoders, TakeANameToItsFirstNul)
     }
 }
 
-// ---- Blocks: a record is told in the words of its items, lists in the order in which they hang ----
+// ---- Blocks: a record is written in the words of its items, chains in the order of their nodes ----
 
 std::string Word(uint32_t type, bool there)
 {
@@ -248,7 +250,7 @@ std::string Words(const RSVP_MOR_P2mpCrlspInfo &crlsp)
     return words + Word(34, crlsp.name != nullptr);
 }
 
-// A row is the items of a reply, an arrow and what the record then holds, behind FAIL if the call failed.
+// A row is the items of a reply, an arrow and what the record then holds, after FAIL if the call failed.
 template <typename Block> void ExpectWalks(const char *name, const std::vector<std::string> &rows)
 {
     const auto named = [&](const Operation &operation) { return operation.name == std::string(name); };
@@ -259,16 +261,17 @@ template <typename Block> void ExpectWalks(const char *name, const std::vector<s
         const size_t arrow = row.find("->");
         const Outcome outcome = Perform(operation, Reply(0, Body(row.substr(0, arrow))));
         Block record;
-        memcpy(&record, outcome.after.data(), sizeof record);
-        EXPECT_EQ(row.substr(0, arrow) + "-> " + (outcome.status == FAIL ? "FAIL " : "") + Words(record), row + " ");
+        memcpy(&record, outcome.after.data(), sizeof(record));
+        EXPECT_EQ(row.substr(0, arrow) + "-> " + (outcome.status == kFail ? "FAIL " : "") + Words(record), row + " ");
         if (outcome.status == RSVP_MOR_OK)
             Release(operation);
         EXPECT_TRUE(Clean());
     }
 }
 
-// Each block has its own rules: which order the items must have, whether a foreign item fails the walk, and which
-// item takes a list. Everywhere a repeated list replaces the first, and a failed walk leaves the fixed part alone.
+// Each block has its own rules: in which order the items must come, whether a foreign item fails the read, and which
+// item a list belongs to. Everywhere a repeated list replaces the first, and a failed read leaves the fixed part
+// alone.
 TEST_F(Decoders, WalkTheItemsOfEachBlockByItsRules)
 {
     ExpectWalks<RSVP_MOR_ReplyPsb>(
@@ -317,17 +320,17 @@ TEST_F(Decoders, HoldABodyFullOfSubLsps)
     std::string words;
     for (int i = 1; i <= 157; ++i)
         words += "32=" + std::to_string(i) + " ";
-    const Bytes body = Body(words + "99/16"); // 157 times 52, and 20: all that a body can hold
+    const Bytes body = Body(words + "99/16"); // 157 times 52, plus 20: all that a body can hold
     ASSERT_EQ(body.size(), 8184u);
     const RSVP_MOR_P2mpCrlspKey key = {};
     RSVP_MOR_P2mpCrlspInfo record = {};
     world.replies = {Reply(0, body)};
-    EXPECT_EQ(RSVP_MOR_GetP2mpCrlsp(HELD, 3, &key, &record), RSVP_MOR_OK);
+    EXPECT_EQ(RSVP_MOR_GetP2mpCrlsp(kHeld, 3, &key, &record), RSVP_MOR_OK);
     EXPECT_EQ(Words(record), words);
     RSVP_MOR_FreeP2mpCrlspInfo(&record);
 }
 
-// ---- What is converted inside a block: the places where one block differs from its neighbour ----
+// ---- What is converted inside a block: where one block differs from its neighbour ----
 
 Bytes With(const char *words, std::initializer_list<std::pair<size_t, const char *>> patches)
 {
@@ -345,7 +348,7 @@ TEST_F(Decoders, ConvertTheUnionsByTheirKind)
                                               {236, "0102030405060708"},
                                               {248, attrKind},
                                               {252, "0102030405060708090a0b0c0d0e0f10"}}))};
-        EXPECT_EQ(RSVP_MOR_GetFirstPsbInfo(HELD, &psb), RSVP_MOR_OK);
+        EXPECT_EQ(RSVP_MOR_GetFirstPsbInfo(kHeld, &psb), RSVP_MOR_OK);
         return psb;
     };
     RSVP_MOR_ReplyPsb psb = get("02", "01");
@@ -353,7 +356,7 @@ TEST_F(Decoders, ConvertTheUnionsByTheirKind)
     EXPECT_EQ(psb.labelRequest.maxVci, 0x0708);
     EXPECT_EQ(psb.sessionAttr.affinityForm.includeAll, 0x090a0b0cu);
     EXPECT_EQ(psb.sessionAttr.affinityForm.flags, 0x0f);
-    EXPECT_EQ(psb.sessionAttr.affinityForm.reserved, 0) << "not named by the form, not written";
+    EXPECT_EQ(psb.sessionAttr.affinityForm.reserved, 0) << "not part of the form, so not written";
     psb = get("03", "07");
     EXPECT_EQ(psb.labelRequest.minDlci, 0x01020304u);
     EXPECT_EQ(psb.labelRequest.maxDlci, 0x05060708u);
@@ -368,7 +371,7 @@ TEST_F(Decoders, KeepReservedBytesRawOrNotAsEachTwinHasIt)
 {
     RSVP_MOR_ReplyPsb psb = {};
     world.replies = {Reply(0, With("15", {{4, "1234"}, {26, "ffff"}, {345, "aabbcc"}, {430, "01"}, {437, "08"}}))};
-    EXPECT_EQ(RSVP_MOR_GetFirstPsbInfo(HELD, &psb), RSVP_MOR_OK);
+    EXPECT_EQ(RSVP_MOR_GetFirstPsbInfo(kHeld, &psb), RSVP_MOR_OK);
     EXPECT_EQ(psb.session.reserved[0], 0x12);
     EXPECT_EQ(psb.slots[0].reserved[0], 0) << "a gap of the value";
     EXPECT_EQ(psb.reserved1, 0u);
@@ -381,7 +384,7 @@ TEST_F(Decoders, KeepReservedBytesRawOrNotAsEachTwinHasIt)
         With("36", {{8, "5678"}, {16, "9abc"}, {73, "ff"}, {76, "ffffffff"}, {88, "ffffffff"}}) +
         With("37", {{4, "5678"}, {12, "9abc"}, {17, "ff"}}) + With("39", {{60, "77"}});
     world.replies = {Reply(0, body)};
-    EXPECT_EQ(RSVP_MOR_GetP2mpPsbInfo(HELD, 8, 3, &key, &p2mp), RSVP_MOR_OK);
+    EXPECT_EQ(RSVP_MOR_GetP2mpPsbInfo(kHeld, 8, 3, &key, &p2mp), RSVP_MOR_OK);
     EXPECT_EQ(p2mp.pathState.session.reserved, 0x1234) << "a number here";
     EXPECT_EQ(p2mp.pathState.ifRef.ifRefNumber, 0x0506);
     EXPECT_EQ(p2mp.pathState.stateWord0, 0x10u);
@@ -411,9 +414,9 @@ TEST_F(Decoders, ConvertRatesThroughTheirWholePart)
         {"0000804f", 4294967296.0f}, // 2 to the power of 32 and above are all ones
         {"0000807f", 4294967296.0f}, // plus infinity
         {"000080ff", 0.0f},          // minus infinity
-        {"0000c07f", 0.0f},          // not a number
+        {"0000c07f", 0.0f},          // NaN
         {"ffffff4e", 2164260608.0f}, // a whole part with more bits than a float has: rounded
-        {"01000000", 0.0f},          // the smallest of all
+        {"01000000", 0.0f},          // the smallest number above 0
     };
     for (const auto &row : rows) {
         RSVP_MOR_ReplyCrlsp crlsp = {};
@@ -421,10 +424,10 @@ TEST_F(Decoders, ConvertRatesThroughTheirWholePart)
         RSVP_MOR_P2mpCrlspInfo p2mp = {};
         world.replies = {Reply(0, With("1", {{52, row.wire}, {60, "0003684f"}})),
                          Reply(0, With("31", {{28, "0003684f"}, {36, row.wire}}))};
-        EXPECT_EQ(RSVP_MOR_GetFirstCrlsp(HELD, &crlsp), RSVP_MOR_OK);
+        EXPECT_EQ(RSVP_MOR_GetFirstCrlsp(kHeld, &crlsp), RSVP_MOR_OK);
         EXPECT_EQ(crlsp.traffic.trafficRate0, row.rate) << row.wire;
         EXPECT_EQ(crlsp.traffic.trafficRate1, 1000.0f);
-        EXPECT_EQ(RSVP_MOR_GetP2mpCrlsp(HELD, 3, &key, &p2mp), RSVP_MOR_OK);
+        EXPECT_EQ(RSVP_MOR_GetP2mpCrlsp(kHeld, 3, &key, &p2mp), RSVP_MOR_OK);
         EXPECT_EQ(p2mp.traffic.trafficRate0, 1000.0f);
         EXPECT_EQ(p2mp.traffic.trafficRate1, row.rate) << row.wire;
     }
@@ -454,7 +457,7 @@ TEST_F(Decoders, ReleaseWhatIsThereAndNothingElse)
     RSVP_MOR_FreeP2mpCrlspInfo(&p2mpCrlsp);
     EXPECT_EQ(world.releases, 0u);
 
-    for (const bool block : {false, true}) { // nodes of a caller's own making
+    for (const bool block : {false, true}) { // nodes that the caller made
         auto *subLsp = static_cast<RSVP_MOR_P2mpReplySubLsp *>(malloc(sizeof(RSVP_MOR_P2mpReplySubLsp)));
         subLsp->rroBlock = block ? malloc(1) : nullptr;
         rsvp_mor_FreeP2mpReplySubLsp(subLsp);
@@ -466,14 +469,14 @@ TEST_F(Decoders, ReleaseWhatIsThereAndNothingElse)
     }
 }
 
-// The fixed part of a released record is the key of the next call.
+// The fixed part of a released record is the key for the next call.
 TEST_F(Decoders, LeaveTheFixedPartToAReleasedRecord)
 {
     RSVP_MOR_ReplyRsb rsb = {};
     world.replies = {Reply(0, Body("12 13=1 7")), Reply(9, "")};
-    EXPECT_EQ(RSVP_MOR_GetFirstRsbInfo(HELD, &rsb), RSVP_MOR_OK);
+    EXPECT_EQ(RSVP_MOR_GetFirstRsbInfo(kHeld, &rsb), RSVP_MOR_OK);
     RSVP_MOR_FreeReplyRsb(&rsb);
-    EXPECT_EQ(RSVP_MOR_GetNextRsbInfo(HELD, &rsb.session, &rsb.hop, &rsb.filter, &rsb), 9u);
+    EXPECT_EQ(RSVP_MOR_GetNextRsbInfo(kHeld, &rsb.session, &rsb.hop, &rsb.filter, &rsb), 9u);
     EXPECT_EQ(world.request.substr(12), Pattern(28));
 }
 

@@ -1,6 +1,6 @@
 #!/bin/sh
-# The shared library shows exactly the listed names, all under one version, and asks for no C++ runtime. The stripped
-# size is printed at every run, so that growth is seen; on the router's processor it has a bound.
+# The shared library exports exactly the listed names, all under one version, and needs no C++ runtime. Every run prints
+# the stripped size, so that growth is seen; on the router's processor it has a bound.
 #
 #     exports_test.sh NM READELF STRIP LIBRARY LIST [BYTES]
 set -eu
@@ -10,7 +10,7 @@ trap 'rm -rf "$work"' EXIT
 
 sed 's/$/@@RSVP_MOR_1/' "$list" | sort >"$work/listed"
 "$nm" -D --defined-only "$library" | awk '$2 != "A" { print $3 }' | sort >"$work/shown"
-diff "$work/listed" "$work/shown" || { echo "the names shown (>) are not those listed (<)"; exit 1; }
+diff "$work/listed" "$work/shown" || { echo "the exported names (>) are not the listed ones (<)"; exit 1; }
 
 "$readelf" -d "$library" | grep NEEDED >"$work/needed"
 if grep -E 'libstdc\+\+|libc\+\+' "$work/needed"; then
@@ -22,4 +22,4 @@ fi
 "$strip" -o "$work/stripped" "$library"
 size=$(wc -c <"$work/stripped")
 echo "stripped size of $(basename "$library"): $size bytes"
-[ -z "$bound" ] || [ "$size" -le "$bound" ] || { echo "at most $bound are allowed"; exit 1; }
+[ -z "$bound" ] || [ "$size" -le "$bound" ] || { echo "only $bound bytes are allowed"; exit 1; }

@@ -1,5 +1,5 @@
-// Every operation, every failure: the table of operations is run with each call failing, each prefix of its good
-// reply, each length one off and each allocation refused. Nothing may be left over, whatever the status.
+// Every operation, every failure: the table of operations runs with each call failing, with each prefix of its good
+// reply, with each length off by one and with each allocation failing. Nothing may be left over, whatever the status.
 #include "support/operations.h"
 
 #include <cerrno>
@@ -10,7 +10,7 @@ namespace {
 
 class Failures : public WorldTest {
 protected:
-    // Runs every operation in fresh worlds; the test says what it does to each.
+    // Runs a test on every operation, with the body of a good reply to it.
     template <typename Test> static void ForEach(Test test)
     {
         for (const Operation &operation : Operations()) {
@@ -19,24 +19,24 @@ protected:
         }
     }
 
-    // A call that came to a status before it had looked at the body.
+    // A call whose status is known before it looks at the body.
     static void ExpectRefused(const Operation &operation, const Bytes &reply, uint32_t status)
     {
         const Outcome outcome = Perform(operation, reply);
-        EXPECT_EQ(outcome.status, operation.manner == DISABLES ? RSVP_MOR_ERR_FAIL : status);
-        EXPECT_EQ(outcome.after, outcome.before) << "the record is as it was";
+        EXPECT_EQ(outcome.status, operation.manner == kDisables ? RSVP_MOR_ERR_FAIL : status);
+        EXPECT_EQ(outcome.after, outcome.before) << "the record is unchanged";
         EXPECT_TRUE(Clean());
         Reset();
     }
 
-    // A call that looked at the body: what it returned is 0 or RSVP_MOR_ERR_FAIL. Gives the status.
+    // A call that looks at the body: it must return 0 or RSVP_MOR_ERR_FAIL. Returns that status.
     static uint32_t RunBody(const Operation &operation, const Bytes &body)
     {
         const Outcome outcome = Perform(operation, Reply(0, body));
         const bool failed = outcome.status != RSVP_MOR_OK;
         EXPECT_TRUE(!failed || outcome.status == RSVP_MOR_ERR_FAIL) << outcome.status;
         if (failed) {
-            EXPECT_TRUE(operation.answer.reader == LISTS || outcome.after == outcome.before);
+            EXPECT_TRUE(operation.answer.reader == kLists || outcome.after == outcome.before);
             EXPECT_TRUE(Clean()) << "a failed call leaves nothing to release";
         }
         if (!failed || operation.answer.resets) // slots of a failed call are null: a release finds nothing
@@ -99,20 +99,20 @@ TEST_F(Failures, OfTheFrame)
     });
 }
 
-// What a reader makes of a body that ends inside an item.
+// What a reader returns for a body that ends inside an item.
 uint32_t CutBodyStatus(Reader reader)
 {
-    return reader == DROPPED || reader == TAKEN ? RSVP_MOR_OK : RSVP_MOR_ERR_FAIL;
+    return reader == kDropped || reader == kTaken ? RSVP_MOR_OK : RSVP_MOR_ERR_FAIL;
 }
 
 TEST_F(Failures, OfEachPrefixOfTheBody)
 {
     ForEach([](const Operation &operation, const Bytes &body) {
-        std::set<size_t> ends; // of whole items, where a list of items may end as well
+        std::set<size_t> ends; // of whole items: a walk may end there too
         for (const ItemAt &item : ItemsOf(body))
             ends.insert(item.offset);
         for (size_t size = 0; size < body.size(); ++size) {
-            const bool whole = operation.answer.reader == LISTS && ends.contains(size);
+            const bool whole = operation.answer.reader == kLists && ends.contains(size);
             EXPECT_EQ(RunBody(operation, body.substr(0, size)),
                       whole ? RSVP_MOR_OK : CutBodyStatus(operation.answer.reader))
                 << size << " bytes";
@@ -120,15 +120,15 @@ TEST_F(Failures, OfEachPrefixOfTheBody)
     });
 }
 
-// Whether an item of this type must be refused if its value is a byte longer or shorter than it ought to be.
+// Whether an item of this type must be refused if its value is a byte too long or too short.
 bool MustFail(Reader reader, uint32_t type, bool longer)
 {
     switch (reader) {
-    case EXACT:
+    case kExact:
         return true;
-    case NEEDS_COUNT:
+    case kNeedsCount:
         return !longer;
-    case LISTS: // of names and of unknown items any length will do; of items 35 to 39 the front is read
+    case kLists: // names and unknown items have any length; of items 35 to 39 only the front is read
         return type != 17 && type != 34 && type != 99 && !(type >= 35 && type <= 39 && longer);
     default:
         return false;
@@ -141,7 +141,7 @@ TEST_F(Failures, OfEachItemLength)
         for (const ItemAt &item : ItemsOf(body))
             for (const bool longer : {false, true}) {
                 SCOPED_TRACE("item " + std::to_string(item.type) + (longer ? " longer" : " shorter"));
-                Bytes claimed = body; // the length alone: what is behind the item is read at the wrong place
+                Bytes claimed = body; // the length alone: what follows the item is read in the wrong place
                 PutNet(claimed, item.offset + 2, 2, longer ? item.length + 1 : item.length - 1);
                 RunBody(operation, claimed);
 
@@ -159,7 +159,7 @@ TEST_F(Failures, OfEachAllocation)
     ForEach([](const Operation &operation, const Bytes &body) {
         Perform(operation, Reply(0, body));
         const size_t allocations = world.allocations;
-        EXPECT_EQ(allocations != 0, operation.answer.reader == LISTS) << "the heap is for lists alone";
+        EXPECT_EQ(allocations != 0, operation.answer.reader == kLists) << "the heap is only for lists";
         Release(operation);
         Reset();
         for (size_t n = 1; n <= allocations; ++n) {
@@ -173,12 +173,12 @@ TEST_F(Failures, OfEachAllocation)
 TEST_F(Failures, OfTheItemLibrary)
 {
     ForEach([](const Operation &operation, const Bytes &body) {
-        const size_t items = operation.answer.reader == LISTS ? ItemsOf(body).size() : 1;
-        for (int lie = READS_NOTHING; lie < LIE_END; ++lie)
+        const size_t items = operation.answer.reader == kLists ? ItemsOf(body).size() : 1;
+        for (int lie = kReadsNothing; lie < kLieEnd; ++lie)
             for (size_t n = 0; n < items; ++n) {
                 world.script["STLV_Get"] = std::deque<int>(n, 0);
                 world.script["STLV_Get"].push_back(lie);
-                const bool taken = operation.answer.reader == EXACT; // whose body had the right length
+                const bool taken = operation.answer.reader == kExact; // whose body had the right length
                 EXPECT_EQ(RunBody(operation, body), taken ? RSVP_MOR_OK : CutBodyStatus(operation.answer.reader))
                     << "lie " << lie << " about item " << n;
             }

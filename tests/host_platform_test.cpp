@@ -59,16 +59,16 @@ struct HostPlatform : testing::Test {
         directory = base + "/" + name;
         setenv("RSVP_HOST_DIR", directory.c_str(), 1);
     }
-    void Write(const std::string &name, const std::string &text) const
+    void Write(std::string_view name, const std::string &text) const
     {
-        std::ofstream(directory + "/" + name) << text;
+        std::ofstream(rsvp_host::PathOf(directory, name)) << text;
     }
-    std::string Read(const std::string &name) const
+    std::string Read(std::string_view name) const
     {
-        std::ifstream file(directory + "/" + name);
+        std::ifstream file(rsvp_host::PathOf(directory, name));
         return {std::istreambuf_iterator<char>(file), {}};
     }
-    pid_t Pid() const { return std::atoi(Read("rsvpsimd.lock").c_str()); }
+    pid_t Pid() const { return std::atoi(Read(rsvp_host::kLockFile).c_str()); }
 
     std::string base, directory;
 };
@@ -179,9 +179,9 @@ TEST_F(HostPlatform, DirectoriesThatMustNotBeTrusted)
 TEST_F(HostPlatform, ReadOnlyDirectory)
 {
     ASSERT_EQ(DEV_GetSystemMaster(), 1u);
-    for (const char *name : {"/service", "/nodes", ""}) {
-        const std::string path = directory + name;
-        chmod(path.c_str(), *name == '/' && name[1] == 'n' ? 0400 : 0500);
+    for (const std::string_view name : {rsvp_host::kServiceFolder, rsvp_host::kNodesFile, std::string_view(".")}) {
+        const std::string path = rsvp_host::PathOf(directory, name);
+        chmod(path.c_str(), name == rsvp_host::kNodesFile ? 0400 : 0500);
         ASSERT_TRUE(geteuid() != 0 || chown(path.c_str(), 65534, 65534) == 0);
     }
     const pid_t child = fork();
@@ -190,8 +190,8 @@ TEST_F(HostPlatform, ReadOnlyDirectory)
     int result = -1;
     waitpid(child, &result, 0);
     EXPECT_EQ(result, 0);
-    for (const char *name : {"", "/service"})
-        chmod((directory + name).c_str(), 0700);
+    for (const std::string_view name : {std::string_view("."), rsvp_host::kServiceFolder})
+        chmod(rsvp_host::PathOf(directory, name).c_str(), 0700);
     ASSERT_TRUE(geteuid() != 0 || chown(directory.c_str(), 0, 0) == 0);
 }
 
@@ -254,8 +254,8 @@ TEST_F(HostPlatform, AnUnlockedPidIsNobodysDaemon)
     if (innocent == 0)
         for (;;)
             pause();
-    Write("rsvpsimd.lock", std::to_string(innocent) + "\n");
-    Write("lipc-0ae18000", "");
+    Write(rsvp_host::kLockFile, std::to_string(innocent) + "\n");
+    Write(rsvp_host::kSocketFile, "");
     EXPECT_EQ(Status(), 0u);
     EXPECT_EQ(Stop(), 0u);
     EXPECT_EQ(waitpid(innocent, nullptr, WNOHANG), 0) << "ended a process that it had not started";
@@ -274,7 +274,7 @@ TEST_F(HostPlatform, ManyProgramsAndTwoDevices)
         waitpid(child, &result, 0);
         EXPECT_EQ(result, 0);
     }
-    EXPECT_EQ(Read("rsvpsimd.log").find("another daemon"), std::string::npos);
+    EXPECT_EQ(Read(rsvp_host::kLogFile).find("another daemon"), std::string::npos);
     Use("second"); // the same program turns to another device
     EXPECT_EQ(Connect(), -ENOENT);
     ASSERT_EQ(Start(), 0u);
@@ -300,7 +300,7 @@ TEST_F(HostPlatform, DaemonsThatNeverAnswer)
         EXPECT_NE(testing::internal::GetCapturedStderr().find(said), std::string::npos);
         EXPECT_EQ(Status(), 0u);
     }
-    EXPECT_EQ(Read("rsvpsimd.log"), "bad luck\n");
+    EXPECT_EQ(Read(rsvp_host::kLogFile), "bad luck\n");
     // Nothing that failed to start lives on; it may still be waiting for whoever reaps orphans.
     std::ifstream stat("/proc/" + std::to_string(std::atoi(Read("pid").c_str())) + "/stat");
     std::string state = "gone", word;
@@ -328,7 +328,7 @@ TEST_F(HostPlatform, NodesAsAPersonWritesThem)
                 {"primary 1\n", 0, {}},
                 {"", 0, {}}};
     for (const auto &row : rows) {
-        Write("nodes", row.text);
+        Write(rsvp_host::kNodesFile, row.text);
         EXPECT_EQ(DEV_GetSystemMaster(), row.master) << row.text;
         uint32_t count = 0;
         uint16_t *list = DEV_GetAllStandbyNodes(&count);
@@ -337,7 +337,7 @@ TEST_F(HostPlatform, NodesAsAPersonWritesThem)
         std::free(list);
         EXPECT_EQ(Status(row.master), row.master != 0 ? 0u : 99u) << row.text;
     }
-    Write("nodes", "master 1\nstandby 2 3\n");
+    Write(rsvp_host::kNodesFile, "master 1\nstandby 2 3\n");
     uint16_t nodes[] = {2, 8, 3};
     EXPECT_NE(SERVICE_BatchStart(nodes, 3, "RSVP", 0, 0), 0u); // there is no 8, and 3 is served all the same
     EXPECT_EQ(Status(2), 1u);
@@ -368,7 +368,7 @@ TEST_F(HostPlatform, OptionLines)
         {"plugin-option refresh=" + std::string(119, '0') + "9\n", 1, 77, 77},
         {"plugin-options refresh=1\n", 1, 77, 77}};
     for (const auto &row : rows) {
-        Write("etc/te.conf", row.text);
+        Write(rsvp_host::kOptionFile, row.text);
         void *handle = PLUGIN_OptInit("/etc/te.conf");
         ASSERT_NE(handle, nullptr);
         char buffer[128] = "";

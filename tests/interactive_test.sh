@@ -227,6 +227,9 @@ offers "enable explain" rsvpctl e
 offers "facility general" rsvpctl --json show frr ""
 offers "--tunnel-id" rsvpctl show psb --t
 offers "auto always never" rsvpctl show --color ""
+offers "--after" rsvpctl show neighbor --a
+offers "" rsvpctl enable --d
+offers "facility general" rsvpctl help show frr ""
 
 echo "-- the tree as a graph"
 export RSVP_HOST_DIR=$work/demo.device

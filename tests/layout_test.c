@@ -1,7 +1,7 @@
 /*
- * The layout of every record that no assertion beside its decoder holds already: what a program was compiled against
- * must not move. Compiled as C, so that the headers are proved to be C; the numbers are for pointers of four and of
- * eight bytes.
+ * The layout of every record that no assertion next to its decoder covers: programs are compiled against it, so it
+ * must not change. Compiled as C, which proves that the headers are C. The two numbers are for pointers of four and
+ * of eight bytes.
  */
 #include "rsvp_mor.h"
 

@@ -1,5 +1,5 @@
-// The exact bytes of every request: each exported function that sends a message is called and its message compared
-// with literal bytes, for each `op`, with the service running and stopped. A function without a row fails the run.
+// The exact bytes of every request: each exported function that sends a message is called, for each `op`, with the
+// service running and stopped, and its message compared with literal bytes. A function without a row fails the test.
 #include "support/operations.h"
 
 #include <fstream>
@@ -12,7 +12,7 @@ class Requests : public WorldTest {};
 
 bool SendsOp(Manner manner)
 {
-    return manner == SENDS_OP || manner == GATED || manner == ON_HELD_OP;
+    return manner == kSendsOp || manner == kGated || manner == kOnHeldOp;
 }
 
 TEST_F(Requests, EveryExportedNameHasARow)
@@ -24,7 +24,6 @@ TEST_F(Requests, EveryExportedNameHasARow)
     std::ifstream list(EXPORTS_PATH);
     for (std::string name; std::getline(list, name);)
         exported.insert(name);
-    EXPECT_EQ(exported.size(), 94u);
     EXPECT_EQ(covered, exported);
 }
 
@@ -53,46 +52,46 @@ TEST_F(Requests, OfGatedFunctionsStayBackWhileTheServiceIsStopped)
         for (const uint32_t op : {0u, 1u}) {
             SCOPED_TRACE(operation.name + std::string(" op ") + std::to_string(op));
             Reset();
-            world.services[MASTER] = 0;
+            world.services[kMaster] = 0;
             const Outcome outcome = Perform(operation, Reply(0, GoodBody(operation)), op);
             const Manner manner = operation.manner;
-            const bool gated = manner == GATED || manner == GATED_ONLY;
+            const bool gated = manner == kGated || manner == kGatedOnly;
             EXPECT_EQ(outcome.status,
-                      manner == REFUSED || (gated && op == 0) ? RSVP_MOR_ERR_NOT_ENABLED : RSVP_MOR_OK);
-            EXPECT_EQ(world.request.empty(), gated || manner == REFUSED || manner == COUNTED);
+                      manner == kRefused || (gated && op == 0) ? RSVP_MOR_ERR_NOT_ENABLED : RSVP_MOR_OK);
+            EXPECT_EQ(world.request.empty(), gated || manner == kRefused || manner == kCounted);
             EXPECT_EQ(world.request.empty(),
                       CallNames().find("socket") == std::string::npos && OwnSession(operation));
-            EXPECT_TRUE(manner != COUNTED || outcome.after == Bytes(4, '\0')) << "a count of 0";
+            EXPECT_TRUE(manner != kCounted || outcome.after == Bytes(4, '\0')) << "a count of 0";
             Release(operation);
             EXPECT_TRUE(Clean());
         }
 }
 
-// The gate compares the whole number; the message has room for its low byte.
+// The gate compares the whole number; the message has room only for its low byte.
 TEST_F(Requests, TakeAWideOpWholeAtTheGateAndCutOnTheWire)
 {
     EXPECT_EQ(RSVP_MOR_SetBfdEnable(0x105, 1), RSVP_MOR_ERR_FAIL); // no reply
     EXPECT_EQ(world.request[1], 5);
-    world.services[MASTER] = 0;
+    world.services[kMaster] = 0;
     EXPECT_EQ(RSVP_MOR_SetBfdEnable(0x101, 1), RSVP_MOR_ERR_NOT_ENABLED);
     const RSVP_MOR_P2mpCrlspKey key = {};
     RSVP_MOR_P2mpCrlspInfo record = {};
-    EXPECT_EQ(RSVP_MOR_GetP2mpCrlsp(HELD, 0x304, &key, &record), RSVP_MOR_ERR_FAIL);
+    EXPECT_EQ(RSVP_MOR_GetP2mpCrlsp(kHeld, 0x304, &key, &record), RSVP_MOR_ERR_FAIL);
     EXPECT_EQ(world.request[1], 4);
 }
 
 TEST_F(Requests, LeaveThePairConvertedInTheCallersMemory)
 {
     const auto bytesAfter = [](uint32_t service) {
-        world.services[MASTER] = service;
+        world.services[kMaster] = service;
         uint16_t pair[2] = {258, 772};
         RSVP_MOR_SetReduction(0, 1, pair);
         return pair[0] == 258 && pair[1] == 772 ? "host order" : ToHex(Bytes(reinterpret_cast<char *>(pair), 4));
     };
     const uint16_t number = 258;
     const bool bigEndian = *reinterpret_cast<const uint8_t *>(&number) == 1;
-    EXPECT_EQ(bytesAfter(0), "host order");                          // the gate stopped it
-    EXPECT_EQ(bytesAfter(1), bigEndian ? "host order" : "01020304"); // also after a failed exchange
+    EXPECT_EQ(bytesAfter(0), "host order");                          // the gate stopped the call
+    EXPECT_EQ(bytesAfter(1), bigEndian ? "host order" : "01020304"); // even after a failed exchange
 }
 
 TEST_F(Requests, GiveTheItemLibraryTheRoomThatIsLeft)
@@ -112,14 +111,14 @@ TEST_F(Requests, TakeAnyCapabilityButZeroForYes)
     }
 }
 
-// A key may lie in the record that the answer goes to: it is read before anything is written.
+// The key may lie inside the record that takes the answer: it is read before anything is written.
 TEST_F(Requests, ReadAKeyThatLiesInTheRecord)
 {
     RSVP_MOR_ReplyPsb psb = {};
     psb.session = {1, {2, 3}, 4, 5};
     psb.sender = {6, {7, 8}, 9};
     world.replies = {Reply(0, Body("15"))};
-    EXPECT_EQ(RSVP_MOR_GetNextPsbInfo(HELD, &psb.session, &psb.sender, &psb), RSVP_MOR_OK);
+    EXPECT_EQ(RSVP_MOR_GetNextPsbInfo(kHeld, &psb.session, &psb.sender, &psb), RSVP_MOR_OK);
     EXPECT_EQ(ToHex(world.request.substr(12)), "0000000102030004000000050000000607080009");
     EXPECT_EQ(psb.hop.hopAddress, 0x656c737au);
 
@@ -131,7 +130,7 @@ TEST_F(Requests, ReadAKeyThatLiesInTheRecord)
     } memory = {};
     memory.nbrKey = {0x102, 0x304};
     world.replies = {Reply(0, Item(1, Pattern(48)))};
-    EXPECT_EQ(RSVP_MOR_GetNextNbr(HELD, &memory.nbrKey, &memory.nbr), RSVP_MOR_OK);
+    EXPECT_EQ(RSVP_MOR_GetNextNbr(kHeld, &memory.nbrKey, &memory.nbr), RSVP_MOR_OK);
     EXPECT_EQ(ToHex(world.request.substr(12)), "0000010200000304");
     EXPECT_EQ(memory.nbr.nbrWord0, 0x11181f26u);
     memory.tunnelKey = {1, 2, 3, 4};
@@ -141,7 +140,7 @@ TEST_F(Requests, ReadAKeyThatLiesInTheRecord)
     EXPECT_EQ(memory.tunnel.tunnelWord0, 0x11181f26u);
 }
 
-// The record of a hop and of a resource is its own cursor: a second call asks with the key of the first answer.
+// The record of a hop is its own cursor: a second call sends the key of the first answer.
 TEST_F(Requests, WalkAHopTableOnOneRecord)
 {
     RSVP_MOR_ReplyArHop record = {};

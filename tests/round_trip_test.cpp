@@ -1,10 +1,12 @@
 // The library and the daemon describe the same wire, each in its own way and without a line of code in common. Here
-// the two are held against each other over a real socket: random values that the daemon encodes by its field tables
-// must come out of the library under the same names, and the keys that the library sends must find the rows meant.
-#include "commands.h"
+// the two check each other over a real socket: random values that the daemon encodes by its field tables must come
+// out of the library under the same names, and the keys that the library sends must find the right rows.
+#include "host/daemon/device/commands.h"
+#include "host/daemon/device/row_kinds.h"
+#include "host/daemon/wire/layout.h"
+#include "host/directory.h"
 #include "manager/record/describe.h"
 #include "manager/record/json.h"
-#include "row_kinds.h"
 #include "support/program.h"
 
 #include <algorithm>
@@ -18,7 +20,7 @@
 #include <random>
 #include <set>
 
-// Keys that are several arguments of one call.
+// Keys that a call takes as several arguments.
 namespace trip {
 struct Index {
     uint32_t index;
@@ -57,14 +59,14 @@ using nlohmann::json;
 using manager::Describe;
 using manager::FieldKind;
 using manager::RecordDescription;
-using rsvpsimd::Layout;
+using rsvpsimd::LayoutRef;
 using rsvpsimd::ListKind;
 using rsvpsimd::Order;
 using rsvpsimd::Shape;
 
 // ---- The side of the records ----
 
-// Fields that the tool does not show, but which travel, and some of them are parts of keys.
+// Fields that the tool does not show but the wire has; some of them are parts of keys.
 std::vector<manager::Field> Unshown(const RecordDescription &description)
 {
     using manager::Elements, manager::Whole;
@@ -87,7 +89,7 @@ std::vector<manager::Field> Unshown(const RecordDescription &description)
     return {};
 }
 
-// The tool's description with nothing left out, nothing hidden and every address as the number that it is.
+// The tool's description with nothing left out, nothing hidden and every address as a plain number.
 const RecordDescription &Whole(const RecordDescription &shown)
 {
     struct Made {
@@ -143,7 +145,7 @@ json RandomValue(Random &random, const rsvpsimd::Field &field)
     const std::string_view last = std::string_view(field.name).substr(field.name.rfind('.') + 1);
     if (field.count > 1) {
         json all;
-        for (size_t i = 0; i < field.count; i++) {
+        for (size_t i = 0; i < field.count; ++i) {
             rsvpsimd::Field one = field;
             one.count = 1;
             all.push_back(RandomValue(random, one));
@@ -153,25 +155,24 @@ json RandomValue(Random &random, const rsvpsimd::Field &field)
     if (last == "kind" || last == "tunnelRole")
         return below(5);
     if (field.order == Order::Float || field.order == Order::Rate)
-        return static_cast<double>(1 + below(0xFFFFFF)); // whole numbers of 24 bits are the same in every form
+        return static_cast<double>(1 + below(0xFFFFFF)); // a whole number of 24 bits is the same in every form
     if (field.order == Order::Raw && field.width > 1) {
         std::string hex;
-        for (size_t i = 0; i < field.width; i++)
+        for (size_t i = 0; i < field.width; ++i)
             hex += fmt::format("{:02x}", below(256));
         return hex;
     }
     const uint64_t number = uint64_t{random()} << 32 | random();
-    return number >> (field.width == 8 ? 1 : 64 - 8 * field.width); // a scenario has no numbers of all 64 bits
+    return number >> (field.width == 8 ? 1 : 64 - 8 * field.width); // a scenario file cannot hold all 64 bits
 }
 
-json RandomFields(Random &random, std::string_view layoutName)
+json RandomFields(Random &random, LayoutRef layout)
 {
-    const Layout &layout = rsvpsimd::LayoutNamed(layoutName);
     std::map<std::string, json, std::less<>> values;
     json record = json::object();
-    for (const rsvpsimd::Field &field : layout.fields) {
+    for (const rsvpsimd::Field &field : layout->fields) {
         const auto kinds = [&](std::string_view name) { return values.at(std::string(name)).get<uint64_t>(); };
-        if (FindField(layout, field.name, kinds) == &field)
+        if (FindField(*layout, field.name, kinds) == &field)
             record[PlaceOf(field.name)] = values[field.name] = RandomValue(random, field);
     }
     return record;
@@ -181,7 +182,7 @@ void AddLists(Random &random, json &block, std::span<const ListKind> lists)
 {
     for (const ListKind &list : lists) {
         const uint32_t count = static_cast<uint32_t>(random() % 6);
-        // Now and then a block goes without this item; and the route of a sub-LSP is refused if it has no hops.
+        // Sometimes a block lacks this item; and a sub-LSP's route of no hops would be refused.
         if (count == 5 || (count == 0 && list.item == kSubLspHopsItem))
             continue;
         if (list.shape == Shape::Text) {
@@ -189,9 +190,8 @@ void AddLists(Random &random, json &block, std::span<const ListKind> lists)
             continue;
         }
         json &entries = block[std::string(list.name)] = json::array();
-        const bool counted = list.shape == Shape::Counted;
-        for (uint32_t i = 0; i < count; i++) {
-            json entry = RandomFields(random, counted ? rsvpsimd::FindListLayout(list.layout)->entry : list.layout);
+        for (uint32_t i = 0; i < count; ++i) {
+            json entry = RandomFields(random, *list.entry);
             AddLists(random, entry, list.children);
             entries.push_back(std::move(entry));
         }
@@ -233,8 +233,8 @@ std::string TomlTable(const std::string &head, const json &table)
     return text;
 }
 
-// What the library must make of a row: absent lists are empty, two chains run backwards, and the role has numbers of
-// its own.
+// What the library must turn a row into: missing lists are empty, two chains run backwards, and the role has other
+// numbers.
 void Expect(json &block, std::span<const ListKind> lists)
 {
     for (const ListKind &list : lists) {
@@ -245,7 +245,7 @@ void Expect(json &block, std::span<const ListKind> lists)
             if (list.shape == Shape::Each)
                 Expect(entry, list.children);
             if (name == "fsList" && !entry.contains("rro"))
-                entry["rro"] = json::array(); // the node is the same in both blocks, the item is not
+                entry["rro"] = json::array(); // both blocks have this node, only one has the item
         }
         if (name == "fsList" || name == "fdList")
             std::reverse(block[name].begin(), block[name].end());
@@ -267,17 +267,17 @@ json Expected(const rsvpsimd::RowKind &kind, json row)
 
 // ---- Keys ----
 
-// The values of a key in the order of the wire. They compare as the bytes do.
+// The values of a key in the order of the wire. They compare as their bytes do.
 using KeyValues = std::vector<json>;
 
 std::vector<json::json_pointer> KeyPlaces(const rsvpsimd::RowKind &kind)
 {
     std::vector<json::json_pointer> places;
     if (kind.keyFields.empty())
-        for (const auto &field : rsvpsimd::LayoutNamed(kind.keyLayout).fields)
+        for (const auto &field : kind.keyLayout->fields)
             places.push_back(PlaceOf("requestKey." + field.name));
     for (const std::string_view key : kind.keyFields)
-        for (const auto &field : rsvpsimd::LayoutNamed(kind.parts.front().layout).fields)
+        for (const auto &field : kind.RowLayout()->fields)
             if (field.name == key || field.name.starts_with(std::string(key) + "."))
                 places.push_back(PlaceOf(field.name));
     return places;
@@ -312,13 +312,13 @@ struct Kind {
     const char *name; // as the daemon calls it
     const RecordDescription *record;
     const RecordDescription *key;
-    bool hasGet; // one row can be asked for by its key
+    bool hasGet; // a row can be read by its key
     std::function<uint32_t(uint32_t op, int32_t fd, const void *key, void *record)> read;
-    std::function<void(void *record)> release; // empty where a row owns nothing
+    std::function<void(void *record)> release; // empty if a row owns nothing
     bool ingress = false;
 };
 
-// A test is known by its kind, and not by where the kind lies in memory.
+// So that the name of a test shows its kind, and not an address in memory.
 void PrintTo(const Kind &kind, std::ostream *out)
 {
     *out << kind.name;
@@ -336,7 +336,7 @@ Kind Table(const char *name, bool hasGet, Read read, void (*release)(Row *) = nu
     return kind;
 }
 
-// A record that is the cursor of its own walk, with the key in it.
+// The record of a table where it is its own cursor, with the key filled in.
 template <typename Hop> Hop *With(Hop *row, const HopIndex &key)
 {
     row->hopListIndex = key.list;
@@ -350,7 +350,7 @@ RSVP_MOR_ReplyResource *With(RSVP_MOR_ReplyResource *row, const Index &key)
     return row;
 }
 
-// The three calls of a table as one; the third is missing where no row can be asked for by its key.
+// The three calls of a table as one; without the third if no row can be read by its key.
 #define READ(call)                                                                                                   \
     []([[maybe_unused]] uint32_t op, [[maybe_unused]] int32_t fd, [[maybe_unused]] const auto &key, auto *row) {     \
         return call;                                                                                                 \
@@ -401,20 +401,20 @@ std::vector<Kind> Kinds()
         Table<RSVP_MOR_P2mpCrlspInfo, RSVP_MOR_P2mpCrlspKey>("p2mpCrlsp", true,
             READ(RSVP_MOR_GetP2mpCrlsp(fd, op, &key, row)), RSVP_MOR_FreeP2mpCrlspInfo),
     };
-    for (size_t i = 1; i < kinds.size(); i++)
+    for (size_t i = 1; i < kinds.size(); ++i)
         kinds[i].ingress = std::string_view(kinds[i].name) == kinds[i - 1].name;
     return kinds;
 }
 // clang-format on
 
-// A point-to-multipoint LSP whose answer fills a message to the last byte: 8184 bytes of body are 88 for its own
+// A point-to-multipoint LSP whose answer fills a message to the last byte: a body of 8184 bytes is 88 for its own
 // item, 94 for each of 86 sub-LSPs with one hop, and 12 for a name of eight letters.
 json FullLsp(Random &random, const rsvpsimd::RowKind &kind)
 {
     json row = RandomRow(random, kind);
     row["name"] = "eightchr";
     row["subLsps"] = json::array();
-    for (int i = 0; i < 86; i++) {
+    for (int i = 0; i < 86; ++i) {
         json entry = RandomFields(random, "p2mpSubLsp");
         entry["hopList"] = json::array({RandomFields(random, "hopEntry")});
         row["subLsps"].push_back(std::move(entry));
@@ -429,7 +429,7 @@ constexpr int kRowsOfASeed = 8;
 
 class RoundTrip : public testing::TestWithParam<Kind> {
 protected:
-    // Half of the rows have the key of the row before but for one bit.
+    // Half of the rows have a key that differs from that of the row before in only one bit.
     static void MakeNeighbour(Random &random, const rsvpsimd::RowKind &kind, const json &before, json &row)
     {
         const auto places = KeyPlaces(kind);
@@ -446,7 +446,7 @@ protected:
         std::string scenario;
         for (const uint32_t seed : kSeeds) {
             Random random(seed + wire_->requestItem);
-            for (int i = 0; i < kRowsOfASeed; i++) {
+            for (int i = 0; i < kRowsOfASeed; ++i) {
                 const bool full = i == 0 && wire_->name == "p2mpCrlsp";
                 rows_.push_back(full ? FullLsp(random, *wire_) : RandomRow(random, *wire_));
                 if (i % 2 == 1)
@@ -462,36 +462,37 @@ protected:
         leaves_ = manager::Leaves(Whole(*kind.key));
         std::sort(leaves_.begin(), leaves_.end(), [](const auto &a, const auto &b) { return a.offset < b.offset; });
         ASSERT_EQ(leaves_.size(), KeyPlaces(*wire_).size());
-        directory_.Write("scenario.toml", scenario);
-        ASSERT_EQ(RSVP_MOR_SetMplsRsvp(0), RSVP_MOR_OK) << directory_.Read("rsvpsimd.log");
+        directory_.Write(rsvp_host::kScenarioFile, scenario);
+        ASSERT_EQ(RSVP_MOR_SetMplsRsvp(0), RSVP_MOR_OK) << directory_.Log();
         fd_ = RSVP_MOR_LIPCOpen();
     }
     void TearDown() override { RSVP_MOR_LIPCClose(fd_); }
 
-    // The record of the key's type with these values.
+    // Fills the key's record with these values.
     void FillKey(const KeyValues &values)
     {
         key_.assign(GetParam().key->size, 0);
-        for (size_t i = 0; i < values.size(); i++) {
+        for (size_t i = 0; i < values.size(); ++i) {
             const manager::Leaf &leaf = leaves_[i];
             uint8_t *at = reinterpret_cast<uint8_t *>(key_.data()) + leaf.offset;
             const uint32_t width = leaf.field->width;
             if (leaf.field->kind == FieldKind::Bytes) {
                 const std::string hex = values[i].is_string() ? values[i].get<std::string>()
                                                               : fmt::format("{:08x}", values[i].get<uint32_t>());
-                for (uint32_t byte = 0; byte < width; byte++)
+                for (uint32_t byte = 0; byte < width; ++byte)
                     at[byte] = static_cast<uint8_t>(std::stoul(hex.substr(2 * byte, 2), nullptr, 16));
             } else if (width == 2) {
                 const auto number = values[i].get<uint16_t>();
-                std::memcpy(at, &number, sizeof number);
+                std::memcpy(at, &number, sizeof(number));
             } else {
                 const auto number = values[i].get<uint32_t>();
-                std::memcpy(at, &number, sizeof number);
+                std::memcpy(at, &number, sizeof(number));
             }
         }
     }
 
-    // Checks that a read answers with this row, or with the end of the table. Gives the record as JSON.
+    // Checks that a read answers with this row, or with the end of the table if it is null. Returns the record as
+    // JSON.
     json Check(const json *row, uint32_t op, const KeyValues &key)
     {
         const Kind &kind = GetParam();
@@ -523,7 +524,7 @@ protected:
 TEST_P(RoundTrip, EveryFieldOfEveryRow)
 {
     json actual = Check(&rows_.front(), kFirst, {});
-    for (size_t i = 0; i < rows_.size() && !actual.is_null(); i++) {
+    for (size_t i = 0; i < rows_.size() && !actual.is_null(); ++i) {
         const KeyValues key = KeyOf(*wire_, wire_->keyFields.empty() ? rows_[i] : actual);
         if (GetParam().hasGet)
             Check(&rows_[i], kGet, key);
@@ -538,7 +539,7 @@ TEST_P(RoundTrip, EveryFieldOfAKeyCounts)
     for (const json &row : rows_)
         keys.push_back(KeyOf(*wire_, row));
     for (const KeyValues &key : keys) {
-        for (size_t i = 0; i < key.size(); i++) {
+        for (size_t i = 0; i < key.size(); ++i) {
             SCOPED_TRACE(leaves_[i].path);
             KeyValues other = key;
             other[i] = WithOneBitFlipped(random, key[i], leaves_[i].field->width);
@@ -570,7 +571,7 @@ TEST(FullMessage, HasNoRoomForOneMoreByte)
     row["name"] = "ninechars";
     const program::HostDirectory directory(TomlTable("[[p2mpCrlsp]]", row));
     const auto result =
-        program::Run(directory, {RSVPSIMD_PATH, "--check", "--scenario", directory.PathOf("scenario.toml")});
+        program::Run(directory, {RSVPSIMD_PATH, "--check", "--scenario", directory.PathOf(rsvp_host::kScenarioFile)});
     EXPECT_EQ(result.exit, 2);
     EXPECT_NE(result.err.find("8185 bytes"), std::string::npos) << result.err;
 }
@@ -587,9 +588,9 @@ TEST(SingleRecords, EveryFieldAndEveryCount)
                                {"actBypassTunnels", random()}};
         const program::HostDirectory directory(TomlTable("[global]", global) + TomlTable("[debug]", debug) +
                                                TomlTable("[counters]", counters));
-        ASSERT_EQ(RSVP_MOR_SetMplsRsvp(0), RSVP_MOR_OK) << directory.Read("rsvpsimd.log");
+        ASSERT_EQ(RSVP_MOR_SetMplsRsvp(0), RSVP_MOR_OK) << directory.Log();
         const int32_t fd = RSVP_MOR_LIPCOpen();
-        RSVP_MOR_GlobalInfo info; // the first question of all, since the daemon counts what it is asked
+        RSVP_MOR_GlobalInfo info; // the first request of all, since the daemon counts requests
         ASSERT_EQ(RSVP_MOR_GetGlobalInfo(fd, &info), RSVP_MOR_OK);
         EXPECT_EQ(json::diff(global, RecordToJson(Describe<RSVP_MOR_GlobalInfo>(), &info)), json::array());
         RSVP_MOR_DebugInfo switches;
@@ -618,8 +619,8 @@ const uint8_t *Key()
 {
     static const std::vector<uint8_t> key = [] {
         std::vector<uint8_t> bytes(RSVP_MOR_AUTH_KEY_SIZE);
-        for (size_t i = 0; i < bytes.size(); i++)
-            bytes[i] = static_cast<uint8_t>(i * 7); // a zero byte in front, and no other
+        for (size_t i = 0; i < bytes.size(); ++i)
+            bytes[i] = static_cast<uint8_t>(i * 7); // only the first byte is zero
         return bytes;
     }();
     return key.data();
@@ -664,16 +665,16 @@ const Setting kSettings[] = {
     {2, 5, "cd", [](uint32_t) { return RSVP_MOR_SetPeerAuthWindowSize(kPeer, 0xcd); }},
 };
 
-// A field of the record where the command shows, as the wire's hex; empty if there is no such row.
+// The field that shows the command's setting, as the hex of the wire; empty if there is no such row.
 std::string Shown(int32_t fd, rsvpsimd::Target target, const std::string &field)
 {
-    const auto in = [&](uint32_t status, const auto &record, const char *layout) -> std::string {
+    const auto in = [&](uint32_t status, const auto &record, LayoutRef layout) -> std::string {
         if (status != RSVP_MOR_OK)
             return "";
         const json value = RecordToJson(Describe<std::decay_t<decltype(record)>>(), &record)[field];
         if (value.is_string())
             return value;
-        const auto *wire = FindField(rsvpsimd::LayoutNamed(layout), field, [](auto) { return 0; });
+        const auto *wire = FindField(*layout, field, [](auto) { return 0; });
         return fmt::format("{:0{}x}", value.get<uint32_t>(), 2 * wire->width);
     };
     RSVP_MOR_GlobalInfo global;
@@ -734,7 +735,7 @@ TEST(Commands, EverySettingShowsAndGoesBack)
         EXPECT_EQ(FlagsOfInterface() & command.flag, 0U) << command.name;
     }
     RSVP_MOR_LIPCClose(fd);
-    // Whatever the daemon shows in a read is set here, but for the end of the service itself.
+    // Every setting that the daemon shows in a read is set here, except the end of the service itself.
     for (const rsvpsimd::Command &command : rsvpsimd::AllCommands())
         EXPECT_TRUE(command.field.empty() || command.name == "globalDisable" || covered.contains(&command))
             << int{command.msgClass} << " " << command.name;
@@ -748,7 +749,7 @@ TEST(Commands, SwitchesAndResetsShow)
                                            "[[auth]]\nauthEntryWord0 = 1\nauthEntryWord1 = 2\nauthEntryLong0 = 9\n"
                                            "[[auth]]\nauthEntryWord0 = 2\nauthEntryWord1 = 1\nauthEntryLong0 = 9\n"
                                            "[global]\nstatWord4 = 1000\n");
-    ASSERT_EQ(RSVP_MOR_SetMplsRsvp(0), RSVP_MOR_OK) << directory.Read("rsvpsimd.log");
+    ASSERT_EQ(RSVP_MOR_SetMplsRsvp(0), RSVP_MOR_OK) << directory.Log();
     const int32_t fd = RSVP_MOR_LIPCOpen();
     const RSVP_MOR_Session session{0x0A000004, {0, 0}, 0x1234, 0x0A000001};
     for (const RSVP_MOR_DebugSwitch &debug : {RSVP_MOR_DebugSwitch{session, 4}, {session, 16}, {session, 64}})
@@ -759,7 +760,7 @@ TEST(Commands, SwitchesAndResetsShow)
     EXPECT_EQ(RSVP_MOR_GetRsvpDebug(fd, &info), RSVP_MOR_OK);
     EXPECT_EQ(info.debugFlags, 68U);
     EXPECT_EQ(info.session1.tunnelEndpoint, 0U);
-    EXPECT_EQ(std::memcmp(&info.session2, &session, sizeof session), 0);
+    EXPECT_EQ(std::memcmp(&info.session2, &session, sizeof(session)), 0);
 
     const RSVP_MOR_StatisticsKey oneInterface{66051, 0};
     const RSVP_MOR_StatisticsKey whole{0, 0};

@@ -1,17 +1,21 @@
 // rsvpctl as its users meet it: a program with a command line, two streams and an exit status, in front of a real
 // daemon that is well, that misbehaves, or that is not there.
-#include "frame.h"
-#include "instance.h"
+#include "host/daemon/instance.h"
+#include "host/daemon/wire/frame.h"
+#include "host/directory.h"
 #include "manager/record/text.h"
 #include "support/program.h"
 #include "tools/rsvpctl/command/batch.h"
 #include "tools/rsvpctl/command/command_line.h"
+#include "tools/rsvpctl/command/completion.h"
 #include "tools/rsvpctl/commands.h"
+#include "tools/rsvpctl/print/statuses.h"
 #include "tools/rsvpctl/set/settings.h"
 #include "tools/rsvpctl/watch/row_changes.h"
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <fmt/format.h>
 #include <fstream>
 #include <functional>
@@ -22,6 +26,7 @@
 #include <sstream>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
 
@@ -32,11 +37,11 @@ using program::HostDirectory;
 using program::Result;
 
 Result Ctl(const HostDirectory &directory, const std::string &line, const std::string &input = "",
-           bool closed = false)
+           program::Output output = program::Output::Kept)
 {
     std::vector<std::string> words = rsvpctl::SplitWords(line);
     words.insert(words.begin(), RSVPCTL_PATH);
-    return program::Run(directory, words, input, closed);
+    return program::Run(directory, words, input, output);
 }
 
 // One document, in which the exit status stands as well.
@@ -104,7 +109,7 @@ TEST(Rsvpctl, SaysWhatItDidAndWhyNot)
         {"show global", 3, "", "RSVP_MOR_LIPCOpen gave 0x2001000e"},
         {"show tunnels", 3, "", "broken after 0 rows"},
         {"set dscp 5", 3, "", "RSVP_MOR_ERR_LIPC"},
-        {"set bfd --interface 3", 5, "", "0x6001001a RSVP_MOR_ERR_NOT_ENABLED"},
+        {"set bfd --interface 3", 5, "", "RSVP_MOR_SetBfdEnable for interface 3 gave 0x6001001a"},
         {"undo bfd --interface 3", 0, "done", ""},
         {"enable", 0, "done", ""},
         {"status", 0, "running", ""},
@@ -115,8 +120,14 @@ TEST(Rsvpctl, SaysWhatItDidAndWhyNot)
         {"show interfaces 3", 1, "", "likely cause"},
         {"set peer 10.0.0.9", 0, "done", ""},
         {"show neighbours", 0, "nbrWord0", "3 rows, end of table"},
+        {"show neighbor", 0, "nbrWord0", "3 rows, end of table"},
+        {"show nieghbors", 2, "", "did you mean 'neighbours'?"},
+        {"show psb --tunel-id 3", 2, "", "'--tunel-id' is not expected here; did you mean '--tunnel-id'?"},
         {"set dscp 5", 1, "", "set dscp: RSVP_MOR_SetDscpValue for 5 gave 0x60010006"},
         {"set refresh-interval 30", 4, "", "0x40010001 RSVP_MOR_ERR_FAIL"},
+        {"set dscp 64", 2, "", "takes a number from 0 to 63, not '64'"},
+        {"set auth-window 256", 2, "", "takes a number of messages from 0 to 255"},
+        {"set dscp 5 --detail", 2, "", "--detail changes nothing here"},
         {"set hello-interval 300", 2, "", "interval: takes a number from 0 to 255, not '300'"},
         {"set bfd", 2, "", "--interface"},
         {"watch status --interval 99ms", 2, "", "takes a duration from 100ms to 24h"},
@@ -138,13 +149,19 @@ TEST(Rsvpctl, SaysWhatItDidAndWhyNot)
         {"reset statistics 0,0", 0, "done", ""},
         {"reset statistics 77,0", 1, "", "RSVP_MOR_ResetStatistics"},
         {"capability interface 4 on", 0, "done", ""},
-        {"options", 1, "", "/etc/te.conf"},
+        {"options a", 4, "", "/etc/te.conf is missing"},
+        {"options", 2, "", "names"},
         {"explain 0x6001001A", 0, "RSVP_MOR_ERR_NOT_ENABLED", ""},
+        {"explain RSVP_MOR_ERR_LIPC", 0, "0x2001000e", ""},
+        {"explain RSVP_MOR_ERR_LPIC", 2, "", "did you mean 'RSVP_MOR_ERR_LIPC'?"},
         {"explain 4294967296", 2, "", "4294967295"},
         {"batch nothing.txt", 2, "", "nothing.txt"},
         {"", 2, "", "subcommand"},
         {"sett", 2, "", "sett"},
         {"--help", 0, "Exit status", ""},
+        {"--version", 0, "rsvpctl ", ""},
+        {"help show lsp", 0, "Usage: rsvpctl show crlsp", ""},
+        {"help show shwo", 2, "", "show: 'shwo' is not expected here"},
         {"set --help", 0, "Examples:", ""},
         {"set auth-key --help", 0, "--key-file FILE", ""},
         {"disable", 0, "done", ""},
@@ -169,13 +186,13 @@ std::set<std::string> EveryLine()
         std::istringstream examples(command->examples);
         for (std::string text; std::getline(examples, text);)
             if (text.starts_with("  rsvpctl "))
-                lines.insert(text.substr(10, text.find("  ", 10) - 10));
+                lines.insert(text.substr(10, text.find(" #", 10) - 10));
     }
     // What has no end, what changes the service under the other lines, and what is made for other programs.
     std::erase_if(lines, [](const std::string &text) {
         return text.starts_with("watch") || text.starts_with("completion") || text == "schema" ||
                text.starts_with("enable") || text.starts_with("disable") || text.starts_with("capability global") ||
-               text.find('|') != std::string::npos;
+               text.find_first_of("|>") != std::string::npos;
     });
     return lines;
 }
@@ -218,6 +235,82 @@ TEST(Rsvpctl, EveryCommandGivesOneJsonDocument)
     EXPECT_EQ(system((validate + directory.PathOf("documents")).c_str()), 0);
 }
 
+// The lines below "Examples:", up to an empty one.
+std::string ExamplesOf(const std::string &help)
+{
+    std::istringstream text(help);
+    std::string line;
+    std::string examples;
+    while (std::getline(text, line) && line != "Examples:") {
+    }
+    while (std::getline(text, line) && !line.empty())
+        examples += line + "\n";
+    return examples;
+}
+
+TEST(Rsvpctl, ExamplesInTheHelpRunAsTheyStand)
+{
+    std::stringstream demo;
+    for (const char *name : {"demo.toml", "p2mp.toml"})
+        demo << std::ifstream(std::string(SCENARIOS_PATH) + name).rdbuf();
+    const HostDirectory directory(demo.str());
+    rsvpctl::CommandLine line;
+    AddCommands(line);
+    // A watch has no end of its own.
+    const std::string head = "set -euo pipefail\nrsvpctl() {\n[ \"$1\" != watch ] || set -- \"$@\" --count 1\n"
+                             "command " TEST_RUNNER " " RSVPCTL_PATH " \"$@\"\n}\nrsvpctl enable\n";
+    for (const rsvpctl::CompletionNode &node : CompletionNodes(line)) {
+        if (node.path == "options")
+            continue; // the option file is the device's own
+        const std::string examples = ExamplesOf(CtlJson(directory, "help " + node.path)["record"].value("help", ""));
+        EXPECT_NE(examples, "") << node.path;
+        directory.Write("examples", head + examples);
+        EXPECT_EQ(system(fmt::format("cd {} && bash examples >said 2>&1", directory.PathOf("")).c_str()), 0)
+            << examples << directory.Read("said");
+    }
+}
+
+TEST(Rsvpctl, OtherNamesAreTheSameCommand)
+{
+    const HostDirectory directory(kRows);
+    ASSERT_EQ(Ctl(directory, "enable").exit, 0);
+    std::string lines;
+    std::vector<std::string> names;
+    rsvpctl::CommandLine line;
+    AddCommands(line);
+    for (const rsvpctl::CompletionNode &node : CompletionNodes(line)) {
+        for (const std::string &alias : node.aliases) {
+            if (alias.starts_with("watch") || alias.starts_with("show p2mp"))
+                continue;
+            EXPECT_EQ(CtlJson(directory, alias)["operation"], node.path);
+            lines += alias + "\n";
+            names.push_back(node.path);
+        }
+    }
+    EXPECT_GE(names.size(), 6U);
+    const json batch = CtlJson(directory, "batch -", lines);
+    ASSERT_EQ(batch["rows"].size(), names.size());
+    for (size_t i = 0; i < names.size(); ++i)
+        EXPECT_EQ(batch["rows"][i]["operation"], names[i]);
+}
+
+// docs/protocol.md is made from the daemon's own list.
+TEST(Rsvpctl, KnowsTheStatusesOfTheSimulatedDaemon)
+{
+    std::ifstream page(PROTOCOL_PATH);
+    std::vector<std::string> told;
+    bool inList = false;
+    for (std::string line; std::getline(page, line);) {
+        inList = line == "Statuses of the simulated daemon:" || (inList && (line.empty() || line.starts_with("|")));
+        if (inList && line.starts_with("| 0x6"))
+            told.push_back(line);
+    }
+    std::vector<std::string> known;
+    for (const rsvpctl::SimulatedStatus &own : rsvpctl::SimulatedStatuses())
+        known.push_back(fmt::format("| {:#010x} | {} |", own.status, own.meaning));
+    EXPECT_EQ(known, told);
+}
+
 TEST(Rsvpctl, TellsTheEndsOfAWalkApart)
 {
     const struct {
@@ -232,7 +325,7 @@ TEST(Rsvpctl, TellsTheEndsOfAWalkApart)
         {"kind = \"short\"", 4, 1, "broken", "walk broken after 1 row"},
         {"kind = \"wrong-body-length\"", 4, 1, "broken", "walk broken after 1 row"},
         {"kind = \"exit\"", 4, 1, "broken", "walk broken after 1 row"},
-        {"kind = \"status\"\nnumber = 0x60010099", 1, 1, "broken", "0x60010099"},
+        {"kind = \"status\"\nnumber = 0x60010099", 4, 1, "broken", "0x60010099"},
         {"kind = \"stuck\"", 4, 1, "stuck", "walk stuck after 1 row"},
         {"kind = \"shifting\"\nonce = true", 0, 2, "end of table", "2 rows, end of table"},
     };
@@ -259,9 +352,134 @@ TEST(Rsvpctl, TellsTheEndsOfAWalkApart)
                 EXPECT_EQ(document["end"], row.end);
                 EXPECT_EQ(document["complete"], row.end == std::string("end of table"));
                 EXPECT_EQ(document["rows"][0][key], 1);
+                EXPECT_EQ(document.contains("after"), document["complete"] == false);
+                EXPECT_EQ(document.contains("whatToDo"), document["complete"] == false);
             }
         }
     }
+}
+
+// A fault of the scenario for every question.
+std::string FaultTable(const std::string &fault)
+{
+    const size_t equals = fault.find('=');
+    const std::string number = equals == std::string::npos ? "" : "number = " + fault.substr(equals + 1) + "\n";
+    return fmt::format("[[fault]]\nkind = \"{}\"\n{}class = 3\n", fault.substr(0, equals), number);
+}
+
+TEST(Rsvpctl, AFailureTellsHowFarItCame)
+{
+    const struct {
+        const char *fault;
+        int exit;
+        const char *stage;
+        const char *happened;
+    } cases[] = {
+        {"close", 4, "receive", "the daemon closed the session after"},
+        {"short=3", 4, "reply", "expected at least the 8 bytes of a header, 3 came"},
+        {"wrong-body-length", 4, "reply", "its header announces"},
+        {"cut-item", 4, "reply", "bytes of items are not those of the answer"},
+        {"status=0x60010099", 1, "refused", "the daemon answered with this status"},
+        {"status=0x40010001", 1, "refused", "the daemon answered"}, // numbers of the library's own
+        {"status=0x2001000e", 1, "refused", "the daemon answered"},
+        {"status=0x6001001a", 1, "refused", "the daemon answered"},
+    };
+    for (const auto &row : cases) {
+        SCOPED_TRACE(row.fault);
+        const HostDirectory directory(FaultTable(row.fault));
+        ASSERT_EQ(Ctl(directory, "enable").exit, 0);
+        const json document = CtlJson(directory, "show counters");
+        EXPECT_EQ(document["exitStatus"], row.exit);
+        EXPECT_EQ(document.value("stage", ""), row.stage) << document;
+        EXPECT_NE(document.value("whatHappened", "").find(row.happened), std::string::npos) << document;
+    }
+}
+
+TEST(Rsvpctl, TheOptionFileIsReadByTheNamesOfItsOptions)
+{
+    const HostDirectory directory;
+    std::filesystem::create_directory(directory.PathOf("etc"));
+    const struct {
+        const char *file;
+        const char *names;
+        int exit;
+        const char *values;
+    } cases[] = {
+        {"plugin-option a=1 b=0x30\n", "a b c", 0, R"({"a":1,"b":48,"c":null})"},
+        {"# only this\nplugin-option a=4294967295\n", "a", 0, R"({"a":4294967295})"},
+        {"plugin-option\n", "a", 0, R"({"a":null})"},
+        {"plugin-option a=1 b=2\n", "a", 4, "null"},
+        {"plugin-option a=one\n", "a", 4, "null"},
+        {"another word\n", "a", 4, "null"},
+    };
+    for (const auto &row : cases) {
+        directory.Write("etc/te.conf", row.file);
+        const json document = CtlJson(directory, std::string("options ") + row.names);
+        EXPECT_EQ(document["exitStatus"], row.exit) << row.file;
+        EXPECT_EQ(document.value("record", json()).dump(), row.values) << row.file;
+    }
+}
+
+TEST(Rsvpctl, NothingIsDoneOrStoppedWhereTheStateCannotBeAsked)
+{
+    const HostDirectory directory;
+    ASSERT_EQ(Ctl(directory, "enable").exit, 0);
+    const std::string nodes = directory.Read("nodes");
+    for (const std::string &harm : {std::string("mode"), std::string("nodes")}) {
+        if (harm == "mode")
+            chmod(directory.PathOf("").c_str(), 0755);
+        else
+            directory.Write("nodes", "no such word\n");
+        for (const char *line : {"status", "disable", "undo interface 3", "capability global off"}) {
+            const Result result = Ctl(directory, line);
+            EXPECT_EQ(result.exit, 4) << harm << ": " << line << "\n" << result.out << result.err;
+            EXPECT_EQ(result.out.find("done"), std::string::npos) << result.out;
+            EXPECT_EQ(result.out.find("stopped"), std::string::npos) << result.out;
+        }
+        chmod(directory.PathOf("").c_str(), 0700);
+        directory.Write("nodes", nodes);
+    }
+    // What could not be asked was not touched: the daemon lives, and it is what "done" is about.
+    EXPECT_EQ(Ctl(directory, "status").exit, 0);
+    EXPECT_EQ(Ctl(directory, "disable").exit, 0);
+}
+
+TEST(Rsvpctl, WhatIsNotTextOrCannotBeWrittenIsNotSilence)
+{
+    const HostDirectory directory("[rows]\ntunnel = 2\n");
+    ASSERT_EQ(Ctl(directory, "enable").exit, 0);
+    for (const std::string &line : {std::string("show glob\xff"), std::string("set peer \xff"),
+                                    std::string("batch \xff"), std::string("show tunnels --after \xc3")}) {
+        const json document = CtlJson(directory, line);
+        EXPECT_EQ(document["exitStatus"], 2) << line;
+    }
+    const json batch = CtlJson(directory, "batch - --keep-going", "set peer \xff\nset peer 10.0.0.9\n");
+    ASSERT_EQ(batch["rows"].size(), 2);
+    EXPECT_EQ(batch["rows"][1]["exitStatus"], 0);
+    EXPECT_EQ(Ctl(directory, "batch -", "set 'peer \x1b[2J'\n").err.find('\x1b'), std::string::npos);
+
+    // A descriptor that the caller closed is not the session's: the daemon gets requests and nothing else.
+    for (const char *line : {"show tunnels", "show tunnels --json", "show global", "--help"}) {
+        const Result result = Ctl(directory, line, "", program::Output::Closed);
+        EXPECT_EQ(result.exit, 7) << line;
+        EXPECT_NE(result.err.find("could not be written"), std::string::npos) << line << result.err;
+    }
+}
+
+TEST(Rsvpctl, ABatchIsNotTheKeyOfItsOwnLines)
+{
+    const HostDirectory directory;
+    ASSERT_EQ(Ctl(directory, "enable").exit, 0);
+    directory.Write("key.txt", "a key\n");
+    ASSERT_EQ(symlink("commands", directory.PathOf("other").c_str()), 0);
+    for (const char *name : {"-", "/dev/stdin", "/proc/self/fd/0"}) {
+        const json document =
+            CtlJson(directory, "batch -", std::string("set auth-key --key-file ") + name + "\nset interface 3\n");
+        EXPECT_EQ(document["exitStatus"], 2) << name;
+        EXPECT_EQ(document["rows"].size(), 1) << "the next line was not taken for the key";
+    }
+    directory.Write("commands", "set auth-key --key-file key.txt\nset auth-key --key-file other\n");
+    EXPECT_EQ(CtlJson(directory, "batch commands")["rows"][1]["exitStatus"], 2);
 }
 
 TEST(Rsvpctl, BatchNamesTheLineAndStopsWhereItIsTold)
@@ -349,9 +567,10 @@ std::string EverySetting()
         const std::string value = setting.kind == rsvpctl::ValueKind::Key
                                       ? " --key-file key.txt"
                                       : kValues[static_cast<size_t>(setting.kind)];
-        lines += fmt::format("set {}{}{}\n", name, value, where);
+        const std::string fitting = setting.most == 0 ? value : fmt::format(" {:#x}", setting.most);
+        lines += fmt::format("set {}{}{}\n", name, fitting, where);
         if (setting.undo != rsvpctl::Undo::None)
-            lines += fmt::format("undo {}{}{}\n", name, value, where);
+            lines += fmt::format("undo {}{}{}\n", name, fitting, where);
     }
     return lines;
 }
@@ -387,7 +606,12 @@ TEST(Rsvpctl, ADryRunPrintsWhatIsSent)
                              {"value", key ? "hidden" : fmt::format("{:02x}", fmt::join(item.value, ""))}});
         }
         const json sent = {{"class", message->msgClass}, {"op", message->op}, {"items", items}};
-        EXPECT_EQ(planned["rows"][i]["requests"], json::array({sent})) << planned["rows"][i];
+        json request = planned["rows"][i]["requests"].at(0);
+        for (json &item : request["items"])
+            EXPECT_NE(item["meaning"].get<std::string>(), "") << item;
+        for (json &item : request["items"])
+            item.erase("meaning");
+        EXPECT_EQ(request, sent) << planned["rows"][i];
     }
 }
 
@@ -403,13 +627,25 @@ TEST(Rsvpctl, KeysAreNeverSeen)
           "show interfaces", "show auth", "undo auth-key --key-file key.txt"}) {
         for (const char *style : {"", " --json", " --detail"}) {
             const Result result = Ctl(directory, line + style, secret);
-            EXPECT_EQ(result.exit, 0) << line << result.err;
+            const bool unknown = *style != '\0' && style == std::string(" --detail") && !line.starts_with("show");
+            EXPECT_EQ(result.exit, unknown ? 2 : 0) << line << result.err;
+            seen += result.out + result.err;
+        }
+    }
+    // Where a user takes the key for an argument, nothing repeats it.
+    for (const char *wrong : {"{}", "--key {}", "--{}", "--kye-file={}", "--interface {}", "--peer={}", "--color {}",
+                              "--interface 3 --key-file key.txt {}", "-- {}", "--json={}"}) {
+        const std::string line = "set auth-key " + fmt::format(fmt::runtime(wrong), secret);
+        for (const Result &result : {Ctl(directory, line), Ctl(directory, line + " --json"),
+                                     Ctl(directory, "batch -", line + "\nundo" + line.substr(3) + "\n"),
+                                     Ctl(directory, "batch -", "sett" + line.substr(3) + "\n")}) {
+            EXPECT_EQ(result.exit, 2) << line;
             seen += result.out + result.err;
         }
     }
     seen += Ctl(directory, "batch - --dry-run", "set auth-key --key-file key.txt\n").out;
     EXPECT_NE(seen.find("hidden"), std::string::npos);
-    seen += directory.Read("rsvpsimd.log");
+    seen += directory.Log();
     EXPECT_NE(seen.find("authKey=********"), std::string::npos);
     EXPECT_EQ(seen.find(secret.substr(0, 7)), std::string::npos);
     EXPECT_EQ(seen.find("68756e746572"), std::string::npos); // the same in hex
@@ -437,7 +673,7 @@ TEST(Rsvpctl, NumbersThatDoNotFitAreRefusedBeforeAnythingIsSent)
     for (const rsvpctl::Setting &setting : rsvpctl::AllSettings()) {
         if (setting.argument == nullptr)
             continue;
-        const uint64_t most = rsvpctl::MaximumOf(setting.kind);
+        const uint64_t most = rsvpctl::MaximumOf(setting);
         const std::string where = setting.level == rsvpctl::Level::Interface ? " --interface 3"
                                   : setting.level == rsvpctl::Level::Peer    ? " --peer 10.0.0.9"
                                                                              : "";
@@ -511,7 +747,7 @@ TEST(Rsvpctl, EnablesAndDisablesTheNodesOfOneDeviceAlone)
     EXPECT_EQ(Ctl(device, "enable").exit, 0);
     EXPECT_EQ(Ctl(device, "enable").exit, 0); // all of it is done already
     EXPECT_EQ(device.Read("service/8") + device.Read("service/9"), "1\n1\n");
-    const std::string pid = device.Read("rsvpsimd.lock");
+    const std::string pid = device.Read(rsvp_host::kLockFile);
     EXPECT_EQ(Ctl(other, "status").exit, 5);
 
     EXPECT_EQ(Ctl(other, "enable").exit, 0);
@@ -520,11 +756,11 @@ TEST(Rsvpctl, EnablesAndDisablesTheNodesOfOneDeviceAlone)
     EXPECT_EQ(CtlJson(other, "show interfaces")["rows"].size(), 0U);
     EXPECT_EQ(Ctl(other, "disable").exit, 0);
     EXPECT_EQ(Ctl(device, "status").exit, 0);
-    EXPECT_EQ(device.Read("rsvpsimd.lock"), pid);
+    EXPECT_EQ(device.Read(rsvp_host::kLockFile), pid);
 
     EXPECT_EQ(Ctl(device, "disable").exit, 0);
     EXPECT_EQ(device.Read("service/8") + device.Read("service/9"), "0\n0\n");
-    EXPECT_NE(access(device.PathOf("lipc-0ae18000").c_str(), F_OK), 0);
+    EXPECT_NE(access(device.PathOf(rsvp_host::kSocketFile).c_str(), F_OK), 0);
     const json status = CtlJson(device, "status");
     EXPECT_EQ(status["record"]["service"], "stopped");
     EXPECT_EQ(status["status"], RSVP_MOR_ERR_NOT_ENABLED);
@@ -625,7 +861,7 @@ TEST(Rsvpctl, AReaderThatGoesAwayIsNoFailure)
     const HostDirectory directory("[rows]\ntunnel = 1000\n");
     ASSERT_EQ(Ctl(directory, "enable").exit, 0);
     for (const char *line : {"show tunnels", "show tunnels --json", "show global", "batch -"}) {
-        const Result result = Ctl(directory, line, "show tunnels\nshow global\n", true);
+        const Result result = Ctl(directory, line, "show tunnels\nshow global\n", program::Output::ReaderGone);
         EXPECT_EQ(result.exit, 0) << line;
         EXPECT_EQ(result.err, "") << line;
     }

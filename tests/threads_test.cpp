@@ -1,5 +1,5 @@
-// Many threads of one management program at once, some on sessions that they hold and some opening one a call: the
-// library keeps nothing between calls, and the thread sanitizer sees whether that is so.
+// Many threads of one management program at once, some on held sessions and some that open one for each call. The
+// library keeps nothing between calls, and the thread sanitizer would see if it did.
 #include "rsvp_mor.h"
 #include "support/program.h"
 
@@ -9,11 +9,11 @@
 
 namespace {
 
-constexpr int EACH = 16;
-constexpr int ROUNDS = 20;
-constexpr uint32_t ROWS = 8;
+constexpr int kEach = 16;
+constexpr int kRounds = 20;
+constexpr uint32_t kRows = 8;
 
-// The rows of a walk, each one behind the one before.
+// Walks the path state and counts its rows; their keys must grow.
 uint32_t WalkPathState()
 {
     const int32_t fd = RSVP_MOR_LIPCOpen();
@@ -50,14 +50,14 @@ TEST(Threads, AllOperationsAtOnce)
     ASSERT_EQ(RSVP_MOR_SetMplsRsvp(0), RSVP_MOR_OK);
     std::atomic<uint32_t> walks = 0;
     std::vector<std::thread> threads;
-    for (uint32_t i = 0; i < 2 * EACH; ++i)
+    for (uint32_t i = 0; i < 2 * kEach; ++i)
         threads.emplace_back([&walks, i] {
-            for (int round = 0; round < ROUNDS; ++round)
-                walks += (i % 2 == 0 ? WalkPathState() : WalkTunnels(i)) == ROWS;
+            for (int round = 0; round < kRounds; ++round)
+                walks += (i % 2 == 0 ? WalkPathState() : WalkTunnels(i)) == kRows;
         });
     for (std::thread &thread : threads)
         thread.join();
-    EXPECT_EQ(walks, 2 * EACH * ROUNDS);
+    EXPECT_EQ(walks, 2 * kEach * kRounds);
     EXPECT_EQ(RSVP_MOR_SetMplsRsvp(1), RSVP_MOR_OK);
 }
 

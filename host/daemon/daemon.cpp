@@ -1,36 +1,33 @@
-// Checks a request, finds who answers it, and sends the answer through the faults that were asked for.
-#include "daemon.h"
+// Checks a request, finds the answer, and applies the faults that were asked for.
+#include "host/daemon/daemon.h"
 
-#include "trace.h"
-
-#include <algorithm>
+#include "host/daemon/trace.h"
 
 namespace rsvpsimd {
 
 namespace {
 
-// The item that says what a message is about: behind the key item, if there is one.
-std::uint16_t SubjectOf(const Message &message)
+// The item that says what a message is about. It comes after the key item, if there is one.
+uint16_t SubjectOf(const Message &message)
 {
-    return message.items.empty() ? std::uint16_t{0xFFFF} : message.items.back().type;
+    return message.items.empty() ? uint16_t{0xFFFF} : message.items.back().type;
 }
 
-Bytes OneItem(std::uint16_t type, ByteView value)
+Bytes OneItem(uint16_t type, ByteView value)
 {
     Bytes body;
     AppendItem(body, type, value);
     return body;
 }
 
-std::uint32_t CheckValue(std::string_view layout, ByteView value)
+uint32_t CheckValue(const Layout &layout, ByteView value)
 {
-    const Layout &form = LayoutNamed(layout);
-    if (value.size() != form.size)
+    if (value.size() != layout.size)
         return kBadLength;
-    return GapsAreZero(form, value) ? kOk : kBadValue;
+    return GapsAreZero(layout, value) ? kOk : kBadValue;
 }
 
-template <typename Selector> bool Selects(const Selector &selector, const Message &request)
+bool Selects(const Selector &selector, const Message &request)
 {
     return selector.msgClass.value_or(request.msgClass) == request.msgClass &&
            selector.op.value_or(request.op) == request.op &&
@@ -39,14 +36,20 @@ template <typename Selector> bool Selects(const Selector &selector, const Messag
 
 } // namespace
 
-Reply Daemon::Answer(ByteView request, std::uint64_t client)
+void Daemon::Add(const Behaviour &more)
+{
+    behaviour_.faults.insert(behaviour_.faults.end(), more.faults.begin(), more.faults.end());
+    behaviour_.refusals.insert(behaviour_.refusals.end(), more.refusals.begin(), more.refusals.end());
+}
+
+Reply Daemon::Answer(ByteView request, uint64_t client)
 {
     Reply reply;
     if (trace_)
         trace_(DescribeRequest(client, request));
     const std::optional<Message> message = ReadMessage(request);
     if (!message) {
-        // Without a whole header there is no one to answer to.
+        // Without a whole header there is nothing to answer.
         if (request.size() < kHeaderSize)
             reply = {.frame = {}, .copies = 0, .close = true};
         else
@@ -72,8 +75,8 @@ Reply Daemon::Answer(ByteView request, std::uint64_t client)
 
 Daemon::Result Daemon::Handle(const Message &request, const Walk &walk)
 {
-    for (const Refusal &refusal : refusals_)
-        if (Selects(refusal, request))
+    for (const Refusal &refusal : behaviour_.refusals)
+        if (Selects(refusal.requests, request))
             return {refusal.status};
     switch (request.msgClass) {
     case kGlobal:
@@ -99,10 +102,10 @@ Daemon::Result Daemon::Carry(const Message &request)
         return {kUnknownItem};
     if (request.op > kHelloTimer || (command->ops >> request.op & 1) == 0)
         return {kUnknownOp};
-    if (const auto status = CheckValue(command->layout, subject.value); status != kOk)
+    if (const auto status = CheckValue(*command->layout, subject.value); status != kOk)
         return {status};
     if (keyItem)
-        if (const auto status = CheckValue(keyItem->layout, request.items.front().value); status != kOk)
+        if (const auto status = CheckValue(*keyItem->layout, request.items.front().value); status != kOk)
             return {status};
     return {device_.Apply(*command, request.op, request.items.front().value, subject.value)};
 }
@@ -137,7 +140,9 @@ Daemon::Result Daemon::ShowRow(const RowKind &kind, const Message &request, cons
     if (request.op < kGet || request.op > (kind.hasIngressWalk ? kGetNextIngress : kGetNext))
         return {kUnknownOp};
     const bool first = request.op == kGetFirst || request.op == kGetFirstIngress;
-    if (const auto status = CheckValue(first && !kind.firstHasKey ? "none" : kind.keyLayout, key); status != kOk)
+    if (const auto status =
+            CheckValue(first && kind.firstKey == FirstKey::Empty ? *LayoutRef("none") : *kind.keyLayout, key);
+        status != kOk)
         return {status};
     Table &table = device_.Rows(kind);
     const bool next = !first && request.op != kGet;
@@ -159,26 +164,27 @@ Daemon::Result Daemon::ShowRow(const RowKind &kind, const Message &request, cons
 std::vector<Fault *> Daemon::FaultsFor(const Message &request)
 {
     std::vector<Fault *> faults;
-    for (Fault &fault : faults_)
-        if (!fault.spent && Selects(fault, request))
+    for (Fault &fault : behaviour_.faults)
+        if (!fault.spent && Selects(fault.requests, request))
             faults.push_back(&fault);
     return faults;
 }
 
-// statWord1 to 4: commands carried out, commands refused, reads answered, reads refused (the ends of tables among
-// them). countsA of the first group counts requests by operation, countsB by class.
-void Daemon::CountIn(const Message &request, std::uint32_t status)
+// statWord1 to statWord4 count commands done, commands refused, reads answered and reads refused (ends of tables
+// included). countsA of the first group counts requests by operation, countsB by class.
+void Daemon::CountIn(const Message &request, uint32_t status)
 {
     Image &global = device_.Global();
-    const bool read = request.msgClass == kShow;
-    if (status == kOk)
-        global.Add(read ? "statWord3" : "statWord1", 0);
+    if (request.msgClass == kShow)
+        CountUp(
+            global.Place(status == kOk ? FieldAt("globalInfo", "statWord3") : FieldAt("globalInfo", "statWord4")));
     else
-        global.Add(read ? "statWord4" : "statWord2", 0);
+        CountUp(
+            global.Place(status == kOk ? FieldAt("globalInfo", "statWord1") : FieldAt("globalInfo", "statWord2")));
     if (request.op <= kHelloTimer)
-        global.Add("counters1.countsA", request.op);
+        CountUp(global.Place(FieldAt("globalInfo", "counters1.countsA")).subspan(4UL * request.op));
     if (request.msgClass <= kReset)
-        global.Add("counters1.countsB", request.msgClass);
+        CountUp(global.Place(FieldAt("globalInfo", "counters1.countsB")).subspan(4UL * request.msgClass));
 }
 
 } // namespace rsvpsimd

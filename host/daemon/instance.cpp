@@ -1,6 +1,6 @@
-// Takes the lock before anything else is touched: whoever holds it may remove the socket file that a daemon which
-// died has left behind. The lock file itself stays, since removing it would let two daemons lock two files.
-#include "instance.h"
+// Takes the lock before it touches anything else: whoever holds it may remove the socket file of a daemon that died.
+// The lock file itself stays; if it were removed, two daemons could lock two different files.
+#include "host/daemon/instance.h"
 
 #include "host/directory.h"
 
@@ -11,7 +11,6 @@
 #include <sys/file.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 namespace rsvpsimd {
@@ -27,13 +26,13 @@ constexpr int kBacklog = 128;
 
 } // namespace
 
-Instance::Instance(const std::string &directory) : socketPath_(rsvp_host::SocketPath(directory))
+Instance::Instance(const std::string &directory) : socketPath_(rsvp_host::PathOf(directory, rsvp_host::kSocketFile))
 {
     if (const std::string problem = rsvp_host::PrepareDirectory(directory); !problem.empty())
         throw InstanceError(problem);
     try {
-        Lock(rsvp_host::LockPath(directory));
-        Listen();
+        Lock(rsvp_host::PathOf(directory, rsvp_host::kLockFile));
+        Listen(rsvp_host::SocketAddress(directory));
     } catch (const InstanceError &) {
         close(listener_);
         close(lock_);
@@ -63,14 +62,8 @@ void Instance::Lock(const std::string &path)
         Fail("cannot write to", path);
 }
 
-void Instance::Listen()
+void Instance::Listen(const sockaddr_un &address)
 {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    if (socketPath_.size() >= sizeof(address.sun_path))
-        throw InstanceError(fmt::format("the path of the socket is too long ({} bytes, at most {}): {}",
-                                        socketPath_.size(), sizeof(address.sun_path) - 1, socketPath_));
-    socketPath_.copy(address.sun_path, socketPath_.size());
     if (unlink(socketPath_.c_str()) != 0 && errno != ENOENT)
         Fail("cannot remove the stale socket", socketPath_);
     listener_ = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);

@@ -1,13 +1,15 @@
-// What makes this process the one daemon of its host directory: the lock that a second daemon finds taken, and the
-// socket file that clients connect to. Both are given up in the destructor.
-#pragma once
+// What makes this process the only daemon of its host directory: the lock that a second daemon finds taken, and the
+// socket file that clients connect to. The destructor gives up both.
+#ifndef HOST_DAEMON_INSTANCE_H
+#define HOST_DAEMON_INSTANCE_H
 
 #include <stdexcept>
 #include <string>
+#include <sys/un.h>
 
 namespace rsvpsimd {
 
-// Says in one sentence what is in the way.
+// Says in one sentence what the problem is.
 class InstanceError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
@@ -24,7 +26,7 @@ public:
 
 private:
     void Lock(const std::string &path);
-    void Listen();
+    void Listen(const sockaddr_un &address);
 
     std::string socketPath_;
     int lock_ = -1;
@@ -32,3 +34,5 @@ private:
 };
 
 } // namespace rsvpsimd
+
+#endif

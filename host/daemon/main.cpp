@@ -1,13 +1,12 @@
 // rsvpsimd: a simulated signalling daemon for machines that have none. It answers every request of the management
-// protocol from a scenario, from rows made by number, and from the commands that it was given.
+// protocol from a scenario, from rows made by number, and from the commands it has received.
+#include "host/daemon/instance.h"
+#include "host/daemon/options.h"
+#include "host/daemon/server.h"
 #include "host/directory.h"
-#include "instance.h"
-#include "options.h"
-#include "server.h"
 
 #include <csignal>
 #include <cstdio>
-#include <fmt/format.h>
 #include <sys/signalfd.h>
 #include <system_error>
 #include <unistd.h>
@@ -16,7 +15,7 @@ namespace {
 
 enum ExitStatus { kDone = 0, kUsage = 2, kNoInstance = 3, kToldToCrash = 4 };
 
-// Both signals that ask for an end arrive as something to read, so that the loop ends between two requests.
+// The two signals that end the daemon become something to read, so that the loop ends between two requests.
 int OpenStopSignals()
 {
     sigset_t signals;
@@ -30,14 +29,14 @@ int OpenStopSignals()
     return fd;
 }
 
-// Lines go out at once: a trace that ends with the daemon is of no use to whoever asks why it ended.
+// Lines go out at once: a trace that lacks its last lines does not tell why the daemon ended.
 void OpenTrace(rsvpsimd::Daemon &daemon, const std::string &path)
 {
     std::FILE *file = path.empty() ? stderr : std::fopen(path.c_str(), "ae");
     if (file == nullptr)
-        throw std::runtime_error(fmt::format("--trace: cannot write to {}", path));
+        throw std::runtime_error("--trace: cannot write to " + path);
     std::setvbuf(file, nullptr, _IOLBF, BUFSIZ);
-    daemon.TraceTo([file](const std::string &line) { fmt::print(file, "{}\n", line); });
+    daemon.TraceTo([file](const std::string &line) { std::fprintf(file, "%s\n", line.c_str()); });
 }
 
 int Serve(rsvpsimd::Daemon &daemon, const rsvpsimd::Options &options)
@@ -45,7 +44,7 @@ int Serve(rsvpsimd::Daemon &daemon, const rsvpsimd::Options &options)
     const int stop = OpenStopSignals();
     rsvpsimd::Instance instance(rsvp_host::DirectoryPath(options.hostDirectory));
     rsvpsimd::Server server(instance.Listener(), stop, daemon);
-    // A crash leaves everything as it lies, which is what the fault is for.
+    // The fault is meant to leave everything as a crash would.
     if (server.Run() == rsvpsimd::Server::End::Crashed)
         _exit(kToldToCrash);
     return kDone;

@@ -1,8 +1,8 @@
-// Reads the command line and puts what it asks for into the daemon. Messages name the option that is wrong.
-#include "options.h"
+// Reads the command line and sets the daemon up accordingly. Messages name the option that is wrong.
+#include "host/daemon/options.h"
 
-#include "generator.h"
-#include "scenario.h"
+#include "host/daemon/scenario/generator.h"
+#include "host/daemon/scenario/scenario.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -76,8 +76,12 @@ std::optional<Options> ReadOptions(int argc, char **argv, int &exitStatus)
 
 void Configure(Daemon &daemon, Options &options)
 {
-    if (!options.scenario.empty() && ReadScenario(daemon, options.scenario) && !options.trace)
-        options.trace = "";
+    if (!options.scenario.empty()) {
+        const Behaviour behaviour = ReadScenario(daemon.GetDevice(), options.scenario);
+        daemon.Add(behaviour);
+        if (behaviour.trace && !options.trace)
+            options.trace = "";
+    }
     try {
         for (const std::string &rows : options.rows)
             MakeRows(daemon.GetDevice(), rows);
@@ -105,8 +109,8 @@ void ListLayouts()
                        OrderName(field.order), field.name, form);
         }
     }
-    for (const ListLayout &list : AllListLayouts())
-        fmt::print("{} ({} bytes of count, then {})\n", list.name, list.countWidth, list.entry);
+    for (const ListSpec &list : kListSpecs)
+        fmt::print("{} ({} bytes of count, then {})\n", list.name, list.countWidth, list.entry->name);
 }
 
 } // namespace rsvpsimd

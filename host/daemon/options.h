@@ -1,7 +1,8 @@
 // The command line, and the daemon that it describes.
-#pragma once
+#ifndef HOST_DAEMON_OPTIONS_H
+#define HOST_DAEMON_OPTIONS_H
 
-#include "daemon.h"
+#include "host/daemon/daemon.h"
 
 #include <string>
 
@@ -17,8 +18,8 @@ struct Options {
     bool listLayouts = false;
 };
 
-// Nothing if the command line asked for help or the version, or was wrong; `exitStatus` then says with which
-// status to end, and what had to be said has been printed.
+// Nothing if the command line asked for help or the version, or was wrong. Then the message has been printed, and
+// `exitStatus` is the status to exit with.
 std::optional<Options> ReadOptions(int argc, char **argv, int &exitStatus);
 
 // Puts scenario, rows and faults into the daemon. Throws std::runtime_error with a sentence for the user.
@@ -27,3 +28,5 @@ void Configure(Daemon &daemon, Options &options);
 void ListLayouts();
 
 } // namespace rsvpsimd
+
+#endif

@@ -1,19 +1,19 @@
-// Moves records between the sockets and the daemon. Whatever a client does - send nonsense, take no answers, hang up
-// at any moment, open connections without end - costs that client its place and no one else anything.
-#include "server.h"
+// Moves messages between the sockets and the daemon. Whatever a client does - sends nonsense, takes no answers, hangs
+// up at any moment, opens connections without end - costs that client its place and nobody else anything.
+#include "host/daemon/server.h"
 
-#include <array>
 #include <cerrno>
 #include <poll.h>
 #include <sys/socket.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace rsvpsimd {
 
 namespace {
 
-constexpr std::size_t kMaxClients = 256;
-constexpr std::size_t kAcceptsPerTurn = 16;
+constexpr size_t kMaxClients = 256;
+constexpr size_t kAcceptsPerTurn = 16;
 
 } // namespace
 
@@ -37,7 +37,7 @@ Server::End Server::Run()
         if (polled[0].revents != 0)
             return End::Stopped;
         auto client = clients_.begin();
-        for (std::size_t i = 2; i < polled.size(); i++) {
+        for (size_t i = 2; i < polled.size(); ++i) {
             const auto current = client++;
             const bool busy = polled[i].revents != 0;
             if (!Serve(*current, polled[i].revents))
@@ -52,7 +52,7 @@ Server::End Server::Run()
     }
 }
 
-// Until the first answer that is late on purpose is due; without one, for ever.
+// Until the first delayed answer is due, or for ever if there is none.
 int Server::Timeout() const
 {
     int timeout = -1;
@@ -61,7 +61,7 @@ int Server::Timeout() const
         if (client.answers.empty() || client.blocked)
             continue;
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(client.answers.front().due - now).count();
-        const int wait = static_cast<int>(std::max<std::int64_t>(left, 0));
+        const int wait = static_cast<int>(std::max<int64_t>(left, 0));
         timeout = timeout < 0 ? wait : std::min(timeout, wait);
     }
     return timeout;
@@ -69,10 +69,10 @@ int Server::Timeout() const
 
 void Server::Accept()
 {
-    for (std::size_t i = 0; i < kAcceptsPerTurn; i++) {
+    for (size_t i = 0; i < kAcceptsPerTurn; ++i) {
         const int fd = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
         if (fd < 0) {
-            // Out of descriptors: whoever was silent longest makes room, and the next turn accepts again.
+            // Out of descriptors: the client that was silent longest makes room, and the next turn accepts again.
             if ((errno == EMFILE || errno == ENFILE || errno == ENOMEM || errno == ENOBUFS) && !clients_.empty())
                 Drop(clients_.begin());
             return;
@@ -94,16 +94,16 @@ bool Server::Serve(Client &client, short events)
 
 bool Server::Read(Client &client)
 {
-    // One byte more than the largest message: a longer record shows as such.
-    std::array<std::uint8_t, RSVP_MOR_MSG_MAX + 1> request;
+    // One byte more than the largest message, so that a longer one is noticed.
+    std::array<uint8_t, RSVP_MOR_MSG_MAX + 1> request;
     const ssize_t got = recv(client.fd, request.data(), request.size(), 0);
     if (got < 0)
         return errno == EAGAIN || errno == EINTR;
     if (got == 0)
         return false;
-    Reply reply = daemon_.Answer(ByteView(request).first(static_cast<std::size_t>(got)), client.number);
+    Reply reply = daemon_.Answer(ByteView(request).first(static_cast<size_t>(got)), client.number);
     crashed_ = reply.crash;
-    for (int i = 0; i < reply.copies; i++)
+    for (int i = 0; i < reply.copies; ++i)
         client.answers.push_back({reply.frame, Clock::now() + reply.delay});
     return !reply.close && Write(client);
 }

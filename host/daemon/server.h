@@ -1,8 +1,9 @@
-// The loop: one thread, one poll, any number of clients up to a limit. A client is read only when it has taken its
-// last answer and answers one request a turn, so that none can fill the memory or keep the others waiting.
-#pragma once
+// The loop: one thread, one poll, a limited number of clients. A client is read only when it has taken its last
+// answer, and each turn answers one request per client, so that none can fill the memory or keep the others waiting.
+#ifndef HOST_DAEMON_SERVER_H
+#define HOST_DAEMON_SERVER_H
 
-#include "daemon.h"
+#include "host/daemon/daemon.h"
 
 #include <deque>
 #include <list>
@@ -11,14 +12,14 @@ namespace rsvpsimd {
 
 class Server {
 public:
-    // `listener` is a listening socket of record type, `stop` a descriptor that becomes readable when it is time to
-    // end; both stay the caller's.
+    // `listener` is a listening SOCK_SEQPACKET socket, `stop` a descriptor that becomes readable when it is time to
+    // end. Both remain the caller's.
     Server(int listener, int stop, Daemon &daemon) : listener_(listener), stop_(stop), daemon_(daemon) {}
     ~Server();
     Server(const Server &) = delete;
     Server &operator=(const Server &) = delete;
 
-    enum class End : std::uint8_t { Stopped, Crashed };
+    enum class End : uint8_t { Stopped, Crashed };
     End Run();
 
 private:
@@ -30,7 +31,7 @@ private:
     };
     struct Client {
         int fd = -1;
-        std::uint64_t number = 0;
+        uint64_t number = 0;
         std::deque<Outgoing> answers = {}; // never more than those to one request
         bool blocked = false;              // the socket did not take the answer
     };
@@ -45,9 +46,11 @@ private:
     int listener_;
     int stop_;
     Daemon &daemon_;
-    std::list<Client> clients_; // the one that was silent longest is in front
-    std::uint64_t accepted_ = 0;
+    std::list<Client> clients_; // the one that was silent longest comes first
+    uint64_t accepted_ = 0;
     bool crashed_ = false;
 };
 
 } // namespace rsvpsimd
+
+#endif

@@ -1,13 +1,18 @@
-// One line of words for each frame, for whoever watches the daemon work. Authentication keys are never in it.
-#pragma once
+// Describes each frame in one line of words, for whoever watches the daemon work. It never shows authentication keys.
+#ifndef HOST_DAEMON_TRACE_H
+#define HOST_DAEMON_TRACE_H
 
-#include "faults.h"
+#include "host/daemon/faults.h"
+
+#include <string>
 
 namespace rsvpsimd {
 
-std::string DescribeRequest(std::uint64_t client, ByteView frame);
+std::string DescribeRequest(uint64_t client, ByteView frame);
 
-// The request tells which tables the reply's items belong to.
-std::string DescribeReply(std::uint64_t client, ByteView request, const Reply &reply);
+// The request tells which table the reply's items belong to.
+std::string DescribeReply(uint64_t client, ByteView request, const Reply &reply);
 
 } // namespace rsvpsimd
+
+#endif

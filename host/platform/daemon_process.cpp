@@ -1,5 +1,5 @@
-// The daemon's lock file is the only truth about whether it lives: the kernel lets go of the lock however the daemon
-// ends, so nothing here can become stale. Its content, the pid, says whom to signal, and counts only while locked.
+// Only the daemon's lock file says whether it lives: the kernel releases the lock however the daemon ends, so nothing
+// here can become stale. The pid in the file says which process to signal, and counts only while the file is locked.
 #include "host/platform/daemon_process.h"
 #include "host/directory.h"
 #include "host/platform/files.h"
@@ -9,7 +9,6 @@
 #include <chrono>
 #include <csignal>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
@@ -21,7 +20,6 @@
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
-#include <sys/un.h>
 #include <sys/wait.h>
 #include <system_error>
 #include <vector>
@@ -38,13 +36,13 @@ constexpr milliseconds kTermPatience{3000};
 constexpr milliseconds kKillPatience{2000};
 constexpr milliseconds kPause{10};
 
-// A process that is not this one's child, known by a descriptor where the system has them: a number can come to mean
-// another process, a descriptor cannot.
+// A process that is not a child of this one. It is known by a descriptor if the system has them, since a number can
+// come to mean another process and a descriptor cannot.
 class Process {
 public:
     explicit Process(pid_t pid) : pid_(pid), fd_(static_cast<int>(syscall(SYS_pidfd_open, pid, 0))) {}
 
-    // Waits that long, or less if the process ends.
+    // Waits at most that long; true if the process has ended.
     bool EndsWithin(milliseconds time) const
     {
         pollfd watch{fd_.Get(), POLLIN, 0};
@@ -66,10 +64,7 @@ private:
 
 bool Answers(const std::string &directory)
 {
-    const std::string path = SocketPath(directory);
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    path.copy(address.sun_path, sizeof(address.sun_path) - 1);
+    const sockaddr_un address = SocketAddress(directory);
     const Descriptor probe(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     return probe.Get() >= 0 &&
            connect(probe.Get(), reinterpret_cast<const sockaddr *>(&address), sizeof(address)) == 0;
@@ -111,7 +106,7 @@ std::vector<std::string> CommandLine(const std::string &program, const std::stri
             words.push_back(word);
     }
     words.insert(words.end(), {program, "--host-dir", directory});
-    if (const std::string scenario = ScenarioPath(directory); access(scenario.c_str(), F_OK) == 0)
+    if (const std::string scenario = PathOf(directory, kScenarioFile); access(scenario.c_str(), F_OK) == 0)
         words.insert(words.end(), {"--scenario", scenario});
     return words;
 }
@@ -127,8 +122,8 @@ void CloseAllOnExec(int first)
         fcntl(fd, F_SETFD, FD_CLOEXEC);
 }
 
-// Runs in a child that may come from a program of many threads: system calls only. Signals that the caller blocks or
-// ignores would stay so in the daemon, and it could not be stopped.
+// Runs in the child of a program that may have many threads: system calls only. Signals that the caller blocks or
+// ignores would stay that way in the daemon, and it could not be stopped.
 [[noreturn]] void BecomeDaemon(char *const *arguments, int input, int log)
 {
     for (int number = 1; number < NSIG; ++number)
@@ -146,15 +141,15 @@ void CloseAllOnExec(int first)
     _exit(told ? 127 : 126);
 }
 
-// Opened above the standard descriptors, which the caller may have closed and BecomeDaemon replaces.
+// Opened above the standard descriptors: the caller may have closed those, and BecomeDaemon replaces them.
 Descriptor OpenHigh(const char *path, int flags)
 {
     const Descriptor low(open(path, flags | O_CLOEXEC, 0600));
     return Descriptor(fcntl(low.Get(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
 }
 
-// The daemon is the child of a child that ends at once, so the caller never has it to reap; its number comes back
-// through a pipe. Returns 0 with errno where a step failed.
+// The daemon is the child of a child that ends at once, so the caller never has to reap it; its pid comes back
+// through a pipe. Returns 0 and sets errno if a step fails.
 pid_t Launch(const std::vector<std::string> &words, const std::string &logPath)
 {
     std::vector<char *> arguments;
@@ -179,7 +174,7 @@ pid_t Launch(const std::vector<std::string> &words, const std::string &logPath)
             BecomeDaemon(arguments.data(), input.Get(), log.Get());
         _exit(daemon > 0 && write(to.Get(), &daemon, sizeof(daemon)) == sizeof(daemon) ? 0 : 1);
     }
-    // A caller that ignores SIGCHLD has no child to wait for; the pipe alone says how it went.
+    // A caller that ignores SIGCHLD has no child to wait for; only the pipe says how it went.
     while (waitpid(child, nullptr, 0) < 0 && errno == EINTR)
         ;
     pid_t daemon = 0;
@@ -191,10 +186,10 @@ pid_t Launch(const std::vector<std::string> &words, const std::string &logPath)
 
 std::string WaitForAnswer(const std::string &directory, const Process &process)
 {
-    const std::string where = "; see " + LogPath(directory);
+    const std::string where = "; see " + PathOf(directory, kLogFile);
     const auto deadline = Clock::now() + kStartPatience;
     while (!DaemonIsUp(directory.c_str()) || !Answers(directory)) {
-        // One that somebody starts by hand at this moment may have been faster; then that one is waited for.
+        // A daemon started by hand at the same moment may have been faster; then wait for that one.
         if (process.EndsWithin(kPause) && LivingDaemon(directory.c_str()) == 0)
             return "rsvpsimd ended before it answered" + where;
         if (Clock::now() >= deadline)
@@ -219,20 +214,19 @@ bool WaitForEnd(const std::string &directory, const Process &process, millisecon
 
 pid_t LivingDaemon(const char *directory)
 {
-    char path[kDirectoryRoom + sizeof("/rsvpsimd.lock")];
-    std::snprintf(path, sizeof(path), "%s/rsvpsimd.lock", directory);
-    const Descriptor lock(open(path, O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    const FilePath path(directory, kLockFile);
+    const Descriptor lock(open(path.Get(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
     char text[16];
     const ssize_t length = lock.Get() < 0 ? 0 : read(lock.Get(), text, sizeof(text));
     pid_t pid = 0;
     if (length > 0)
         std::from_chars(text, text + length, pid);
-    // A process that is gone is dead without a look at the lock: to try the lock is to hold it for a moment, and a
-    // daemon that starts in this moment would take it for another daemon's.
+    // If the process is gone, do not try the lock: trying it means holding it for a moment, and a daemon that starts
+    // in that moment would think that another daemon holds it.
     if (pid <= 1 || (kill(pid, 0) != 0 && errno == ESRCH))
         return 0;
     if (flock(lock.Get(), LOCK_SH | LOCK_NB) == 0) {
-        flock(lock.Get(), LOCK_UN); // a child forked by another thread would keep it otherwise
+        flock(lock.Get(), LOCK_UN); // otherwise a child forked by another thread would keep it
         return 0;
     }
     return errno == EWOULDBLOCK ? pid : 0;
@@ -240,26 +234,24 @@ pid_t LivingDaemon(const char *directory)
 
 bool DaemonIsUp(const char *directory)
 {
-    char path[kDirectoryRoom + sizeof("/lipc-0ae18000")];
-    std::snprintf(path, sizeof(path), "%s/lipc-0ae18000", directory);
-    return access(path, F_OK) == 0 && LivingDaemon(directory) != 0;
+    return access(FilePath(directory, kSocketFile).Get(), F_OK) == 0 && LivingDaemon(directory) != 0;
 }
 
 std::string StartDaemon(const std::string &directory)
 {
     if (const pid_t living = LivingDaemon(directory.c_str()); living != 0)
         return WaitForAnswer(directory, Process(living));
-    // What a daemon that crashed left behind would make the new one look ready before it is.
-    unlink(SocketPath(directory).c_str());
+    // The socket of a daemon that crashed would make the new one look ready before it is.
+    unlink(PathOf(directory, kSocketFile).c_str());
     const std::string program = FindProgram();
     if (program.empty())
         return "no program rsvpsimd can be found; set RSVP_SIMD to its path";
-    const pid_t pid = Launch(CommandLine(program, directory), LogPath(directory));
+    const pid_t pid = Launch(CommandLine(program, directory), PathOf(directory, kLogFile));
     if (pid == 0)
-        return "rsvpsimd cannot be started with the log " + LogPath(directory) + ": " + std::strerror(errno);
+        return "rsvpsimd cannot be started with the log " + PathOf(directory, kLogFile) + ": " + std::strerror(errno);
     const Process process(pid);
     std::string problem = WaitForAnswer(directory, process);
-    // A start that failed must not succeed behind the caller's back later.
+    // A failed start must not succeed later behind the caller's back.
     if (!problem.empty() && !process.EndsWithin(kPause)) {
         process.Signal(SIGKILL);
         if (!process.EndsWithin(kKillPatience))
@@ -274,7 +266,8 @@ std::string StopDaemon(const std::string &directory)
     if (pid == 0)
         return {};
     const Process process(pid);
-    // Only now is it sure that the descriptor is the daemon's and not that of a process which got its number.
+    // Only now is it certain that the descriptor is the daemon's, not that of a process that has got its number
+    // since.
     if (LivingDaemon(directory.c_str()) != pid)
         return {};
     for (const auto &[number, patience] : {std::pair(SIGTERM, kTermPatience), std::pair(SIGKILL, kKillPatience)}) {

@@ -1,5 +1,5 @@
-// The database "eRSVP" is the daemon's: it can be opened for as long as the daemon lives. A handle is a descriptor of
-// the daemon's lock file, so that a handle which is never closed shows up as a leaked descriptor.
+// The database "eRSVP" belongs to the daemon and can be opened while the daemon lives. A handle is a descriptor of
+// the daemon's lock file, so a handle that is never closed shows up as a leaked descriptor.
 #include "platform/database.h"
 #include "host/platform/checked_directory.h"
 #include "host/platform/daemon_process.h"
@@ -12,22 +12,22 @@
 
 extern "C" {
 
-std::uint32_t DBM_Open(const char *database, const char *user, std::uint32_t, const std::uint32_t[8],
-                       std::int32_t *handle)
+uint32_t DBM_Open(const char *database, const char *user, uint32_t, const uint32_t[8], int32_t *handle)
 {
     if (database == nullptr || user == nullptr || handle == nullptr || std::strcmp(database, "eRSVP") != 0)
         return RSVP_MOR_ERR_FAIL;
     char directory[rsvp_host::kDirectoryRoom];
     if (rsvp_host::FindDirectory(directory) != 0 || rsvp_host::LivingDaemon(directory) == 0)
         return RSVP_MOR_ERR_NOT_EXIST;
-    const int fd = open(rsvp_host::LockPath(directory).c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+    const int fd =
+        open(rsvp_host::FilePath(directory, rsvp_host::kLockFile).Get(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
     if (fd < 0)
         return RSVP_MOR_ERR_FAIL;
     *handle = fd;
     return 0;
 }
 
-void DBM_Close(std::int32_t handle)
+void DBM_Close(int32_t handle)
 {
     close(handle);
 }

@@ -1,4 +1,4 @@
-// Reading and writing of the device's small files. Writers replace, so readers need no lock.
+// Writers replace a file as a whole, so readers need no lock.
 #include "host/platform/files.h"
 
 #include <cerrno>
@@ -9,13 +9,13 @@
 
 namespace rsvp_host {
 
-int ReadFile(const char *path, char *content, std::size_t room)
+int ReadFile(const char *path, char *content, size_t room)
 {
-    // A pipe in the place of a file must not stop the caller for ever.
+    // A pipe in place of the file must not block the caller for ever.
     const Descriptor file(open(path, O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
     if (file.Get() < 0)
         return -errno;
-    std::size_t length = 0;
+    size_t length = 0;
     while (length < room) {
         const ssize_t got = read(file.Get(), content + length, room - length);
         if (got < 0 && errno != EINTR)
@@ -23,7 +23,7 @@ int ReadFile(const char *path, char *content, std::size_t room)
         if (got == 0)
             break;
         if (got > 0)
-            length += static_cast<std::size_t>(got);
+            length += static_cast<size_t>(got);
     }
     return static_cast<int>(length);
 }

@@ -1,5 +1,6 @@
-// Small whole files, as the device's state consists of nothing else, and a descriptor that closes itself.
-#pragma once
+// Reading and replacing the small files that hold the device's state, and a descriptor that closes itself.
+#ifndef HOST_PLATFORM_FILES_H
+#define HOST_PLATFORM_FILES_H
 
 #include <cstddef>
 #include <string_view>
@@ -24,11 +25,13 @@ private:
     int fd_;
 };
 
-// Bytes read, `room` where the file may be longer, or the error number made negative. No heap.
-int ReadFile(const char *path, char *content, std::size_t room);
+// Returns the number of bytes read (`room` means that the file may be longer), or the negative error number. No heap.
+int ReadFile(const char *path, char *content, size_t room);
 
-// Puts a new file in the place of an old one, so that a reader sees the one or the other and never half of it.
+// Replaces the whole file, so that a reader sees either the old content or the new, never half of it.
 // Returns 0 or the error number.
 int ReplaceFile(const char *path, std::string_view content);
 
 } // namespace rsvp_host
+
+#endif

@@ -7,24 +7,24 @@
 
 namespace {
 
-constexpr std::uint32_t kOverhead = 4;
+constexpr uint32_t kOverhead = 4;
 
-void PutNet16(unsigned char *bytes, std::uint16_t number)
+void PutNet16(unsigned char *bytes, uint16_t number)
 {
     bytes[0] = static_cast<unsigned char>(number >> 8);
     bytes[1] = static_cast<unsigned char>(number & 0xff);
 }
 
-std::uint16_t GetNet16(const unsigned char *bytes)
+uint16_t GetNet16(const unsigned char *bytes)
 {
-    return static_cast<std::uint16_t>(bytes[0] << 8 | bytes[1]);
+    return static_cast<uint16_t>(bytes[0] << 8 | bytes[1]);
 }
 
 } // namespace
 
 extern "C" {
 
-std::uint32_t STLV_Set(void *buf, std::uint16_t room, std::uint16_t type, std::uint16_t length, const void *value)
+uint32_t STLV_Set(void *buf, uint16_t room, uint16_t type, uint16_t length, const void *value)
 {
     if (buf == nullptr || kOverhead + length > room || (value == nullptr && length != 0))
         return 0;
@@ -36,15 +36,14 @@ std::uint32_t STLV_Set(void *buf, std::uint16_t room, std::uint16_t type, std::u
     return kOverhead + length;
 }
 
-std::uint32_t STLV_Get(const void *buf, std::uint16_t length, std::uint16_t *type, std::uint16_t *itemLength,
-                       void **value)
+uint32_t STLV_Get(const void *buf, uint16_t length, uint16_t *type, uint16_t *itemLength, void **value)
 {
     const auto *bytes = static_cast<const unsigned char *>(buf);
     if (bytes == nullptr || length < kOverhead || kOverhead + GetNet16(bytes + 2) > length)
         return 0;
     *type = GetNet16(bytes);
     *itemLength = GetNet16(bytes + 2);
-    // The caller owns the buffer; that it comes as const is a promise of this call alone.
+    // The buffer is the caller's and writable; only this call promises not to write to it.
     *value = const_cast<unsigned char *>(bytes + kOverhead);
     return kOverhead + *itemLength;
 }

@@ -1,6 +1,6 @@
-// The router's private socket family on a machine that has none: the library's own socket calls are led here at link
-// time, and family 37 becomes a local socket whose file lies in the host directory. One message per send and per
-// recv is what SOCK_SEQPACKET gives, together with an error where the other side is gone.
+// The router's private socket family on a machine that has none. The linker redirects the library's own socket calls
+// to this file, and family 37 becomes a local socket in the host directory. SOCK_SEQPACKET keeps one message per send
+// and recv, and reports an error when the other side is gone.
 #include "host/platform/checked_directory.h"
 
 #include <cerrno>
@@ -18,7 +18,7 @@ constexpr int kProtocol = 1;
 constexpr int kSocketLevel = 1;
 constexpr int kSendTimeout = 0x1005;
 constexpr int kReceiveTimeout = 0x1006;
-constexpr std::size_t kAddressLength = 16;
+constexpr size_t kAddressLength = 16;
 
 } // namespace
 
@@ -38,10 +38,10 @@ int __wrap_socket(int family, int type, int protocol)
     return socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0);
 }
 
-// No other family of this system has these two option numbers, so the descriptor need not be asked for its own.
+// This system has no socket options with these two numbers, so the descriptor's family need not be checked.
 int __wrap_setsockopt(int fd, int level, int option, const void *value, socklen_t length)
 {
-    std::uint32_t words[2];
+    uint32_t words[2];
     const bool timeout = option == kSendTimeout || option == kReceiveTimeout;
     if (level != kSocketLevel || !timeout || value == nullptr || length != sizeof(words))
         return setsockopt(fd, level, option, value, length);
@@ -52,8 +52,8 @@ int __wrap_setsockopt(int fd, int level, int option, const void *value, socklen_
     return setsockopt(fd, SOL_SOCKET, option == kSendTimeout ? SO_SNDTIMEO : SO_RCVTIMEO, &time, sizeof(time));
 }
 
-// The family's address begins with a byte of length and a byte of family. Read as this system's family number, these
-// two give one that does not exist, in either byte order, so no other address is taken for one.
+// The family's address begins with a length byte and a family byte. Read as a family number of this system, the two
+// name a family that does not exist, in either byte order, so no other address can be mistaken for one.
 int __wrap_connect(int fd, const sockaddr *address, socklen_t length)
 {
     unsigned char bytes[kAddressLength] = {};
@@ -68,8 +68,8 @@ int __wrap_connect(int fd, const sockaddr *address, socklen_t length)
     }
     sockaddr_un file{};
     file.sun_family = AF_UNIX;
-    // By hand: a formatted print takes as long as all that the library does in such a call.
-    char *end = stpcpy(stpcpy(file.sun_path, directory), "/lipc-");
+    // By hand: a formatted print would take as long as everything else that the library does in such a call.
+    char *end = stpcpy(stpcpy(stpcpy(file.sun_path, directory), "/"), rsvp_host::kSocketPrefix.data());
     for (int i = 2; i < 6; ++i) {
         *end++ = "0123456789abcdef"[bytes[i] >> 4];
         *end++ = "0123456789abcdef"[bytes[i] & 0xf];

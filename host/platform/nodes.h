@@ -1,18 +1,21 @@
-// The nodes of the device as the file "nodes" names them, for every platform call that is given a node.
-#pragma once
+// The nodes of the device, read from a file that a developer edits. Every platform call that takes a node uses them.
+#ifndef HOST_PLATFORM_NODES_H
+#define HOST_PLATFORM_NODES_H
 
 #include <cstdint>
 
 namespace rsvp_host {
 
 struct Nodes {
-    std::uint16_t master = 0; // 0: there is none
-    std::uint32_t standbyCount = 0;
-    std::uint16_t standby[64];
+    uint16_t master = 0; // 0: there is none
+    uint32_t standbyCount = 0;
+    uint16_t standby[64];
 };
 
-// Reads the file without use of the heap. Returns null, or what is wrong with the file, to stand behind its path in a
-// sentence. A file that is not there gives master 1 and standby nodes 2 and 3.
+// Reads the file without using the heap. Returns null, or what is wrong with the file, worded to follow its path in a
+// sentence. A missing file means master 1 and standby nodes 2 and 3.
 const char *ReadNodes(const char *directory, Nodes &nodes);
 
 } // namespace rsvp_host
+
+#endif

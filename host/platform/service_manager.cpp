@@ -1,5 +1,5 @@
-// The service manager of the device. On the master the service is the daemon itself, so its status is read off the
-// living process; on a standby node it is a number in a file, since this machine has no other nodes to run it on.
+// The service manager of the device. On the master the service is the daemon itself, so its status comes from the
+// living process. A standby node has no machine here to run the service, so its status is a number in a file.
 #include "host/platform/checked_directory.h"
 #include "host/platform/daemon_process.h"
 #include "host/platform/files.h"
@@ -21,7 +21,7 @@ namespace rsvp_host {
 
 namespace {
 
-// Longer than the slowest start or stop of another program.
+// Longer than another program's slowest start or stop.
 constexpr std::chrono::seconds kLockPatience{15};
 
 // Held while a service is started or stopped, so that two programs that enable at once start one daemon.
@@ -33,7 +33,7 @@ public:
     {
     }
     ManagerLock(const ManagerLock &) = delete;
-    // Unlocked by name: a child forked by another thread shares the lock and may live on.
+    // Unlocked explicitly: a child forked by another thread shares the lock and may outlive this object.
     ~ManagerLock() { flock(file_.Get(), LOCK_UN); }
     int Error() const { return error_; }
 
@@ -55,11 +55,11 @@ private:
 
 enum class Role { Unknown, Master, Standby };
 
-Role RoleOf(std::uint32_t node, const Nodes &nodes)
+Role RoleOf(uint32_t node, const Nodes &nodes)
 {
     if (node == nodes.master)
         return Role::Master;
-    for (std::uint32_t i = 0; i < nodes.standbyCount; ++i)
+    for (uint32_t i = 0; i < nodes.standbyCount; ++i)
         if (node == nodes.standby[i])
             return Role::Standby;
     return Role::Unknown;
@@ -70,26 +70,31 @@ bool IsOurs(const char *service)
     return service != nullptr && std::strcmp(service, "RSVP") == 0;
 }
 
-// A node where the service was never started is a node where it is stopped. Were it an error, the node would drop out
-// of the list of those to start and would never be started.
-bool ReadStandbyStatus(const char *directory, std::uint32_t node, std::uint32_t &status)
+FilePath StatusFile(const char *directory, uint32_t standbyNode)
 {
-    char path[kDirectoryRoom + sizeof("/service/65535")];
-    std::snprintf(path, sizeof(path), "%s/service/%u", directory, static_cast<unsigned>(node & 0xffff));
+    char name[16];
+    std::snprintf(name, sizeof(name), "%s/%u", kServiceFolder.data(), static_cast<unsigned>(standbyNode & 0xffff));
+    return {directory, name};
+}
+
+// On a node where it was never started, the service counts as stopped. If that were an error, the node would drop out
+// of the list of nodes to start, and the service would never start there.
+bool ReadStandbyStatus(const char *directory, uint32_t node, uint32_t &status)
+{
     char text[2];
-    const int length = ReadFile(path, text, sizeof(text));
+    const int length = ReadFile(StatusFile(directory, node).Get(), text, sizeof(text));
     if (length != -ENOENT && (length < 1 || text[0] < '0' || text[0] > '3'))
         return false;
-    status = length < 0 ? 0 : static_cast<std::uint32_t>(text[0] - '0');
+    status = length < 0 ? 0 : static_cast<uint32_t>(text[0] - '0');
     return true;
 }
 
-std::string Change(const std::string &directory, std::uint32_t node, bool start)
+std::string Change(const std::string &directory, uint32_t node, bool start)
 {
     Nodes nodes;
     if (const char *problem = ReadNodes(directory.c_str(), nodes); problem != nullptr)
-        return directory + "/nodes " + problem;
-    const std::string lockPath = directory + "/service/lock";
+        return PathOf(directory, kNodesFile) + " " + problem;
+    const std::string lockPath = PathOf(directory, kServiceLockFile);
     const ManagerLock lock(lockPath);
     if (lock.Error() != 0)
         return lockPath + " cannot be locked: " + std::strerror(lock.Error());
@@ -97,9 +102,9 @@ std::string Change(const std::string &directory, std::uint32_t node, bool start)
     case Role::Master:
         return start ? StartDaemon(directory) : StopDaemon(directory);
     case Role::Standby: {
-        const std::string file = directory + "/service/" + std::to_string(node);
-        const int error = ReplaceFile(file.c_str(), start ? "1\n" : "0\n");
-        return error == 0 ? "" : file + " cannot be written: " + std::strerror(error);
+        const FilePath file = StatusFile(directory.c_str(), node);
+        const int error = ReplaceFile(file.Get(), start ? "1\n" : "0\n");
+        return error == 0 ? "" : std::string(file.Get()) + " cannot be written: " + std::strerror(error);
     }
     case Role::Unknown:
         break;
@@ -107,8 +112,8 @@ std::string Change(const std::string &directory, std::uint32_t node, bool start)
     return "the device has no node " + std::to_string(node);
 }
 
-// Callers reduce every code to success or failure, or do not look at all, so the reason is told here.
-std::uint32_t ChangeService(std::uint32_t node, const char *service, bool start)
+// Callers reduce every code to success or failure, or ignore it, so the reason is printed here.
+uint32_t ChangeService(uint32_t node, const char *service, bool start)
 {
     if (!IsOurs(service))
         return RSVP_MOR_ERR_FAIL;
@@ -123,13 +128,13 @@ std::uint32_t ChangeService(std::uint32_t node, const char *service, bool start)
     return RSVP_MOR_ERR_FAIL;
 }
 
-// One node that fails does not keep the others from being served.
-std::uint32_t ChangeAll(const std::uint16_t *nodes, std::uint32_t count, const char *service, bool start)
+// A node that fails does not stop the others from being changed.
+uint32_t ChangeAll(const uint16_t *nodes, uint32_t count, const char *service, bool start)
 {
     if (nodes == nullptr && count != 0)
         return RSVP_MOR_ERR_FAIL;
-    std::uint32_t result = 0;
-    for (std::uint32_t i = 0; i < count; ++i)
+    uint32_t result = 0;
+    for (uint32_t i = 0; i < count; ++i)
         if (ChangeService(nodes[i], service, start) != 0)
             result = RSVP_MOR_ERR_FAIL;
     return result;
@@ -141,15 +146,15 @@ std::uint32_t ChangeAll(const std::uint16_t *nodes, std::uint32_t count, const c
 
 extern "C" {
 
-// Asked before nearly every command: a few system calls, no heap. What the selector selects is all the same here.
-std::uint32_t SERVICE_GetStatus(std::uint32_t node, const char *service, std::int32_t, std::uint32_t *status)
+// Called before nearly every command: a few system calls, no heap. The selector makes no difference here.
+uint32_t SERVICE_GetStatus(uint32_t node, const char *service, int32_t, uint32_t *status)
 {
     using namespace rsvp_host;
     char directory[kDirectoryRoom];
     Nodes nodes;
     if (!IsOurs(service) || status == nullptr)
         return RSVP_MOR_ERR_FAIL;
-    // Where there is no directory yet, nothing has been started.
+    // If there is no directory yet, nothing has been started.
     if (const int error = FindDirectory(directory); error != 0 && error != ENOENT)
         return RSVP_MOR_ERR_FAIL;
     if (ReadNodes(directory, nodes) != nullptr)
@@ -166,24 +171,22 @@ std::uint32_t SERVICE_GetStatus(std::uint32_t node, const char *service, std::in
     return RSVP_MOR_ERR_FAIL;
 }
 
-std::uint32_t SERVICE_Start(std::uint32_t node, const char *service, std::uint32_t, std::uint32_t)
+uint32_t SERVICE_Start(uint32_t node, const char *service, uint32_t, uint32_t)
 {
     return rsvp_host::ChangeService(node, service, true);
 }
 
-std::uint32_t SERVICE_Stop(std::uint32_t node, const char *service, std::uint32_t, std::uint32_t)
+uint32_t SERVICE_Stop(uint32_t node, const char *service, uint32_t, uint32_t)
 {
     return rsvp_host::ChangeService(node, service, false);
 }
 
-std::uint32_t SERVICE_BatchStart(std::uint16_t *nodes, std::uint32_t count, const char *service, std::uint32_t,
-                                 std::uint32_t)
+uint32_t SERVICE_BatchStart(uint16_t *nodes, uint32_t count, const char *service, uint32_t, uint32_t)
 {
     return rsvp_host::ChangeAll(nodes, count, service, true);
 }
 
-std::uint32_t SERVICE_BatchStop(std::uint16_t *nodes, std::uint32_t count, const char *service, std::uint32_t,
-                                std::uint32_t)
+uint32_t SERVICE_BatchStop(uint16_t *nodes, uint32_t count, const char *service, uint32_t, uint32_t)
 {
     return rsvp_host::ChangeAll(nodes, count, service, false);
 }

@@ -1,13 +1,13 @@
 /**
  * @file config.h
- * Commands: they change the daemon and give back a status alone.
+ * Commands: they change the daemon and return only a status.
  *
- * Where a command takes `op`, 0 sets and 1 takes the setting back. The number's low byte goes on the wire. A command
- * that is said to be gated asks the service manager first: if the service runs on no node it sends nothing and
- * returns 0 for `op` 1, since there is nothing to undo, and RSVP_MOR_ERR_NOT_ENABLED otherwise.
+ * Where a command takes `op`, 0 sets and 1 undoes the setting. The low byte of `op` is sent. A command that is called
+ * gated asks the service manager first: if the service runs on no node, it sends nothing and returns 0 for `op` 1,
+ * since there is nothing to undo, and RSVP_MOR_ERR_NOT_ENABLED for any other `op`.
  *
- * Units and ranges are the daemon's; the library passes numbers through. All commands but RSVP_MOR_ResetStatistics
- * use an own session.
+ * The daemon defines units and ranges; the library passes numbers through. Every command uses its own session, except
+ * RSVP_MOR_ResetStatistics.
  */
 #ifndef RSVP_MOR_CONFIG_H
 #define RSVP_MOR_CONFIG_H
@@ -22,30 +22,30 @@ extern "C" {
 #endif
 #pragma GCC visibility push(default)
 
-/** Bytes of an authentication key. A shorter key is the caller's to pad. */
+/** Bytes of an authentication key. The caller pads a shorter key. */
 #define RSVP_MOR_AUTH_KEY_SIZE 68
 
-/** The first of two debug types that bind a switch to one RSVP session; all others are for the whole daemon. */
+/** One of the two debug types that bind a switch to one RSVP session; all others are for the whole daemon. */
 #define RSVP_MOR_DEBUG_SESSION_A 16u
-/** The second. */
+/** The other one. */
 #define RSVP_MOR_DEBUG_SESSION_B 64u
 
 /* ---- Enabling ---------------------------------------------------------------------------------------------- */
 
 /**
  * Switches RSVP on or off for the device. Enabling starts the service on the system master and then on the standby
- * nodes that do not run it; what has started stays started if a later node fails, and enabling again completes it.
- * Disabling tells the daemon, then stops the service on the standby nodes and last on the master; failures to stop
- * are not reported.
+ * nodes that do not run it. If a node fails, the nodes that have started stay started, and enabling again starts the
+ * rest. Disabling tells the daemon, then stops the service on the standby nodes and last on the master; it does not
+ * report a failure to stop.
  *
  * @param op  0 enables, any other value disables
  * @return 0; RSVP_MOR_ERR_FAIL if the master cannot be asked, a start failed, or the daemon refused to be disabled
- *         while its database can still be opened
+ *         and its database can still be opened
  */
 uint32_t RSVP_MOR_SetMplsRsvp(uint32_t op);
 
 /**
- * RSVP_MOR_SetMplsRsvp, seen from a yes-or-no value.
+ * RSVP_MOR_SetMplsRsvp, for callers with a yes-or-no value.
  *
  * @param capability  0 disables, anything else enables
  * @return as RSVP_MOR_SetMplsRsvp
@@ -62,7 +62,7 @@ uint32_t RSVP_SetGlobalCapability(uint32_t capability);
 uint32_t RSVP_MOR_SetRsvpEnable(uint32_t op, uint32_t ifIndex);
 
 /**
- * RSVP_MOR_SetRsvpEnable, seen from a yes-or-no value.
+ * RSVP_MOR_SetRsvpEnable, for callers with a yes-or-no value.
  *
  * @param ifIndex     interface index
  * @param capability  0 disables, anything else enables
@@ -79,7 +79,7 @@ uint32_t RSVP_SetIfCapability(uint32_t ifIndex, uint32_t capability);
  */
 uint32_t RSVP_MOR_SetRsvpPeer(uint32_t op, uint32_t peer);
 
-/* ---- Protocol parameters of the whole daemon; none is gated -------------------------------------------------- */
+/* ---- Protocol parameters of the whole daemon, not gated ------------------------------------------------------ */
 
 /**
  * Sets the interval of Path and Resv refreshes (RFC 2205, R).
@@ -90,7 +90,7 @@ uint32_t RSVP_MOR_SetRsvpPeer(uint32_t op, uint32_t peer);
 uint32_t RSVP_MOR_SetRefreshInterval(uint16_t interval);
 
 /**
- * Sets how many refreshes may be missed before state is dropped (RFC 2205, K).
+ * Sets how many refreshes may be missed before state is deleted (RFC 2205, K).
  *
  * @param multiplier  the keep multiplier
  * @return 0; RSVP_MOR_ERR_LIPC; RSVP_MOR_ERR_FAIL; the daemon's status
@@ -106,7 +106,7 @@ uint32_t RSVP_MOR_SetKeepMultiplier(uint8_t multiplier);
 uint32_t RSVP_MOR_SetHelloInterval(uint8_t interval);
 
 /**
- * Sets how many Hello messages may be lost before a neighbour is taken for dead (RFC 3209).
+ * Sets how many Hello messages may be lost before a neighbour counts as dead (RFC 3209).
  *
  * @param lost  the number of messages
  * @return 0; RSVP_MOR_ERR_LIPC; RSVP_MOR_ERR_FAIL; the daemon's status
@@ -129,7 +129,7 @@ uint32_t RSVP_MOR_SetDscpValue(uint32_t dscp);
  */
 uint32_t RSVP_MOR_SetGrEnable(uint32_t op);
 
-/* ---- Protocol parameters of one interface; all are gated ----------------------------------------------------- */
+/* ---- Protocol parameters of one interface, gated ------------------------------------------------------------- */
 
 /**
  * Switches Hello messages on or off on an interface (RFC 3209). Gated.
@@ -150,21 +150,21 @@ uint32_t RSVP_MOR_SetHelloEnable(uint32_t op, uint32_t ifIndex);
 uint32_t RSVP_MOR_SetBfdEnable(uint32_t op, uint32_t ifIndex);
 
 /**
- * Sets or takes back refresh overhead reduction on an interface (RFC 2961). Gated.
+ * Sets or undoes refresh overhead reduction on an interface (RFC 2961). Gated.
  *
- * @param op       0 sets, 1 takes back; the numbers are sent with both
+ * @param op       0 sets, 1 undoes; the numbers are sent in both cases
  * @param ifIndex  interface index
- * @param[in,out] pair  two numbers, read in host order. They are converted to network order in place, and stay so
- *                 after the call, also a failed one; if the gate answered they are as they were
+ * @param[in,out] pair  two numbers in host order. They are converted to network order in place and stay so after the
+ *                 call, even a failed one; only if the service does not run are they unchanged
  * @return 0; RSVP_MOR_ERR_NOT_ENABLED; RSVP_MOR_ERR_LIPC; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_SetReduction(uint32_t op, uint32_t ifIndex, uint16_t *pair);
 
 /**
- * Sets the retransmission interval on an interface (RFC 2961, Rf). Gated; `op` reaches the gate alone, and with the
- * service running 0 and 1 send the same message.
+ * Sets the retransmission interval on an interface (RFC 2961, Rf). Gated. `op` is used for the gate alone: while the
+ * service runs, 0 and 1 send the same message.
  *
- * @param op        what a stopped service answers to: 1 gives 0, anything else RSVP_MOR_ERR_NOT_ENABLED
+ * @param op        the result if the service does not run: 0 for `op` 1, RSVP_MOR_ERR_NOT_ENABLED for any other
  * @param ifIndex   interface index
  * @param interval  the interval
  * @return 0; RSVP_MOR_ERR_NOT_ENABLED; RSVP_MOR_ERR_LIPC; RSVP_MOR_ERR_FAIL; the daemon's status
@@ -172,7 +172,7 @@ uint32_t RSVP_MOR_SetReduction(uint32_t op, uint32_t ifIndex, uint16_t *pair);
 uint32_t RSVP_MOR_SetRetransInterval(uint32_t op, uint32_t ifIndex, uint16_t interval);
 
 /**
- * Sets the retransmission increment on an interface (RFC 2961, Delta). Gated; `op` reaches the gate alone.
+ * Sets the retransmission increment on an interface (RFC 2961, Delta). Gated; `op` is used for the gate alone.
  *
  * @param op         as in RSVP_MOR_SetRetransInterval
  * @param ifIndex    interface index
@@ -181,13 +181,13 @@ uint32_t RSVP_MOR_SetRetransInterval(uint32_t op, uint32_t ifIndex, uint16_t int
  */
 uint32_t RSVP_MOR_SetRetransIncrement(uint32_t op, uint32_t ifIndex, uint8_t increment);
 
-/* ---- Authentication (RFC 2747): of the whole daemon, not gated ------------------------------------------------ */
+/* ---- Authentication (RFC 2747) of the whole daemon, not gated ------------------------------------------------- */
 
 /**
- * Sets or takes back the authentication key of the whole daemon.
+ * Sets or undoes the authentication key of the whole daemon.
  *
- * @param op       0 sets, 1 takes back; the key is sent with both
- * @param authKey  RSVP_MOR_AUTH_KEY_SIZE bytes, sent as they stand, zero bytes included
+ * @param op       0 sets, 1 undoes; the key is sent in both cases
+ * @param authKey  RSVP_MOR_AUTH_KEY_SIZE bytes, sent unchanged, zero bytes included
  * @return 0; RSVP_MOR_ERR_LIPC; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_SetAuthKey(uint32_t op, const uint8_t *authKey);
@@ -219,11 +219,11 @@ uint32_t RSVP_MOR_SetAuthWindowSize(uint8_t windowSize);
 /* ---- Authentication of one interface, gated ------------------------------------------------------------------- */
 
 /**
- * Sets or takes back the authentication key of an interface. Gated.
+ * Sets or undoes the authentication key of an interface. Gated.
  *
- * @param op       0 sets, 1 takes back; the key is sent with both
+ * @param op       0 sets, 1 undoes; the key is sent in both cases
  * @param ifIndex  interface index
- * @param authKey  RSVP_MOR_AUTH_KEY_SIZE bytes, sent as they stand
+ * @param authKey  RSVP_MOR_AUTH_KEY_SIZE bytes, sent unchanged
  * @return 0; RSVP_MOR_ERR_NOT_ENABLED; RSVP_MOR_ERR_LIPC; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_SetIntfAuthKey(uint32_t op, uint32_t ifIndex, const uint8_t *authKey);
@@ -238,7 +238,7 @@ uint32_t RSVP_MOR_SetIntfAuthKey(uint32_t op, uint32_t ifIndex, const uint8_t *a
 uint32_t RSVP_MOR_SetIntfAuthChallenge(uint32_t op, uint32_t ifIndex);
 
 /**
- * Sets the life time of an interface's key. Gated; `op` reaches the gate alone.
+ * Sets the life time of an interface's key. Gated; `op` is used for the gate alone.
  *
  * @param op        as in RSVP_MOR_SetRetransInterval
  * @param ifIndex   interface index
@@ -248,7 +248,7 @@ uint32_t RSVP_MOR_SetIntfAuthChallenge(uint32_t op, uint32_t ifIndex);
 uint32_t RSVP_MOR_SetIntfAuthLifeTime(uint32_t op, uint32_t ifIndex, uint32_t lifeTime);
 
 /**
- * Sets an interface's window size. Gated; `op` reaches the gate alone.
+ * Sets how many messages may arrive out of sequence on an interface. Gated; `op` is used for the gate alone.
  *
  * @param op          as in RSVP_MOR_SetRetransInterval
  * @param ifIndex     interface index
@@ -260,11 +260,11 @@ uint32_t RSVP_MOR_SetIntfAuthWindowSize(uint32_t op, uint32_t ifIndex, uint8_t w
 /* ---- Authentication of one peer, not gated -------------------------------------------------------------------- */
 
 /**
- * Sets or takes back the authentication key of a peer.
+ * Sets or undoes the authentication key of a peer.
  *
- * @param op       0 sets, 1 takes back; the key is sent with both
+ * @param op       0 sets, 1 undoes; the key is sent in both cases
  * @param peer     IPv4 address of the peer
- * @param authKey  RSVP_MOR_AUTH_KEY_SIZE bytes, sent as they stand
+ * @param authKey  RSVP_MOR_AUTH_KEY_SIZE bytes, sent unchanged
  * @return 0; RSVP_MOR_ERR_LIPC; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_SetPeerAuthKey(uint32_t op, uint32_t peer, const uint8_t *authKey);
@@ -288,7 +288,7 @@ uint32_t RSVP_MOR_SetPeerAuthChallenge(uint32_t op, uint32_t peer);
 uint32_t RSVP_MOR_SetPeerAuthLifeTime(uint32_t peer, uint32_t lifeTime);
 
 /**
- * Sets a peer's window size.
+ * Sets how many messages may arrive out of sequence from a peer.
  *
  * @param peer        IPv4 address of the peer
  * @param windowSize  the window size
@@ -296,7 +296,7 @@ uint32_t RSVP_MOR_SetPeerAuthLifeTime(uint32_t peer, uint32_t lifeTime);
  */
 uint32_t RSVP_MOR_SetPeerAuthWindowSize(uint32_t peer, uint8_t windowSize);
 
-/** Names one authentication entry (a security association of RFC 2747) for RSVP_MOR_ResetAuth. */
+/** Identifies one authentication entry (a security association of RFC 2747) for RSVP_MOR_ResetAuth. */
 typedef struct RSVP_MOR_AuthEntryKey {
     uint32_t authId1; /**< first number of the entry's key */
     uint32_t authId2; /**< second number */
@@ -305,19 +305,19 @@ typedef struct RSVP_MOR_AuthEntryKey {
 } RSVP_MOR_AuthEntryKey;
 
 /**
- * Resets one authentication entry. A stopped service gives RSVP_MOR_ERR_NOT_ENABLED in every case.
+ * Resets one authentication entry. If the service does not run, the result is RSVP_MOR_ERR_NOT_ENABLED.
  *
- * @param key  the entry; only read
+ * @param key  the entry; only read; null is refused
  * @return 0; RSVP_MOR_ERR_NOT_ENABLED; RSVP_MOR_ERR_LIPC; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_ResetAuth(const RSVP_MOR_AuthEntryKey *key);
 
 /* ---- Debug switches and statistics ---------------------------------------------------------------------------- */
 
-/** A debug switch, bound to one RSVP session where its type asks for it. */
+/** A debug switch, bound to one RSVP session if its type is one of the two session types. */
 typedef struct RSVP_MOR_DebugSwitch {
-    RSVP_MOR_Session session; /**< sent for RSVP_MOR_DEBUG_SESSION_A and _B only; otherwise 12 zero bytes go out */
-    uint32_t debugType;       /**< which switch; the daemon's number */
+    RSVP_MOR_Session session; /**< sent only for RSVP_MOR_DEBUG_SESSION_A and _B; else 12 zero bytes are sent */
+    uint32_t debugType;       /**< which switch, as the daemon numbers them */
 } RSVP_MOR_DebugSwitch;
 
 /** The state of the debug switches. */
@@ -327,17 +327,17 @@ typedef struct RSVP_MOR_DebugInfo {
     uint32_t debugFlags;       /**< state of the switches */
 } RSVP_MOR_DebugInfo;
 
-/** What RSVP_MOR_ResetStatistics clears; the daemon's numbers. */
+/** What RSVP_MOR_ResetStatistics clears; the daemon defines the numbers. */
 typedef struct RSVP_MOR_StatisticsKey {
     uint32_t statsId1; /**< first number */
     uint16_t statsId2; /**< second number */
 } RSVP_MOR_StatisticsKey;
 
 /**
- * Sets or clears a debug switch. Gated; if the gate answers, `debug` is not read.
+ * Sets or clears a debug switch. Gated.
  *
  * @param op     0 sets, 1 clears
- * @param debug  the switch; only read
+ * @param debug  the switch; only read, and not even that if the service does not run; null is refused
  * @return 0; RSVP_MOR_ERR_NOT_ENABLED; RSVP_MOR_ERR_LIPC; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_SetDebug(uint32_t op, const RSVP_MOR_DebugSwitch *debug);
@@ -346,16 +346,16 @@ uint32_t RSVP_MOR_SetDebug(uint32_t op, const RSVP_MOR_DebugSwitch *debug);
  * Reads the state of the debug switches. Held session. A reply that is not exactly one value of 28 bytes is refused.
  *
  * @param fd         held session
- * @param[out] info  the state; written with status 0 only
+ * @param[out] info  the state; written only with status 0
  * @return 0; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_GetRsvpDebug(int32_t fd, RSVP_MOR_DebugInfo *info);
 
 /**
- * Clears counters. Held session; the one command that does not open its own.
+ * Clears counters. Held session: the only command that does not open its own.
  *
  * @param fd   held session
- * @param key  what to clear; only read
+ * @param key  what to clear; only read; null is refused
  * @return 0; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_ResetStatistics(int32_t fd, const RSVP_MOR_StatisticsKey *key);

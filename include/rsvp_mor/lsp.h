@@ -1,12 +1,12 @@
 /**
  * @file lsp.h
  * LSP state: path, reservation and previous hop state blocks (RFC 2205, RFC 2209, RFC 3209) and CR-LSP records, one
- * block a call with the lists that hang from it. All reads use a held session.
+ * block per call with all its lists. All reads use a held session.
  *
- * A list is one heap array behind a pointer and a count, or a chain of heap nodes. It belongs to the record that
- * holds it and goes back through that record's release function, which resets what it frees, so that a second call
- * does nothing. The fixed part of a record survives its release and gives the key of the next call. An item of the
- * reply that is absent leaves its part of the record as it was.
+ * A list is either a heap array, given by a pointer and a count, or a chain of heap nodes. It belongs to the record
+ * that points to it and is freed by that record's release function, which also resets the slot, so a second call does
+ * nothing. The fixed part of a record survives the release and supplies the key for the next call. If an item is
+ * missing from the reply, its part of the record is unchanged.
  */
 #ifndef RSVP_MOR_LSP_H
 #define RSVP_MOR_LSP_H
@@ -22,14 +22,14 @@ extern "C" {
 
 /* ---- Lists ---------------------------------------------------------------------------------------------------- */
 
-/** RSVP_MOR_HopEntry.kind of an address: a subobject type of RECORD_ROUTE (RFC 3209). */
+/** RSVP_MOR_HopEntry.kind for an address: a subobject type of RECORD_ROUTE (RFC 3209). */
 #define RSVP_MOR_HOP_IPV4 1
-/** RSVP_MOR_HopEntry.kind of a label. */
+/** RSVP_MOR_HopEntry.kind for a label. */
 #define RSVP_MOR_HOP_LABEL 3
 
 /** One hop of a recorded route: 36 bytes. */
 typedef struct RSVP_MOR_HopEntry {
-    uint8_t kind;          /**< RSVP_MOR_HOP_IPV4 or RSVP_MOR_HOP_LABEL; of any other kind nothing is converted */
+    uint8_t kind;          /**< RSVP_MOR_HOP_IPV4 or RSVP_MOR_HOP_LABEL; for any other kind nothing is converted */
     uint8_t reserved0[3];  /**< as sent */
     uint32_t address;      /**< the hop's IPv4 address, if `kind` is RSVP_MOR_HOP_IPV4; else as sent */
     uint32_t label;        /**< the label, if `kind` is RSVP_MOR_HOP_LABEL; else as sent */
@@ -43,7 +43,7 @@ typedef struct RSVP_MOR_RouteEntry {
     uint8_t reserved1[4]; /**< as sent */
 } RSVP_MOR_RouteEntry;
 
-/** A recorded route. A list of no hops may have a pointer, which goes back like any other. */
+/** A recorded route. Even a list of no hops may have a pointer, which is released like any other. */
 typedef struct RSVP_MOR_HopList {
     RSVP_MOR_HopEntry *entries; /**< heap array, null if the reply had none */
     uint16_t count;             /**< number of entries */
@@ -132,8 +132,8 @@ typedef struct RSVP_MOR_Adspec {
     uint16_t msgLength;                          /**< message length, in words */
     uint8_t generalHeader[2];                    /**< service number and break bit of the general fragment */
     uint16_t generalLength;                      /**< length of the general fragment, in words */
-    RSVP_MOR_AdspecParam hopCount;               /**< number of hops that know integrated services */
-    RSVP_MOR_AdspecParam pathBandwidth;          /**< path bandwidth estimate; the value has the bits of a float */
+    RSVP_MOR_AdspecParam hopCount;               /**< number of hops that support integrated services */
+    RSVP_MOR_AdspecParam pathBandwidth;          /**< path bandwidth estimate; the value holds the bits of a float */
     RSVP_MOR_AdspecParam minPathLatency;         /**< minimum path latency */
     RSVP_MOR_AdspecParam composedMtu;            /**< composed path MTU */
     uint16_t guaranteedLead;                     /**< lead-in of the guaranteed service fragment */
@@ -151,12 +151,12 @@ typedef struct RSVP_MOR_Adspec {
     RSVP_MOR_AdspecParam loadOverrides[4];       /**< the service's overrides of the general parameters */
 } RSVP_MOR_Adspec;
 
-/** RSVP_MOR_LabelRequest.kind with an ATM label range: a C-Type of RFC 3209. */
+/** RSVP_MOR_LabelRequest.kind for an ATM label range: a C-Type of RFC 3209. */
 #define RSVP_MOR_LABEL_REQUEST_ATM 2
-/** RSVP_MOR_LabelRequest.kind with a frame relay label range. */
+/** RSVP_MOR_LabelRequest.kind for a frame relay label range. */
 #define RSVP_MOR_LABEL_REQUEST_FRAME_RELAY 3
 
-/** LABEL_REQUEST (RFC 3209): 16 bytes. `kind` tells which range is there, if any. */
+/** LABEL_REQUEST (RFC 3209): 16 bytes. `kind` says which range it has, if any. */
 typedef struct RSVP_MOR_LabelRequest {
     uint8_t kind;         /**< RSVP_MOR_LABEL_REQUEST_ATM, _FRAME_RELAY, or another value for no range */
     uint8_t reserved0[3]; /**< as sent */
@@ -176,14 +176,14 @@ typedef struct RSVP_MOR_LabelRequest {
     };
 } RSVP_MOR_LabelRequest;
 
-/** Value of RSVP_MOR_SessionAttr.kind for the form with resource affinities: the C-Type of RFC 3209. */
+/** RSVP_MOR_SessionAttr.kind for the form with resource affinities: the C-Type of RFC 3209. */
 #define RSVP_MOR_SESSION_ATTR_AFFINITY 1
 
 /** SESSION_ATTRIBUTE with resource affinities (RFC 3209). */
 typedef struct RSVP_MOR_SessionAttrAffinity {
     uint32_t excludeAny;     /**< resource affinities that exclude a link */
-    uint32_t includeAny;     /**< resource affinities of which a link has one or more */
-    uint32_t includeAll;     /**< resource affinities that a link has all of */
+    uint32_t includeAny;     /**< resource affinities of which a link must have at least one */
+    uint32_t includeAll;     /**< resource affinities that a link must all have */
     uint8_t setupPriority;   /**< 0 (best) to 7 */
     uint8_t holdingPriority; /**< 0 (best) to 7 */
     uint8_t flags;           /**< flags of RFC 3209 and RFC 4090 */
@@ -197,7 +197,8 @@ typedef struct RSVP_MOR_SessionAttrShort {
     uint8_t flags;           /**< flags of RFC 3209 and RFC 4090 */
 } RSVP_MOR_SessionAttrShort;
 
-/** SESSION_ATTRIBUTE (RFC 3209): 20 bytes. Test `kind` first; bytes that its form does not name are not written. */
+/** SESSION_ATTRIBUTE (RFC 3209): 20 bytes. Check `kind` first; bytes that are not part of its form are not written.
+ */
 typedef struct RSVP_MOR_SessionAttr {
     uint8_t kind;         /**< RSVP_MOR_SESSION_ATTR_AFFINITY, or any other value for the short form */
     uint8_t reserved0[3]; /**< never written */
@@ -207,11 +208,11 @@ typedef struct RSVP_MOR_SessionAttr {
     };
 } RSVP_MOR_SessionAttr;
 
-/** A filter spec with its label: a node of a list. */
+/** A filter spec with its label; a node of a list. */
 typedef struct RSVP_MOR_ReplyFSInfo {
     struct RSVP_MOR_ReplyFSInfo *next; /**< next node, null at the end */
     RSVP_MOR_Sender filter;            /**< the filter spec */
-    RSVP_MOR_HopList rro;              /**< its recorded route; empty unless the reply had one */
+    RSVP_MOR_HopList rro;              /**< its recorded route; empty if the reply had none */
     uint32_t label;                    /**< its label */
 } RSVP_MOR_ReplyFSInfo;
 
@@ -227,7 +228,7 @@ typedef struct RSVP_MOR_PsbSlot {
 
 /** One path state block with its lists. Released by RSVP_MOR_FreeReplyPsb. */
 typedef struct RSVP_MOR_ReplyPsb {
-    RSVP_MOR_Session session;           /**< with `sender` the key of the next call */
+    RSVP_MOR_Session session;           /**< together with `sender`, the key for the next call */
     RSVP_MOR_Hop hop;                   /**< previous hop */
     RSVP_MOR_IfRef ifRef;               /**< interface */
     RSVP_MOR_Sender sender;             /**< sender template */
@@ -258,17 +259,18 @@ typedef struct RSVP_MOR_ReplyPsb {
  * Reads the first path state block. A reply with an item that does not belong to the block is refused.
  *
  * @param fd              held session
- * @param[in,out] record  list slots null before the call; RSVP_MOR_FreeReplyPsb releases it after status 0
+ * @param[in,out] record  its list slots must be null before the call; after status 0 release it with
+ *                        RSVP_MOR_FreeReplyPsb
  * @return 0; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_GetFirstPsbInfo(int32_t fd, RSVP_MOR_ReplyPsb *record);
 
 /**
- * Reads the path state block behind another.
+ * Reads the path state block after a given one.
  *
  * @param fd              held session
- * @param session         of the block before; only read, and may lie inside `record`; null is refused
- * @param sender          of the block before; likewise
+ * @param session         of the previous block; only read; may lie inside `record`; null is refused
+ * @param sender          of the previous block; likewise
  * @param[in,out] record  as in RSVP_MOR_GetFirstPsbInfo
  * @return 0; RSVP_MOR_ERR_FAIL; the daemon's status
  */
@@ -276,9 +278,9 @@ uint32_t RSVP_MOR_GetNextPsbInfo(int32_t fd, const RSVP_MOR_Session *session, co
                                  RSVP_MOR_ReplyPsb *record);
 
 /**
- * Gives back the five lists of a path state block and resets their slots. May be called twice.
+ * Releases the five lists of a path state block and resets their slots. May be called twice.
  *
- * @param record  the block, not null; the record itself stays the caller's
+ * @param record  the block, not null; the record itself still belongs to the caller
  */
 void RSVP_MOR_FreeReplyPsb(RSVP_MOR_ReplyPsb *record);
 
@@ -286,7 +288,7 @@ void RSVP_MOR_FreeReplyPsb(RSVP_MOR_ReplyPsb *record);
 
 /** One reservation state block with its filter specs. Released by RSVP_MOR_FreeReplyRsb. */
 typedef struct RSVP_MOR_ReplyRsb {
-    RSVP_MOR_Session session;     /**< with `hop` and `filter` the key of the next call */
+    RSVP_MOR_Session session;     /**< together with `hop` and `filter`, the key for the next call */
     RSVP_MOR_Hop hop;             /**< next hop */
     RSVP_MOR_Sender filter;       /**< filter spec */
     RSVP_MOR_IfRef ifRef;         /**< interface */
@@ -300,21 +302,21 @@ typedef struct RSVP_MOR_ReplyRsb {
 } RSVP_MOR_ReplyRsb;
 
 /**
- * Reads the first reservation state block. Items that do not belong to the block are passed over.
+ * Reads the first reservation state block. Items that do not belong to the block are skipped.
  *
  * @param fd              held session
- * @param[in,out] record  `fsList` null before the call; RSVP_MOR_FreeReplyRsb releases it after status 0
+ * @param[in,out] record  `fsList` must be null before the call; after status 0 release it with RSVP_MOR_FreeReplyRsb
  * @return 0; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_GetFirstRsbInfo(int32_t fd, RSVP_MOR_ReplyRsb *record);
 
 /**
- * Reads the reservation state block behind another.
+ * Reads the reservation state block after a given one.
  *
  * @param fd              held session
- * @param session         of the block before; only read, and may lie inside `record`; null is refused
- * @param hop             of the block before; likewise
- * @param filter          of the block before; likewise
+ * @param session         of the previous block; only read; may lie inside `record`; null is refused
+ * @param hop             of the previous block; likewise
+ * @param filter          of the previous block; likewise
  * @param[in,out] record  as in RSVP_MOR_GetFirstRsbInfo
  * @return 0; RSVP_MOR_ERR_FAIL; the daemon's status
  */
@@ -322,14 +324,14 @@ uint32_t RSVP_MOR_GetNextRsbInfo(int32_t fd, const RSVP_MOR_Session *session, co
                                  const RSVP_MOR_Sender *filter, RSVP_MOR_ReplyRsb *record);
 
 /**
- * Gives back the filter specs of a reservation state block, with their routes. May be called twice.
+ * Releases the filter specs of a reservation state block, with their routes. May be called twice.
  *
  * @param record  the block; null does nothing
  */
 void RSVP_MOR_FreeReplyRsb(RSVP_MOR_ReplyRsb *record);
 
 /**
- * Gives back one filter spec node and its route. The caller has unlinked it.
+ * Releases one filter spec node and its route. The caller has unlinked it.
  *
  * @param node  the node; null does nothing
  */
@@ -346,7 +348,7 @@ typedef struct RSVP_MOR_ReplyFDInfo {
 
 /** One previous hop state block with its flow descriptors. Released by RSVP_MOR_FreeReplyPhsb. */
 typedef struct RSVP_MOR_ReplyPhsb {
-    RSVP_MOR_Session session;     /**< with `hop` the key of the next call */
+    RSVP_MOR_Session session;     /**< together with `hop`, the key for the next call */
     RSVP_MOR_Hop hop;             /**< previous hop */
     RSVP_MOR_IfRef ifRef;         /**< interface */
     uint32_t style;               /**< reservation style */
@@ -357,20 +359,20 @@ typedef struct RSVP_MOR_ReplyPhsb {
 } RSVP_MOR_ReplyPhsb;
 
 /**
- * Reads the first previous hop state block. Items that do not belong to the block are passed over.
+ * Reads the first previous hop state block. Items that do not belong to the block are skipped.
  *
  * @param fd              held session
- * @param[in,out] record  `fdList` null before the call; RSVP_MOR_FreeReplyPhsb releases it after status 0
+ * @param[in,out] record  `fdList` must be null before the call; after status 0 release it with RSVP_MOR_FreeReplyPhsb
  * @return 0; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_GetFirstPhsbInfo(int32_t fd, RSVP_MOR_ReplyPhsb *record);
 
 /**
- * Reads the previous hop state block behind another.
+ * Reads the previous hop state block after a given one.
  *
  * @param fd              held session
- * @param session         of the block before; only read, and may lie inside `record`; null is refused
- * @param hop             of the block before; likewise
+ * @param session         of the previous block; only read; may lie inside `record`; null is refused
+ * @param hop             of the previous block; likewise
  * @param[in,out] record  as in RSVP_MOR_GetFirstPhsbInfo
  * @return 0; RSVP_MOR_ERR_FAIL; the daemon's status
  */
@@ -378,14 +380,14 @@ uint32_t RSVP_MOR_GetNextPhsbInfo(int32_t fd, const RSVP_MOR_Session *session, c
                                   RSVP_MOR_ReplyPhsb *record);
 
 /**
- * Gives back the flow descriptors of a previous hop state block, with their filter specs. May be called twice.
+ * Releases the flow descriptors of a previous hop state block, with their filter specs. May be called twice.
  *
  * @param record  the block; null does nothing
  */
 void RSVP_MOR_FreeReplyPhsb(RSVP_MOR_ReplyPhsb *record);
 
 /**
- * Gives back one flow descriptor and its filter specs. The caller has unlinked it.
+ * Releases one flow descriptor and its filter specs. The caller has unlinked it.
  *
  * @param node  the flow descriptor; null does nothing
  */
@@ -400,7 +402,7 @@ typedef struct RSVP_MOR_CrlspKey {
     uint32_t keyWord2;  /**< number */
     uint16_t keyShort0; /**< number */
     uint16_t keyShort1; /**< number */
-    uint8_t keyTail[4]; /**< four bytes, part of the key; handed back unchanged */
+    uint8_t keyTail[4]; /**< four bytes, part of the key; sent back unchanged */
 } RSVP_MOR_CrlspKey;
 
 /** The path group of a CR-LSP: 24 bytes. */
@@ -414,7 +416,7 @@ typedef struct RSVP_MOR_CrlspPath {
     uint8_t pathTail[2]; /**< two bytes */
 } RSVP_MOR_CrlspPath;
 
-/** The traffic group of a CR-LSP. A rate is a whole number on its way; fractions do not cross the wire. */
+/** The traffic group of a CR-LSP. Rates are whole numbers: a fraction is cut off. */
 typedef struct RSVP_MOR_CrlspTraffic {
     uint32_t trafficWord0; /**< number */
     uint32_t trafficWord1; /**< number */
@@ -427,7 +429,7 @@ typedef struct RSVP_MOR_CrlspTraffic {
 
 /** One CR-LSP with its route and its name. Released by RSVP_MOR_FreeReplyCrlsp. */
 typedef struct RSVP_MOR_ReplyCrlsp {
-    RSVP_MOR_CrlspKey key;         /**< identity; the key of the next call */
+    RSVP_MOR_CrlspKey key;         /**< identity; the key for the next call */
     RSVP_MOR_CrlspPath path;       /**< path group */
     RSVP_MOR_CrlspTraffic traffic; /**< traffic group */
     RSVP_MOR_HopList hopList;      /**< route hops */
@@ -452,27 +454,27 @@ typedef struct RSVP_MOR_ReplyCrlsp {
 } RSVP_MOR_ReplyCrlsp;
 
 /**
- * Reads the first CR-LSP. Items that do not belong to the record are passed over.
+ * Reads the first CR-LSP. Items that do not belong to the record are skipped.
  *
  * @param fd              held session
- * @param[in,out] record  `hopList` and `name` null before the call; RSVP_MOR_FreeReplyCrlsp releases it after status
- * 0
+ * @param[in,out] record  `hopList` and `name` must be null before the call; after status 0 release it with
+ *                        RSVP_MOR_FreeReplyCrlsp
  * @return 0; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_GetFirstCrlsp(int32_t fd, RSVP_MOR_ReplyCrlsp *record);
 
 /**
- * Reads the CR-LSP behind another.
+ * Reads the CR-LSP after a given one.
  *
  * @param fd              held session
- * @param key             of the record before; only read, and may lie inside `record`; null is refused
+ * @param key             of the previous record; only read; may lie inside `record`; null is refused
  * @param[in,out] record  as in RSVP_MOR_GetFirstCrlsp
  * @return 0; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_GetNextCrlsp(int32_t fd, const RSVP_MOR_CrlspKey *key, RSVP_MOR_ReplyCrlsp *record);
 
 /**
- * Gives back the route and the name of a CR-LSP. May be called twice.
+ * Releases the route and the name of a CR-LSP. May be called twice.
  *
  * @param record  the record, not null
  */

@@ -1,11 +1,12 @@
 /**
  * @file p2mp.h
- * Point-to-multipoint state (RFC 4875): path state, reservation state and CR-LSP with all its sub-LSPs, one block by
- * key. There are no walks: the caller chooses every key and the message operation. All reads use a held session.
+ * Point-to-multipoint state (RFC 4875): path state, reservation state, and the CR-LSP with all its sub-LSPs; one
+ * block per call, by its key. There are no get-first and get-next functions: the caller chooses the key and the
+ * message operation of every call. All reads use a held session.
  *
- * Ownership differs from record to record: RSVP_MOR_FreeP2mpPsbInfo and RSVP_MOR_FreeP2mpRsbInfo reset nothing, so
- * that such a record is released once only and zeroed before it is used again; RSVP_MOR_FreeP2mpCrlspInfo resets
- * what it frees and may be called twice. After a failed get nothing is left to release, in any of the three.
+ * The release functions differ. RSVP_MOR_FreeP2mpPsbInfo and RSVP_MOR_FreeP2mpRsbInfo reset nothing: release such a
+ * record only once, and zero it before you use it again. RSVP_MOR_FreeP2mpCrlspInfo resets what it frees and may be
+ * called twice. After a failed get there is nothing to release in any of the three.
  */
 #ifndef RSVP_MOR_P2MP_H
 #define RSVP_MOR_P2MP_H
@@ -87,12 +88,12 @@ typedef struct RSVP_MOR_P2mpSubGroup {
     uint16_t subGroupHalf1;     /**< number */
 } RSVP_MOR_P2mpSubGroup;
 
-/** Key of a P2MP path or reservation state block: 56 bytes. What its fields mean is the daemon's matter. */
+/** Key of a P2MP path or reservation state block: 56 bytes. The daemon defines what its fields mean. */
 typedef struct RSVP_MOR_P2mpStateKey {
     uint32_t stateKeyWord0;    /**< number */
     uint32_t stateKeyWord1;    /**< number */
     uint32_t stateKeyWord2;    /**< number */
-    uint8_t stateKeyBytes0[4]; /**< four bytes, sent as they stand */
+    uint8_t stateKeyBytes0[4]; /**< four bytes, sent unchanged */
     uint16_t stateKeyHalf0;    /**< number */
     uint16_t stateKeyHalf1;    /**< number */
     uint32_t stateKeyWord3;    /**< number */
@@ -100,7 +101,7 @@ typedef struct RSVP_MOR_P2mpStateKey {
     uint16_t stateKeyHalf2;    /**< number */
     uint16_t stateKeyHalf3;    /**< number */
     uint16_t stateKeyHalf4;    /**< number */
-    uint8_t stateKeyBytes1[2]; /**< two bytes, sent as they stand */
+    uint8_t stateKeyBytes1[2]; /**< two bytes, sent unchanged */
     uint32_t stateKeyWord5;    /**< number */
     uint32_t stateKeyWord6;    /**< number */
     uint32_t stateKeyWord7;    /**< number */
@@ -118,7 +119,7 @@ typedef struct RSVP_MOR_P2mpPsbSlot {
     uint8_t reserved[3];            /**< never written */
 } RSVP_MOR_P2mpPsbSlot;
 
-/** One P2MP path state block with its lists. Released once by RSVP_MOR_FreeP2mpPsbInfo. */
+/** One P2MP path state block with its lists. Released, once only, by RSVP_MOR_FreeP2mpPsbInfo. */
 typedef struct RSVP_MOR_P2mpPsbInfo {
     RSVP_MOR_P2mpPathState pathState; /**< path side */
     RSVP_MOR_P2mpResvState resvState; /**< reservation side */
@@ -134,21 +135,21 @@ typedef struct RSVP_MOR_P2mpPsbInfo {
 } RSVP_MOR_P2mpPsbInfo;
 
 /**
- * Reads one P2MP path state block. Items that do not belong to the block are passed over.
+ * Reads one P2MP path state block. Items that do not belong to the block are skipped.
  *
  * @param fd              held session
- * @param itemType        item type of the request; its low 16 bits are sent. The daemon's number
- * @param op              message operation; its low byte is sent. The daemon's number
+ * @param itemType        item type of the request, as the daemon defines it; its low 16 bits are sent
+ * @param op              message operation, as the daemon defines it; its low byte is sent
  * @param key             the block; only read; null is refused
- * @param[in,out] record  zeroed before the call; after status 0 RSVP_MOR_FreeP2mpPsbInfo releases it. After another
- *                        status its lists are gone or were never there, whatever their slots hold
+ * @param[in,out] record  must be zeroed before the call; after status 0 release it with RSVP_MOR_FreeP2mpPsbInfo.
+ *                        After any other status do not: it has no lists, although its slots may hold stale pointers
  * @return 0; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_GetP2mpPsbInfo(int32_t fd, uint32_t itemType, uint32_t op, const RSVP_MOR_P2mpStateKey *key,
                                  RSVP_MOR_P2mpPsbInfo *record);
 
 /**
- * Gives back the four lists of a P2MP path state block. Resets nothing: once only for each filled record.
+ * Releases the four lists of a P2MP path state block. Resets nothing: call it only once for each filled record.
  *
  * @param record  the block, not null
  */
@@ -156,7 +157,7 @@ void RSVP_MOR_FreeP2mpPsbInfo(RSVP_MOR_P2mpPsbInfo *record);
 
 /* ---- P2MP reservation state ----------------------------------------------------------------------------------- */
 
-/** One P2MP reservation state block with its route. Released once by RSVP_MOR_FreeP2mpRsbInfo. */
+/** One P2MP reservation state block with its route. Released, once only, by RSVP_MOR_FreeP2mpRsbInfo. */
 typedef struct RSVP_MOR_P2mpRsbInfo {
     RSVP_MOR_P2mpPathState pathState; /**< path side */
     RSVP_MOR_P2mpResvState resvState; /**< reservation side */
@@ -165,19 +166,20 @@ typedef struct RSVP_MOR_P2mpRsbInfo {
 } RSVP_MOR_P2mpRsbInfo;
 
 /**
- * Reads one P2MP reservation state block. Items that do not belong to the block are passed over.
+ * Reads one P2MP reservation state block. Items that do not belong to the block are skipped.
  *
  * @param fd              held session
- * @param op              message operation; its low byte is sent. The daemon's number
+ * @param op              message operation, as the daemon defines it; its low byte is sent
  * @param key             the block; only read; null is refused
- * @param[in,out] record  `hopList` null and 0 before the call; after status 0 RSVP_MOR_FreeP2mpRsbInfo releases it
+ * @param[in,out] record  `hopList` must be zeroed before the call; after status 0 release it with
+ *                        RSVP_MOR_FreeP2mpRsbInfo
  * @return 0; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_GetP2mpRsbInfo(int32_t fd, uint32_t op, const RSVP_MOR_P2mpStateKey *key,
                                  RSVP_MOR_P2mpRsbInfo *record);
 
 /**
- * Gives back the route of a P2MP reservation state block. Resets nothing: once only for each filled record.
+ * Releases the route of a P2MP reservation state block. Resets nothing: call it only once for each filled record.
  *
  * @param record  the block, not null
  */
@@ -185,7 +187,7 @@ void RSVP_MOR_FreeP2mpRsbInfo(RSVP_MOR_P2mpRsbInfo *record);
 
 /* ---- P2MP CR-LSP ---------------------------------------------------------------------------------------------- */
 
-/** Key of a P2MP CR-LSP: 36 bytes. What its fields mean is the daemon's matter. */
+/** Key of a P2MP CR-LSP: 36 bytes. The daemon defines what its fields mean. */
 typedef struct RSVP_MOR_P2mpCrlspKey {
     uint32_t keyWord0;  /**< number */
     uint32_t keyWord1;  /**< number */
@@ -210,14 +212,14 @@ typedef struct RSVP_MOR_P2mpRro {
     uint32_t subWord2;             /**< number */
     uint32_t subWord3;             /**< number */
     uint8_t subByte;               /**< single byte */
-    RSVP_MOR_HopList hopList;      /**< recorded route; empty unless the reply had one */
+    RSVP_MOR_HopList hopList;      /**< recorded route; empty if the reply had none */
 } RSVP_MOR_P2mpRro;
 
 /** One P2MP CR-LSP with its sub-LSPs and its name. Released by RSVP_MOR_FreeP2mpCrlspInfo. */
 typedef struct RSVP_MOR_P2mpCrlspInfo {
     RSVP_MOR_CrlspKey key;         /**< identity; not the key of a request */
     RSVP_MOR_CrlspTraffic traffic; /**< traffic group */
-    RSVP_MOR_P2mpRro *rroHead;     /**< first sub-LSP, in the order of the reply; walk along `next` */
+    RSVP_MOR_P2mpRro *rroHead;     /**< first sub-LSP, in the order of the reply; follow `next` */
     RSVP_MOR_P2mpRro *rroTail;     /**< last sub-LSP */
     uint16_t lspShort;             /**< number */
     uint32_t lspWord0;             /**< number */
@@ -234,41 +236,41 @@ typedef struct RSVP_MOR_P2mpCrlspInfo {
     char *name;                    /**< terminated text on the heap, null if the reply had none */
 } RSVP_MOR_P2mpCrlspInfo;
 
-/** A sub-LSP node of a caller's own making; the library only releases it. */
+/** A sub-LSP node that the caller makes; the library only releases it. */
 typedef struct RSVP_MOR_P2mpReplySubLsp {
-    uint32_t words[3]; /**< not touched here */
+    uint32_t words[3]; /**< the library does not touch them */
     void *rroBlock;    /**< heap block or null */
 } RSVP_MOR_P2mpReplySubLsp;
 
 /**
- * Reads one P2MP CR-LSP with all its sub-LSPs. Items that do not belong to the record are passed over.
+ * Reads one P2MP CR-LSP with all its sub-LSPs. Items that do not belong to the record are skipped.
  *
  * @param fd              held session
- * @param op              message operation; its low byte is sent. The daemon's number
+ * @param op              message operation, as the daemon defines it; its low byte is sent
  * @param key             the record; only read; null is refused
- * @param[in,out] record  `rroHead`, `rroTail` and `name` null before the call; after status 0
- *                        RSVP_MOR_FreeP2mpCrlspInfo releases it
+ * @param[in,out] record  `rroHead`, `rroTail` and `name` must be null before the call; after status 0 release it with
+ *                        RSVP_MOR_FreeP2mpCrlspInfo
  * @return 0; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_GetP2mpCrlsp(int32_t fd, uint32_t op, const RSVP_MOR_P2mpCrlspKey *key,
                                RSVP_MOR_P2mpCrlspInfo *record);
 
 /**
- * Gives back the sub-LSPs and the name of a P2MP CR-LSP. May be called twice.
+ * Releases the sub-LSPs and the name of a P2MP CR-LSP. May be called twice.
  *
  * @param record  the record, not null
  */
 void RSVP_MOR_FreeP2mpCrlspInfo(RSVP_MOR_P2mpCrlspInfo *record);
 
 /**
- * Gives back one sub-LSP and its route. The caller has unlinked it.
+ * Releases one sub-LSP and its route. The caller has unlinked it.
  *
  * @param node  the sub-LSP, not null
  */
 void rsvp_mor_FreeP2mpRro(RSVP_MOR_P2mpRro *node);
 
 /**
- * Gives back one node of a caller's own list and its block. Follows no link.
+ * Releases one node of a caller's own list and its block. Follows no link.
  *
  * @param node  the node, not null
  */

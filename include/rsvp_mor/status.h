@@ -1,10 +1,10 @@
 /**
  * @file status.h
- * Status queries: one fixed record a call. No record here owns memory, so that none is released.
+ * Status queries: one fixed record per call. No record here owns memory, so there is nothing to release.
  *
- * A value that is shorter than its record fills the front of it; the rest keeps the caller's bytes and is converted
- * with the front, so that a caller who wants zeros there clears the record first. A longer value is cut. Where a
- * function refuses a reply instead, it says so. What the numbered fields mean is the daemon's matter.
+ * A value that is shorter than its record fills only the front of it. The rest keeps the caller's bytes, which are
+ * converted along with the front: to have zeros there, clear the record first. A longer value is cut off. Where a
+ * function refuses such a reply instead, its comment says so. The daemon defines what the numbered fields mean.
  */
 #ifndef RSVP_MOR_STATUS_H
 #define RSVP_MOR_STATUS_H
@@ -30,8 +30,8 @@ typedef struct RSVP_MOR_GlobalCounters {
 /** Settings and counters of the daemon as a whole: 680 bytes. */
 typedef struct RSVP_MOR_GlobalInfo {
     uint32_t authWord;                 /**< head of the authentication group */
-    uint8_t authKey[68];               /**< of the size that RSVP_MOR_SetAuthKey sets */
-    uint32_t authLifeTime;             /**< of the width that RSVP_MOR_SetAuthLifeTime sets */
+    uint8_t authKey[68];               /**< as large as the key of RSVP_MOR_SetAuthKey */
+    uint32_t authLifeTime;             /**< as wide as the number of RSVP_MOR_SetAuthLifeTime */
     uint16_t authNumber;               /**< number of the authentication group */
     uint8_t authEndBytes[2];           /**< end of the authentication group */
     uint8_t settingBytes[4];           /**< four single bytes */
@@ -48,10 +48,10 @@ typedef struct RSVP_MOR_GlobalInfo {
 } RSVP_MOR_GlobalInfo;
 
 /**
- * Reads the global settings and counters. Held session. An empty reply is taken: status 0, nothing copied.
+ * Reads the global settings and counters. Held session. An empty reply is accepted: status 0, nothing is copied.
  *
  * @param fd         held session
- * @param[out] info  the record; written with status 0 only
+ * @param[out] info  the record; written only with status 0
  * @return 0; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_GetGlobalInfo(int32_t fd, RSVP_MOR_GlobalInfo *info);
@@ -69,8 +69,8 @@ typedef struct RSVP_MOR_IfCounters {
 typedef struct RSVP_MOR_IfInfo {
     RSVP_MOR_IfCounters counters1; /**< first block of counters */
     uint32_t authWord;             /**< head of the authentication group */
-    uint8_t authKey[68];           /**< of the size that RSVP_MOR_SetIntfAuthKey sets */
-    uint32_t authLifeTime;         /**< of the width that RSVP_MOR_SetIntfAuthLifeTime sets */
+    uint8_t authKey[68];           /**< as large as the key of RSVP_MOR_SetIntfAuthKey */
+    uint32_t authLifeTime;         /**< as wide as the number of RSVP_MOR_SetIntfAuthLifeTime */
     uint16_t authNumber;           /**< number of the authentication group */
     uint8_t authEndBytes[2];       /**< end of the authentication group */
     uint16_t ifShort1;             /**< setting */
@@ -88,46 +88,46 @@ typedef struct RSVP_MOR_IfInfo {
 } RSVP_MOR_IfInfo;
 
 /**
- * Reads one interface. Held session. An empty reply is taken: status 0, nothing copied.
+ * Reads one interface. Held session. An empty reply is accepted: status 0, nothing is copied.
  *
  * @param fd         held session
  * @param ifIndex    interface index
- * @param[out] info  the record; written with status 0 only
+ * @param[out] info  the record; written only with status 0
  * @return 0; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_GetIfInfo(int32_t fd, uint32_t ifIndex, RSVP_MOR_IfInfo *info);
 
 /**
- * Reads the first interface of the table. Held session; an empty reply is taken.
+ * Reads the first interface of the table. Held session; an empty reply is accepted.
  *
  * @param fd         held session
- * @param[out] info  the record; written with status 0 only
+ * @param[out] info  the record; written only with status 0
  * @return 0; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_GetFirstIfInfo(int32_t fd, RSVP_MOR_IfInfo *info);
 
 /**
- * Reads the interface behind another. Held session; an empty reply is taken.
+ * Reads the interface after a given one. Held session; an empty reply is accepted.
  *
  * @param fd         held session
- * @param ifIndex    interface index of the row before
- * @param[out] info  the record; written with status 0 only
+ * @param ifIndex    interface index of the previous row
+ * @param[out] info  the record; written only with status 0
  * @return 0; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_GetNextIfInfo(int32_t fd, uint32_t ifIndex, RSVP_MOR_IfInfo *info);
 
 /** The small configuration row of one interface. */
 typedef struct RSVP_MOR_IfConfig {
-    uint32_t ifIndex;  /**< interface index; the key of the next call */
+    uint32_t ifIndex;  /**< interface index; the key for the next call */
     uint16_t ifConfig; /**< its setting */
 } RSVP_MOR_IfConfig;
 
 /**
- * Reads the configuration row of one interface. Own session. Bytes that a short value lacks read as 0; a reply
- * without a value is refused.
+ * Reads the configuration row of one interface. Own session. The bytes that are missing from a short value read as 0;
+ * a reply without a value is refused.
  *
  * @param ifIndex      interface index
- * @param[out] config  the row; null is refused before a session is opened; written with status 0 only
+ * @param[out] config  the row; null is refused before a session is opened; written only with status 0
  * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
  */
 uint32_t RSVP_GetIfConfig(uint32_t ifIndex, RSVP_MOR_IfConfig *config);
@@ -135,16 +135,16 @@ uint32_t RSVP_GetIfConfig(uint32_t ifIndex, RSVP_MOR_IfConfig *config);
 /**
  * Reads the first configuration row. Own session; as RSVP_GetIfConfig.
  *
- * @param[out] config  the row; null is refused; written with status 0 only
+ * @param[out] config  the row; null is refused; written only with status 0
  * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
  */
 uint32_t RSVP_GetFirstIfConfig(RSVP_MOR_IfConfig *config);
 
 /**
- * Reads the configuration row behind another. Own session; as RSVP_GetIfConfig.
+ * Reads the configuration row after a given one. Own session; as RSVP_GetIfConfig.
  *
- * @param ifIndex      interface index of the row before
- * @param[out] config  the row; null is refused; written with status 0 only
+ * @param ifIndex      interface index of the previous row
+ * @param[out] config  the row; null is refused; written only with status 0
  * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
  */
 uint32_t RSVP_GetNextIfConfig(uint32_t ifIndex, RSVP_MOR_IfConfig *config);
@@ -174,20 +174,20 @@ typedef struct RSVP_MOR_ReplyNbr {
 } RSVP_MOR_ReplyNbr;
 
 /**
- * Reads the first neighbour. Held session. An empty reply is taken: status 0, nothing copied.
+ * Reads the first neighbour. Held session. An empty reply is accepted: status 0, nothing is copied.
  *
  * @param fd        held session
- * @param[out] out  the record; written with status 0 only
+ * @param[out] out  the record; written only with status 0
  * @return 0; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_GetFirstNbr(int32_t fd, RSVP_MOR_ReplyNbr *out);
 
 /**
- * Reads the neighbour behind another. Held session; an empty reply is taken.
+ * Reads the neighbour after a given one. Held session; an empty reply is accepted.
  *
  * @param fd        held session
- * @param key       key of the row before; only read, and may lie inside `out`; null is refused
- * @param[out] out  the record; written with status 0 only
+ * @param key       key of the previous row; only read; may lie inside `out`; null is refused
+ * @param[out] out  the record; written only with status 0
  * @return 0; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_GetNextNbr(int32_t fd, const RSVP_MOR_NbrKey *key, RSVP_MOR_ReplyNbr *out);
@@ -216,18 +216,18 @@ typedef struct RSVP_MOR_ReplyAuth {
  * Reads the first authentication entry. Held session. A reply whose body is not exactly 132 bytes is refused.
  *
  * @param fd        held session
- * @param[out] out  the record; written with status 0 only
+ * @param[out] out  the record; written only with status 0
  * @return 0; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_GetFirstAuth(int32_t fd, RSVP_MOR_ReplyAuth *out);
 
 /**
- * Reads the authentication entry behind another. Held session. A reply whose body is not exactly 132 bytes is
+ * Reads the authentication entry after a given one. Held session. A reply whose body is not exactly 132 bytes is
  * refused.
  *
  * @param fd        held session
- * @param key       key of the row before; only read, and may lie inside `out`; null is refused
- * @param[out] out  the record; written with status 0 only
+ * @param key       key of the previous row; only read; may lie inside `out`; null is refused
+ * @param[out] out  the record; written only with status 0
  * @return 0; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_GetNextAuth(int32_t fd, const RSVP_MOR_AuthWalkKey *key, RSVP_MOR_ReplyAuth *out);
@@ -240,8 +240,8 @@ typedef struct RSVP_MOR_FrrFacilityKey {
     uint32_t facilityKey1;   /**< number */
     uint32_t facilityKey2;   /**< number */
     uint32_t facilityKey3;   /**< number */
-    uint8_t facilityKey4[4]; /**< four bytes, sent as they stand */
-    uint8_t facilityKey5[4]; /**< four bytes, sent as they stand */
+    uint8_t facilityKey4[4]; /**< four bytes, sent unchanged */
+    uint8_t facilityKey5[4]; /**< four bytes, sent unchanged */
 } RSVP_MOR_FrrFacilityKey;
 
 /** One row of the fast reroute facility table: 44 bytes. */
@@ -263,10 +263,11 @@ typedef struct RSVP_MOR_ReplyFrrFacility {
  * Reads a row of the fast reroute facility table (the facility database of RFC 6445). Own session. A reply without a
  * value is refused.
  *
- * @param msgOp     3 reads the row of `key`, 4 the first row, 5 the row behind `key`; any other value is refused
- * @param key       only read; not looked at with `msgOp` 4, where it may be null; null is refused otherwise. May be
- *                  the same memory as `out`
- * @param[out] out  the record; null is refused before a session is opened; written with status 0 only
+ * @param msgOp     3 reads the row with this key, 4 the first row, 5 the row after this key; any other value is
+ * refused
+ * @param key       only read; with `msgOp` 4 it is ignored and may be null, otherwise null is refused. May be the
+ * same memory as `out`
+ * @param[out] out  the record; null is refused before a session is opened; written only with status 0
  * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
  */
 uint32_t RSVP_MOR_GetFrrFacilityDBTbl(uint32_t msgOp, const RSVP_MOR_FrrFacilityKey *key,
@@ -298,7 +299,7 @@ typedef struct RSVP_MOR_ReplyFrrGeneral {
  * Reads one row of the fast reroute general table. Own session. A reply without a value is refused.
  *
  * @param key       the row; only read; null is refused; may be the same memory as `out`
- * @param[out] out  the record; null is refused before a session is opened; written with status 0 only
+ * @param[out] out  the record; null is refused before a session is opened; written only with status 0
  * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
  */
 uint32_t RSVP_MOR_GetFrrGeneralTbl(const RSVP_MOR_FrrGeneralKey *key, RSVP_MOR_ReplyFrrGeneral *out);
@@ -306,16 +307,16 @@ uint32_t RSVP_MOR_GetFrrGeneralTbl(const RSVP_MOR_FrrGeneralKey *key, RSVP_MOR_R
 /**
  * Reads the first row of the fast reroute general table. Own session; as RSVP_MOR_GetFrrGeneralTbl.
  *
- * @param[out] out  the record; null is refused; written with status 0 only
+ * @param[out] out  the record; null is refused; written only with status 0
  * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
  */
 uint32_t RSVP_MOR_GetFirstFrrGeneralTbl(RSVP_MOR_ReplyFrrGeneral *out);
 
 /**
- * Reads the row behind another of the fast reroute general table. Own session; as RSVP_MOR_GetFrrGeneralTbl.
+ * Reads the row after a given one of the fast reroute general table. Own session; as RSVP_MOR_GetFrrGeneralTbl.
  *
- * @param key       key of the row before; only read; null is refused; may be the same memory as `out`
- * @param[out] out  the record; null is refused; written with status 0 only
+ * @param key       key of the previous row; only read; null is refused; may be the same memory as `out`
+ * @param[out] out  the record; null is refused; written only with status 0
  * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
  */
 uint32_t RSVP_MOR_GetNextFrrGeneralTbl(const RSVP_MOR_FrrGeneralKey *key, RSVP_MOR_ReplyFrrGeneral *out);
@@ -332,7 +333,7 @@ typedef struct RSVP_MOR_ReplyExtArHop {
  *
  * @param hopListIndex  first key field
  * @param hopIndex      second key field
- * @param[out] out      the record; null is refused before a session is opened; written with status 0 only
+ * @param[out] out      the record; null is refused before a session is opened; written only with status 0
  * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
  */
 uint32_t RSVP_MOR_GetExtArHop(uint32_t hopListIndex, uint32_t hopIndex, RSVP_MOR_ReplyExtArHop *out);
@@ -340,17 +341,17 @@ uint32_t RSVP_MOR_GetExtArHop(uint32_t hopListIndex, uint32_t hopIndex, RSVP_MOR
 /**
  * Reads the first extended actual route hop. Own session; as RSVP_MOR_GetExtArHop.
  *
- * @param[out] out  the record; null is refused; written with status 0 only
+ * @param[out] out  the record; null is refused; written only with status 0
  * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
  */
 uint32_t RSVP_MOR_GetFirstExtArHop(RSVP_MOR_ReplyExtArHop *out);
 
 /**
- * Reads the extended actual route hop behind another. Own session; as RSVP_MOR_GetExtArHop.
+ * Reads the extended actual route hop after a given one. Own session; as RSVP_MOR_GetExtArHop.
  *
- * @param hopListIndex  first key field of the row before
- * @param hopIndex      second key field of the row before
- * @param[out] out      the record; null is refused; written with status 0 only
+ * @param hopListIndex  first key field of the previous row
+ * @param hopIndex      second key field of the previous row
+ * @param[out] out      the record; null is refused; written only with status 0
  * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
  */
 uint32_t RSVP_MOR_GetNextExtArHop(uint32_t hopListIndex, uint32_t hopIndex, RSVP_MOR_ReplyExtArHop *out);

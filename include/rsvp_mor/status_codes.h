@@ -1,20 +1,19 @@
 /**
  * @file status_codes.h
- * Status codes: the result of nearly every operation, and the largest message.
+ * Status codes, the result of nearly every operation, and the size of the largest message.
  *
- * A status is 0 for success. Any other value that is not listed here comes from the daemon and is handed on as it
- * was sent.
+ * A status is 0 for success. A value that is not listed here comes from the daemon and is returned as it was sent.
  */
 #ifndef RSVP_MOR_STATUS_CODES_H
 #define RSVP_MOR_STATUS_CODES_H
 
 #include <stdint.h>
 
-/** The operation was done; the daemon confirmed it, or the service does not run and there was nothing to undo. */
+/** Done: the daemon confirmed the operation, or the service does not run and there was nothing to undo. */
 #define RSVP_MOR_OK 0x00000000u
 
-/** A bad argument (null pointer, operation code out of range), a failed or short send, a failed receive or one that
- * took longer than 10 seconds, a malformed reply, or no memory for a list of the reply. */
+/** A bad argument (null pointer, operation code out of range), a failed or incomplete send, a receive that failed or
+ * took longer than 10 seconds, a malformed reply, or no memory for a list in the reply. */
 #define RSVP_MOR_ERR_FAIL 0x40010001u
 
 /** RSVP_Opt_Parse found no usable configuration file. */
@@ -23,7 +22,7 @@
 /** No session to the daemon could be opened. */
 #define RSVP_MOR_ERR_LIPC 0x2001000eu
 
-/** The service "RSVP" runs on no node, so that there is nothing to command. */
+/** The service "RSVP" runs on no node, so there is nothing that could take the command. */
 #define RSVP_MOR_ERR_NOT_ENABLED 0x6001001au
 
 /** The largest message, header included, in bytes. */

@@ -1,10 +1,11 @@
 /**
  * @file tables.h
- * Row access to the tunnel, hop and resource tables, in the shape of the MPLS-TE MIB (RFC 3812), for a network
- * management agent. Every call uses an own session; no record owns memory.
+ * Access by row to the tunnel, hop and resource tables, in the shape of the MPLS-TE MIB (RFC 3812), for a network
+ * management agent. Every call uses its own session; no record owns memory.
  *
- * A value that is shorter than its record fills the front of it; the rest keeps the caller's bytes and is converted
- * with the front. A longer value is cut. A reply without a value is refused with RSVP_MOR_ERR_FAIL.
+ * A value that is shorter than its record fills only the front of it. The rest keeps the caller's bytes, which are
+ * converted along with the front. A longer value is cut off. A reply without a value is refused with
+ * RSVP_MOR_ERR_FAIL.
  */
 #ifndef RSVP_MOR_TABLES_H
 #define RSVP_MOR_TABLES_H
@@ -20,7 +21,7 @@ extern "C" {
 
 /* ---- Tunnels -------------------------------------------------------------------------------------------------- */
 
-/** Index of a tunnel row, in the order of RFC 3812. */
+/** Index of a tunnel row, its parts in the order of RFC 3812. */
 typedef struct RSVP_MOR_TunnelKey {
     uint32_t tunnelIndex;    /**< first index part */
     uint32_t tunnelInstance; /**< second index part */
@@ -45,7 +46,7 @@ typedef struct RSVP_MOR_ReplyTunnel {
     uint32_t tunnelWord12; /**< number */
     uint16_t tunnelShort0; /**< number */
     uint8_t tunnelByte;    /**< single byte */
-    uint8_t tunnelRole;    /**< translated: 0 where the wire has 1, 2 where it has 3, else 1 */
+    uint8_t tunnelRole;    /**< translated: 0 if the wire has 1, 2 if it has 3, else 1 */
     uint16_t tunnelShort1; /**< number */
     uint8_t tunnelTail[2]; /**< two bytes */
 } RSVP_MOR_ReplyTunnel;
@@ -54,7 +55,7 @@ typedef struct RSVP_MOR_ReplyTunnel {
  * Reads one tunnel row.
  *
  * @param key       the row; only read; null is refused; may be the same memory as `out`
- * @param[out] out  the record; null is refused before a session is opened; written with status 0 only
+ * @param[out] out  the record; null is refused before a session is opened; written only with status 0
  * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
  */
 uint32_t RSVP_GetTunnel(const RSVP_MOR_TunnelKey *key, RSVP_MOR_ReplyTunnel *out);
@@ -62,40 +63,40 @@ uint32_t RSVP_GetTunnel(const RSVP_MOR_TunnelKey *key, RSVP_MOR_ReplyTunnel *out
 /**
  * Reads the first tunnel row.
  *
- * @param[out] out  the record; null is refused; written with status 0 only
+ * @param[out] out  the record; null is refused; written only with status 0
  * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
  */
 uint32_t RSVP_GetFirstTunnel(RSVP_MOR_ReplyTunnel *out);
 
 /**
- * Reads the tunnel row behind another.
+ * Reads the tunnel row after a given one.
  *
- * @param key       key of the row before; only read; null is refused; may be the same memory as `out`
- * @param[out] out  the record; null is refused; written with status 0 only
+ * @param key       key of the previous row; only read; null is refused; may be the same memory as `out`
+ * @param[out] out  the record; null is refused; written only with status 0
  * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
  */
 uint32_t RSVP_GetNextTunnel(const RSVP_MOR_TunnelKey *key, RSVP_MOR_ReplyTunnel *out);
 
 /**
- * Reads the first row of the tunnels that begin here.
+ * Reads the first row of the tunnels that start at this router.
  *
- * @param[out] out  the record; null is refused; written with status 0 only
+ * @param[out] out  the record; null is refused; written only with status 0
  * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
  */
 uint32_t RSVP_GetFirstIngressTunnel(RSVP_MOR_ReplyTunnel *out);
 
 /**
- * Reads the row behind another, of the tunnels that begin here.
+ * Reads the row after a given one, of the tunnels that start at this router.
  *
- * @param key       key of the row before; only read; null is refused; may be the same memory as `out`
- * @param[out] out  the record; null is refused; written with status 0 only
+ * @param key       key of the previous row; only read; null is refused; may be the same memory as `out`
+ * @param[out] out  the record; null is refused; written only with status 0
  * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
  */
 uint32_t RSVP_GetNextIngressTunnel(const RSVP_MOR_TunnelKey *key, RSVP_MOR_ReplyTunnel *out);
 
 /* ---- Hops ----------------------------------------------------------------------------------------------------- */
 
-/** One computed hop: 36 bytes. Its two key fields make the record the cursor of its own walk. */
+/** One computed hop: 36 bytes. It contains its two key fields, so a walk needs no other cursor. */
 typedef struct RSVP_MOR_ReplyCHop {
     uint16_t hopAddrKind;     /**< number */
     uint8_t hopAddrBytes[18]; /**< eighteen bytes */
@@ -105,7 +106,7 @@ typedef struct RSVP_MOR_ReplyCHop {
     uint32_t cHopWord1;       /**< number */
 } RSVP_MOR_ReplyCHop;
 
-/** One actual route hop: 28 bytes. Its two key fields make the record the cursor of its own walk. */
+/** One actual route hop: 28 bytes. It contains its two key fields, so a walk needs no other cursor. */
 typedef struct RSVP_MOR_ReplyArHop {
     uint16_t hopAddrKind;     /**< number */
     uint8_t hopAddrBytes[18]; /**< eighteen bytes */
@@ -116,8 +117,8 @@ typedef struct RSVP_MOR_ReplyArHop {
 /**
  * Reads one computed hop.
  *
- * @param[in,out] record  `hopListIndex` and `hopIndex` name the row; with status 0 the whole record is the answer,
- *                        else it is as it was; null is refused before a session is opened
+ * @param[in,out] record  `hopListIndex` and `hopIndex` say which row; with status 0 the whole record is the answer,
+ *                        else it is unchanged; null is refused before a session is opened
  * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
  */
 uint32_t RSVP_GetCHop(RSVP_MOR_ReplyCHop *record);
@@ -125,13 +126,13 @@ uint32_t RSVP_GetCHop(RSVP_MOR_ReplyCHop *record);
 /**
  * Reads the first computed hop.
  *
- * @param[out] record  the answer, with status 0; not read; null is refused
+ * @param[out] record  the answer, if the status is 0; not read; null is refused
  * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
  */
 uint32_t RSVP_GetFirstCHop(RSVP_MOR_ReplyCHop *record);
 
 /**
- * Reads the computed hop behind the one that the record holds.
+ * Reads the computed hop after the one in the record.
  *
  * @param[in,out] record  as in RSVP_GetCHop
  * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
@@ -149,13 +150,13 @@ uint32_t RSVP_GetArHop(RSVP_MOR_ReplyArHop *record);
 /**
  * Reads the first actual route hop.
  *
- * @param[out] record  the answer, with status 0; not read; null is refused
+ * @param[out] record  the answer, if the status is 0; not read; null is refused
  * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
  */
 uint32_t RSVP_GetFirstArHop(RSVP_MOR_ReplyArHop *record);
 
 /**
- * Reads the actual route hop behind the one that the record holds.
+ * Reads the actual route hop after the one in the record.
  *
  * @param[in,out] record  as in RSVP_GetCHop
  * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
@@ -164,7 +165,7 @@ uint32_t RSVP_GetNextArHop(RSVP_MOR_ReplyArHop *record);
 
 /* ---- Resources ------------------------------------------------------------------------------------------------ */
 
-/** One row of the tunnel resource table: 24 bytes. Its index makes the record the cursor of its own walk. */
+/** One row of the tunnel resource table: 24 bytes. It contains its index, so a walk needs no other cursor. */
 typedef struct RSVP_MOR_ReplyResource {
     uint32_t resourceIndex; /**< key of the row */
     uint32_t resourceWord1; /**< number */
@@ -177,8 +178,8 @@ typedef struct RSVP_MOR_ReplyResource {
 /**
  * Reads one resource row.
  *
- * @param[in,out] record  `resourceIndex` names the row; with status 0 the whole record is the answer, else it is as
- *                        it was; null is refused before a session is opened
+ * @param[in,out] record  `resourceIndex` says which row; with status 0 the whole record is the answer, else it is
+ *                        unchanged; null is refused before a session is opened
  * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
  */
 uint32_t RSVP_GetResource(RSVP_MOR_ReplyResource *record);
@@ -186,13 +187,13 @@ uint32_t RSVP_GetResource(RSVP_MOR_ReplyResource *record);
 /**
  * Reads the first resource row.
  *
- * @param[out] record  the answer, with status 0; not read; null is refused
+ * @param[out] record  the answer, if the status is 0; not read; null is refused
  * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status
  */
 uint32_t RSVP_GetFirstResource(RSVP_MOR_ReplyResource *record);
 
 /**
- * Reads the resource row behind the one that the record holds.
+ * Reads the resource row after the one in the record.
  *
  * @param[in,out] record  as in RSVP_GetResource
  * @return 0; RSVP_MOR_ERR_FAIL; RSVP_MOR_ERR_LIPC; the daemon's status

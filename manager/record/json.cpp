@@ -84,6 +84,11 @@ Json ScalarToJson(const Field &field, const void *element)
     }
 }
 
+std::string JsonText(const Json &value)
+{
+    return value.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
 Json ToJson(const RecordDescription &description, const void *record)
 {
     Json::object_t out;

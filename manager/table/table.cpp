@@ -1,6 +1,8 @@
 // Reading one row, and the key that it holds.
 #include "manager/table/table.h"
 
+#include "manager/exchange/exchange.h"
+
 namespace manager {
 
 uint32_t ReadRow(const Table &table, const RowRead &read, int32_t fd, const void *key, void *row)
@@ -12,6 +14,7 @@ uint32_t ReadRow(const Table &table, const RowRead &read, int32_t fd, const void
             from += part.size;
         }
     }
+    ForgetExchange();
     return read.call(fd, key, row);
 }
 

@@ -1,5 +1,5 @@
 // Text to bytes and back. The values of items have the sizes that the protocol gives them and are filled with a
-// pattern; what a test looks at inside is put in place by its word.
+// pattern; a word can place the one number inside that a test looks at.
 #include "support/bytes.h"
 
 #include <algorithm>
@@ -60,7 +60,7 @@ Bytes Item(uint32_t type, const Bytes &value)
 
 Bytes Reply(uint32_t status, const Bytes &body)
 {
-    Bytes reply = Hex("aabb 0000 00000000"); // class and operation of a reply mean nothing
+    Bytes reply = Hex("aabb 0000 00000000"); // the class and operation of a reply mean nothing
     PutNet(reply, 2, 2, body.size());
     PutNet(reply, 4, 4, status);
     return reply + body;

@@ -1,32 +1,33 @@
-// Every exported function that sends a message, once, with the message that it must send and a good reply to it. The
-// tests of requests and of failures run over this one table, which is tied to the list of exported names.
-#pragma once
+// Every exported function that sends a message, with the message that it must send and a good reply to it. The tests
+// of requests and of failures run over this one table; a test compares it with the list of exported names.
+#ifndef TESTS_SUPPORT_OPERATIONS_H
+#define TESTS_SUPPORT_OPERATIONS_H
 
 #include "support/world.h"
 
 namespace scripted {
 
-// How a function comes to its session, what it does with `op`, and what it answers when the service does not run.
+// Which session a function uses, what it does with `op`, and what it returns if the service does not run.
 enum Manner {
-    PLAIN,      // own session, no gate; the message is always the same
-    SENDS_OP,   // own session, no gate; sends `op`
-    GATED,      // own session; a stopped service has nothing to undo and nothing to set; sends `op`
-    GATED_ONLY, // the same, and `op` is for the gate alone
-    REFUSED,    // own session; a stopped service is an error
-    COUNTED,    // own session; a stopped service is a count of 0
-    DISABLES,   // own session; then it is the database that decides
-    ON_HELD,    // held session
-    ON_HELD_OP, // held session; sends `op`
+    kPlain,     // own session, no gate; the message is always the same
+    kSendsOp,   // own session, no gate; sends `op`
+    kGated,     // own session; if the service is stopped, an undo succeeds and a set fails; sends `op`
+    kGatedOnly, // the same, and `op` is for the gate alone
+    kRefused,   // own session; a stopped service is an error
+    kCounted,   // own session; a stopped service is a count of 0
+    kDisables,  // own session; if the exchange fails, the database decides
+    kOnHeld,    // held session
+    kOnHeldOp,  // held session; sends `op`
 };
 
-// What a read makes of the body of a reply.
+// What a read accepts as the body of a reply.
 enum Reader {
-    DROPPED,     // nothing
-    TAKEN,       // whatever there is, down to an empty body
-    NEEDS_ITEM,  // an item of any length
-    NEEDS_COUNT, // an item of four bytes or more
-    EXACT,       // a body of one length
-    LISTS,       // a walk over items, with memory on the heap
+    kDropped,    // the body is ignored
+    kTaken,      // anything, even an empty body
+    kNeedsItem,  // an item of any length
+    kNeedsCount, // an item of four bytes or more
+    kExact,      // a body of one length
+    kLists,      // a walk over items, with memory on the heap
 };
 
 struct Record {
@@ -35,10 +36,10 @@ struct Record {
 };
 
 struct Answer {
-    Reader reader = DROPPED;
+    Reader reader = kDropped;
     size_t size = 0;          // of the record
-    std::string content = ""; // words of ToHost for a fixed record, of Body for LISTS
-    size_t value = 0;         // length of the value, of a fixed record that is not the wire's image
+    std::string content = ""; // words of ToHost for a fixed record, of Body for kLists
+    size_t value = 0;         // length of the value, if a fixed record is not the wire's image
     void (*release)(Record) = nullptr;
     bool resets = true; // the release may be called twice
 };
@@ -53,13 +54,13 @@ struct Operation {
 
 const std::vector<Operation> &Operations();
 
-// Exported functions that send nothing; each has a test of its own.
+// Exported functions that send nothing; each is tested by itself.
 const std::set<std::string> &Silent();
 
 bool OwnSession(const Operation &operation);
 Bytes GoodBody(const Operation &operation);
 
-// Runs an operation on a record that is zeroed, if it has lists, or holds the words 11223300, 11223301 and so on.
+// Runs an operation on a record: a zeroed one if it has lists, else one that holds the words 11223300, 11223301...
 struct Outcome {
     uint32_t status;
     Bytes before;
@@ -71,3 +72,5 @@ Outcome Perform(const Operation &operation, const Bytes &reply, uint32_t op = 0)
 void Release(const Operation &operation);
 
 } // namespace scripted
+
+#endif

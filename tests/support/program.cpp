@@ -1,7 +1,8 @@
-// Standard streams are files of the host directory, so that no amount of output can block a program. The daemon is
-// never started here: the service manager does that, and gives its word that it answers.
+// Standard streams are files in the host directory, so that no amount of output can block a program. The daemon is
+// not started here: the service manager does that, and returns once the daemon answers.
 #include "support/program.h"
 
+#include "host/directory.h"
 #include "platform/device.h"
 #include "platform/service.h"
 
@@ -22,9 +23,9 @@ HostDirectory::HostDirectory(const std::string &scenario)
 {
     char name[] = "/tmp/rsvp-test.XXXXXX";
     if (mkdtemp(name) == nullptr)
-        throw std::runtime_error("no directory can be made in /tmp");
+        throw std::runtime_error("cannot make a directory in /tmp");
     path_ = name;
-    Write("scenario.toml", scenario);
+    Write(rsvp_host::kScenarioFile, scenario);
     setenv("RSVP_SIMD", RSVPSIMD_PATH, 1);
     setenv("RSVP_HOST_RUNNER", TEST_RUNNER, 1);
     Use();
@@ -42,18 +43,23 @@ void HostDirectory::Use() const
     setenv("RSVP_HOST_DIR", path_.c_str(), 1);
 }
 
-void HostDirectory::Write(const std::string &name, const std::string &text) const
+void HostDirectory::Write(std::string_view name, const std::string &text) const
 {
     std::ofstream(PathOf(name)) << text;
 }
 
-std::string HostDirectory::Read(const std::string &name) const
+std::string HostDirectory::Read(std::string_view name) const
 {
     std::ifstream file(PathOf(name));
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-Result Run(const HostDirectory &directory, std::vector<std::string> words, const std::string &input, bool closed)
+std::string HostDirectory::Log() const
+{
+    return Read(rsvp_host::kLogFile);
+}
+
+Result Run(const HostDirectory &directory, std::vector<std::string> words, const std::string &input, Output output)
 {
     directory.Use();
     directory.Write("stdin", input);
@@ -66,13 +72,15 @@ Result Run(const HostDirectory &directory, std::vector<std::string> words, const
 
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) != 0)
-        throw std::runtime_error("no pipe");
+        throw std::runtime_error("cannot make a pipe");
     close(ends[0]);
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addchdir_np(&actions, directory.PathOf("").c_str());
     posix_spawn_file_actions_addopen(&actions, 0, directory.PathOf("stdin").c_str(), O_RDONLY, 0);
-    if (closed)
+    if (output == Output::Closed)
+        posix_spawn_file_actions_addclose(&actions, 1);
+    else if (output == Output::ReaderGone)
         posix_spawn_file_actions_adddup2(&actions, ends[1], 1);
     else
         posix_spawn_file_actions_addopen(&actions, 1, directory.PathOf("stdout").c_str(),
@@ -88,8 +96,8 @@ Result Run(const HostDirectory &directory, std::vector<std::string> words, const
 
     int status = 0;
     waitpid(child, &status, 0);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), closed ? "" : directory.Read("stdout"),
-            directory.Read("stderr")};
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
+            output == Output::Kept ? directory.Read("stdout") : "", directory.Read("stderr")};
 }
 
 } // namespace program

@@ -1,5 +1,5 @@
-// The scripted calls themselves. Arguments are noted as numbers and hex text, so that the lines are the same on every
-// processor.
+// The scripted calls themselves. Arguments are recorded as numbers and hex text, so that the lines are the same on
+// every processor.
 #include "support/world.h"
 
 #include "platform/database.h"
@@ -71,8 +71,8 @@ void Reset()
     for (void *block : world.freed)
         __real_free(block);
     world = {};
-    world.services[MASTER] = 1;
-    world.descriptors.insert(HELD);
+    world.services[kMaster] = 1;
+    world.descriptors.insert(kHeld);
 }
 
 std::string CallNames()
@@ -98,7 +98,7 @@ std::vector<std::string> PlatformCalls()
 
 ::testing::AssertionResult Clean()
 {
-    if (world.descriptors == std::set<int>{HELD} && world.blocks.empty() && world.misuses == 0)
+    if (world.descriptors == std::set<int>{kHeld} && world.blocks.empty() && world.misuses == 0)
         return ::testing::AssertionSuccess();
     return ::testing::AssertionFailure() << world.descriptors.size() << " sessions (1 held), " << world.blocks.size()
                                          << " blocks left, " << world.misuses << " misuses";
@@ -125,7 +125,7 @@ int __wrap_socket(int family, int type, int protocol)
 int __wrap_setsockopt(int fd, int level, int option, const void *value, socklen_t length)
 {
     uint32_t words[2] = {};
-    memcpy(words, value, std::min<size_t>(length, sizeof words));
+    memcpy(words, value, std::min<size_t>(length, sizeof(words)));
     Note("setsockopt", fd, level, option, words[0], words[1], length);
     Use(fd);
     return Socket("setsockopt");
@@ -162,14 +162,14 @@ ssize_t __wrap_recv(int fd, void *room, size_t length, int flags)
     }
     const Bytes reply = world.replies.front().substr(0, length);
     world.replies.pop_front();
-    memset(room, 0xee, length); // what lies behind a reply is not 0
+    memset(room, 0xee, length); // the bytes after a reply are not 0
     memcpy(room, reply.data(), reply.size());
     return static_cast<ssize_t>(reply.size());
 }
 
 int __wrap_close(int fd)
 {
-    if (fd < HELD) // the test framework's own
+    if (fd < kHeld) // the test framework's own
         return __real_close(fd);
     Note("close", fd);
     world.misuses += world.descriptors.erase(fd) == 0;
@@ -216,23 +216,23 @@ uint32_t STLV_Set(void *buf, uint16_t room, uint16_t type, uint16_t length, cons
 uint32_t STLV_Get(const void *buf, uint16_t length, uint16_t *type, uint16_t *itemLength, void **value)
 {
     const int lie = Next("STLV_Get");
-    if (length < 4 || lie == READS_NOTHING)
+    if (length < 4 || lie == kReadsNothing)
         return 0;
     const Bytes head(static_cast<const char *>(buf), 4);
     if (GetNet16(head, 2) > length - 4u)
         return 0;
     *type = static_cast<uint16_t>(GetNet16(head, 0));
-    *itemLength = static_cast<uint16_t>(lie == VALUE_TOO_LONG ? length - 3 : GetNet16(head, 2));
-    *value = static_cast<char *>(const_cast<void *>(buf)) + (lie == VALUE_BEFORE_BUFFER ? -1 : 4);
-    if (lie == VALUE_NULL)
+    *itemLength = static_cast<uint16_t>(lie == kValueTooLong ? length - 3 : GetNet16(head, 2));
+    *value = static_cast<char *>(const_cast<void *>(buf)) + (lie == kValueBeforeBuffer ? -1 : 4);
+    if (lie == kValueNull)
         *value = nullptr;
-    return lie == TAKES_TOO_MUCH ? length + 1u : 4u + GetNet16(head, 2);
+    return lie == kTakesTooMuch ? length + 1u : 4u + GetNet16(head, 2);
 }
 
 uint32_t DEV_GetSystemMaster(void)
 {
     Note("DEV_GetSystemMaster");
-    return MASTER;
+    return kMaster;
 }
 
 uint16_t *DEV_GetAllStandbyNodes(uint32_t *count)
@@ -241,7 +241,7 @@ uint16_t *DEV_GetAllStandbyNodes(uint32_t *count)
     if (!world.standby)
         return nullptr;
     *count = static_cast<uint32_t>(world.standby->size());
-    uint16_t *nodes = static_cast<uint16_t *>(malloc(*count * sizeof *nodes));
+    uint16_t *nodes = static_cast<uint16_t *>(malloc(*count * sizeof(*nodes)));
     std::copy(world.standby->begin(), world.standby->end(), nodes);
     return nodes;
 }

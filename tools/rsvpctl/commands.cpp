@@ -22,6 +22,7 @@ void AddCommands(CommandLine &line)
     AddBatchCommand(line);
     AddSchemaCommand(line);
     AddCompletionCommands(line);
+    AddHelpCommands(line);
 }
 
 } // namespace rsvpctl

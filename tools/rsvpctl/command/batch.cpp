@@ -4,6 +4,8 @@
 
 #include "tools/rsvpctl/command/command_line.h"
 #include "tools/rsvpctl/command/commands.h"
+#include "tools/rsvpctl/command/input_file.h"
+#include "tools/rsvpctl/command/run.h"
 #include "tools/rsvpctl/print/usage_error.h"
 
 #include <algorithm>
@@ -12,8 +14,7 @@
 #include <fmt/format.h>
 #include <fstream>
 #include <iostream>
-#include <nlohmann/json.hpp>
-#include <optional>
+#include <unistd.h>
 
 namespace rsvpctl {
 namespace {
@@ -21,62 +22,16 @@ namespace {
 struct BatchOptions {
     bool keepGoing = false;
     bool dryRun = false;
-    bool fromInput = false; // the batch itself is standard input
 };
 
-// A line that only reads has no bytes to show: most of its requests depend on the answers.
-Exit Rehearse(Output &out, const Command &command)
-{
-    manager::Json requests = manager::Json::array();
-    std::string text;
-    if (command.requests) {
-        for (const WireRequest &request : command.requests()) {
-            requests.push_back(ToJson(request));
-            text += command.name + ": " + ToText(request) + "\n";
-        }
-    }
-    return out.Plan(command.name, requests, text.empty() ? command.name + ": sends no command\n" : text);
-}
-
-// A key and the batch itself cannot both come from standard input.
-void RefuseKeyFromInput(const std::vector<std::string> &words)
-{
-    if (std::find(words.begin(), words.end(), "-") != words.end() ||
-        std::find(words.begin(), words.end(), "--key-file=-") != words.end())
-        throw UsageError("--key-file: standard input is the batch itself; name a file");
-}
-
-Exit RunWords(Output &out, CommandLine &line, const std::vector<std::string> &words, const BatchOptions &options)
-{
-    if (options.fromInput)
-        RefuseKeyFromInput(words);
-    const Command &command = line.ParseLine(words);
-    return options.dryRun ? Rehearse(out, command) : command.run(out);
-}
-
-// The exit status of a line, or nothing for an empty one.
-std::optional<Exit> RunLine(Output &out, CommandLine &line, const std::string &text, const BatchOptions &options)
+// The exit status of a line; an empty one is done.
+Exit RunLine(Output &out, CommandLine &line, const std::string &text, const BatchOptions &options)
 {
     try {
         const std::vector<std::string> words = SplitWords(text);
-        return words.empty() ? std::nullopt : std::optional(RunWords(out, line, words, options));
+        return words.empty() ? Exit::Done : Run(out, line.ParseLine(words), options.dryRun);
     } catch (const UsageError &error) {
         return out.WrongUsage(error.command.empty() ? "batch" : error.command, error);
-    }
-}
-
-// The status that stands for an exit status in the document of the whole batch.
-uint32_t StatusOf(Exit exit)
-{
-    switch (exit) {
-    case Exit::Done:
-        return RSVP_MOR_OK;
-    case Exit::NoSession:
-        return RSVP_MOR_ERR_LIPC;
-    case Exit::NotEnabled:
-        return RSVP_MOR_ERR_NOT_ENABLED;
-    default:
-        return RSVP_MOR_ERR_FAIL;
     }
 }
 
@@ -84,23 +39,20 @@ uint32_t StatusOf(Exit exit)
 Exit RunBatch(Output &out, CommandLine &line, std::istream &input, const std::string &name,
               const BatchOptions &options)
 {
-    Exit worst = Exit::Done;
     bool complete = true;
     std::string text;
     out.BeginBatch(name);
     // A dry run looks at every line, since it is there to find what is wrong with any of them.
     for (uint64_t number = 1; complete && std::getline(input, text); ++number) {
         out.BatchLine(number);
-        const Exit exit = RunLine(out, line, text, options).value_or(Exit::Done);
-        worst = std::max(worst, exit);
+        const Exit exit = RunLine(out, line, text, options);
         complete = exit == Exit::Done || options.keepGoing || options.dryRun;
     }
     if (input.bad()) {
-        worst = std::max(worst,
-                         out.WrongUsage("batch", UsageError(std::string("cannot be read: ") + std::strerror(errno))));
+        out.WrongUsage("batch", UsageError(std::string("cannot be read: ") + std::strerror(errno)));
         complete = false;
     }
-    return out.EndBatch(complete, StatusOf(worst), worst);
+    return out.EndBatch(complete);
 }
 
 } // namespace
@@ -144,24 +96,29 @@ void AddBatchCommand(CommandLine &line)
     Command &command =
         line.Add(line.Root(), "batch",
                  "Run the commands of a file, one a line; # begins a comment, quotes keep words together",
+                 "  printf 'set interface 3\\nset hello --interface 3\\n' > settings.txt\n"
                  "  rsvpctl batch settings.txt\n"
-                 "  rsvpctl batch --dry-run settings.txt          what would be sent\n"
+                 "  rsvpctl batch --dry-run settings.txt          # what would be sent\n"
                  "  printf 'set interface 3\\n' | rsvpctl batch - --keep-going\n\n"
-                 "Stops at the first line that fails. The exit status is the highest of the lines'.");
+                 "Stops at the first line that fails; the lines before it were sent. The exit status is the highest "
+                 "of\nthe lines'.");
     command.inBatch = false;
+    command.takesDetail = true; // of its lines
     const Option file = command.node.AddFile("file,--file", "The file, or - for standard input").Required();
     const Option keepGoing = command.node.AddFlag("--keep-going", "Go on after a failure");
     const Option dryRun = command.node.AddFlag(
         "--dry-run", "Parse every line and print the class, operation and items of what it would send; send nothing");
     command.run = [&line, file, keepGoing, dryRun](Output &out) {
         const std::string name = file.Text();
-        const BatchOptions options{keepGoing.IsGiven(), dryRun.IsGiven(), name == "-"};
-        if (options.fromInput)
-            return RunBatch(out, line, std::cin, "standard input", options);
-        std::ifstream input(name);
-        if (!input)
+        const bool fromInput = name == "-";
+        const BatchOptions options{keepGoing.IsGiven(), dryRun.IsGiven()};
+        struct stat itself {};
+        std::ifstream input(fromInput ? "/dev/null" : name);
+        if (!input || (fromInput ? fstat(STDIN_FILENO, &itself) : stat(name.c_str(), &itself)) != 0)
             throw UsageError(fmt::format("batch: {}: {}", name, std::strerror(errno)));
-        return RunBatch(out, line, input, name, options);
+        const ReservedInput reserved(itself);
+        return fromInput ? RunBatch(out, line, std::cin, "standard input", options)
+                         : RunBatch(out, line, input, name, options);
     };
 }
 

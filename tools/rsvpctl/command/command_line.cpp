@@ -1,7 +1,9 @@
 // Parsing of command lines.
 #include "tools/rsvpctl/command/command_line.h"
 
-#include "manager/record/text.h"
+#include "tools/rsvpctl/command/batch.h"
+#include "tools/rsvpctl/command/help.h"
+#include "tools/rsvpctl/command/nearest.h"
 #include "tools/rsvpctl/print/usage_error.h"
 
 #include <CLI/CLI.hpp>
@@ -12,15 +14,18 @@ namespace rsvpctl {
 namespace {
 
 constexpr const char *kRootExamples = R"(Examples:
-  rsvpctl enable                                start the service on the master and the standby nodes
-  rsvpctl set interface 3                       RSVP on interface 3
+  rsvpctl enable                                   # start the service on the master and the standby nodes
+  rsvpctl set interface 3                          # RSVP on interface 3
   rsvpctl set retrans-interval 500 --interface 3
-  rsvpctl show tunnels --json                   one JSON document, for programs
-  rsvpctl batch settings.txt                    one command a line
-  rsvpctl explain 0x6001001a                    what a status means
+  rsvpctl show tunnels --json                      # one JSON document, for programs
+  rsvpctl show psb --detail                        # every field of each row
+  echo 'set interface 3' | rsvpctl batch -         # one command a line
+  rsvpctl explain 0x6001001a                       # what a status means
+  rsvpctl help set dscp
 
-Exit status: 0 done; 1 the daemon refused; 2 wrong usage; 3 no session to the daemon;
-4 the exchange failed or the reply was out of format; 5 the service is not enabled.)";
+Exit status: 0 done; 1 the daemon refused; 2 wrong usage; 3 no session to the daemon; 4 the exchange failed,
+the reply was out of format or a walk was broken; 5 the service is not enabled; 7 the output could not be written;
+130 Ctrl-C ended it.)";
 
 [[noreturn]] void Refuse(const std::string &name, const std::string &problem)
 {
@@ -28,11 +33,21 @@ Exit status: 0 done; 1 the daemon refused; 2 wrong usage; 3 no session to the da
                      fmt::format("see 'rsvpctl{}{} --help'", name.empty() ? "" : " ", name));
 }
 
-// A word that no parser took says more than the parser's complaint about what should follow it.
-std::string Problem(const CLI::App &top, const CLI::ParseError &error)
+CLI::App *Below(CLI::App &app, const std::string &word)
 {
-    const std::vector<std::string> left = top.remaining(true);
-    return left.empty() ? error.what() : fmt::format("'{}' is not expected here", left.front());
+    const auto below = app.get_subcommands([&](const CLI::App *one) { return one->check_name(word); });
+    return below.empty() ? nullptr : below.front();
+}
+
+std::vector<Spelling> WordsBelow(const CLI::App &app)
+{
+    std::vector<Spelling> words;
+    for (const CLI::App *below : app.get_subcommands({})) {
+        words.push_back({below->get_name(), below->get_name()});
+        for (const std::string &alias : below->get_aliases())
+            words.push_back({alias, below->get_name()});
+    }
+    return words;
 }
 
 CLI::App *Deepest(CLI::App &app)
@@ -55,9 +70,10 @@ CommandLine::CommandLine() : root_(std::make_unique<CLI::App>("Configures and re
     root_->fallthrough();
     root_->require_subcommand(1);
     root_->footer(kRootExamples);
-    root_->get_formatter()->column_width(34);
+    root_->formatter(HelpFormatter(*this));
+    root_->set_version_flag("--version", RSVPCTL_VERSION, "Print the program's version");
     json_ = Root().AddFlag("--json", "One JSON document on standard output");
-    detail_ = Root().AddFlag("--detail", "Every field of a row, one a line").Excludes(json_);
+    detail_ = Root().AddFlag("--detail", "Every field of a row, one a line; for show and batch");
     color_ = Root().AddChoice("--color", "WHEN", {"auto", "always", "never"},
                               "Colour: auto (only on a terminal, and without NO_COLOR), always, never");
     noPager_ = Root().AddFlag("--no-pager", "Long output straight to the terminal, not through $PAGER");
@@ -91,40 +107,126 @@ Command &CommandLine::Add(Node parent, const std::string &word, const std::strin
     return added;
 }
 
-Command *CommandLine::Parse(const std::vector<std::string> &words, std::string &help)
+const Command &CommandLine::Parse(const std::vector<std::string> &words)
 {
     try {
         root_->parse(std::vector<std::string>(words.rbegin(), words.rend()));
     } catch (const CLI::CallForHelp &) {
-        help = root_->help();
-        return nullptr;
+        return ParseInstead("help " + PathOf(*Deepest(*root_)));
+    } catch (const CLI::CallForVersion &) {
+        return ParseInstead("version");
     } catch (const CLI::ParseError &error) {
-        Refuse(Node(Deepest(*root_)).Path(), Problem(*root_, error));
+        const CLI::App &at = *Deepest(*root_);
+        Refuse(PathOf(at), Problem(*root_, at, PathOf(at), error));
     }
-    return commands_.at(Node(Deepest(*root_)).Path()).get();
+    const std::string path = PathOf(*Deepest(*root_));
+    if (detail_.IsGiven() && !TakesDetail(path))
+        Refuse(path, "--detail changes nothing here; it is for 'show', 'debug show' and 'batch'");
+    if (detail_.IsGiven() && json_.IsGiven())
+        Refuse(path, "--detail excludes --json, which has every field");
+    return *commands_.at(path);
+}
+
+const Command &CommandLine::ParseInstead(const std::string &text)
+{
+    std::vector<std::string> words = SplitWords(text);
+    if (json_.IsGiven())
+        words.emplace_back("--json");
+    if (noPager_.IsGiven())
+        words.emplace_back("--no-pager");
+    return Parse(words);
 }
 
 Command &CommandLine::ParseLine(const std::vector<std::string> &words)
 {
-    // The longest name wins: "show frr general" before "show".
-    for (size_t count = std::min<size_t>(words.size(), 3); count > 0; --count) {
-        const auto found = commands_.find(manager::Joined(std::span(words).first(count), " "));
-        if (found == commands_.end())
-            continue;
-        Command &command = *found->second;
-        if (!command.inBatch)
-            Refuse(command.name, "cannot be used in a batch");
-        try {
-            const auto last = words.rend() - static_cast<ptrdiff_t>(count);
-            command.node.App().parse(std::vector<std::string>(words.rbegin(), last));
-        } catch (const CLI::CallForHelp &) {
-            Refuse(command.name, "--help cannot be used in a batch");
-        } catch (const CLI::ParseError &error) {
-            Refuse(command.name, Problem(command.node.App(), error));
-        }
-        return command;
+    CLI::App *app = root_.get();
+    std::string name;
+    auto word = words.begin();
+    for (CLI::App *below = nullptr; word != words.end() && (below = Below(*app, *word)) != nullptr; ++word) {
+        app = below;
+        name += (name.empty() ? "" : " ") + app->get_name();
     }
-    Refuse("", fmt::format("there is no command '{}'", manager::Joined(words, " ")));
+    const auto found = commands_.find(name);
+    if (found == commands_.end())
+        Refuse(name, word == words.end() ? "another word is needed" : NotExpected(*word, *app, false));
+    Command &command = *found->second;
+    if (!command.inBatch)
+        Refuse(name, "cannot be used in a batch");
+    try {
+        app->parse(std::vector<std::string>(words.rbegin(), std::make_reverse_iterator(word)));
+    } catch (const CLI::CallForHelp &) {
+        Refuse(name, "--help cannot be used in a batch");
+    } catch (const CLI::ParseError &error) {
+        Refuse(name, Problem(*app, *app, name, error));
+    }
+    return command;
+}
+
+Node CommandLine::Find(const std::vector<std::string> &words) const
+{
+    CLI::App *app = root_.get();
+    for (const std::string &word : words) {
+        CLI::App *below = Below(*app, word);
+        if (below == nullptr)
+            Refuse(PathOf(*app), NotExpected(word, *app, false));
+        app = below;
+    }
+    return Node(app);
+}
+
+// A word that no parser took says more than the parser's complaint about what should follow it.
+std::string CommandLine::Problem(const CLI::App &top, const CLI::App &at, const std::string &path,
+                                 const CLI::ParseError &error) const
+{
+    const auto command = commands_.find(path);
+    const bool secret = command != commands_.end() && command->second->takesSecret;
+    const std::vector<std::string> left = top.remaining(true);
+    if (!left.empty())
+        return NotExpected(left.front(), at, secret);
+    const std::string text = error.what();
+    return secret ? text.substr(0, text.find(kButGiven)) : text;
+}
+
+std::string CommandLine::NotExpected(const std::string &word, const CLI::App &at, bool secret) const
+{
+    const bool isOption = word.starts_with("-");
+    const std::string name = isOption ? word.substr(0, word.find('=')) : word;
+    std::vector<Spelling> known;
+    if (!isOption)
+        known = WordsBelow(at);
+    for (const CLI::App *from = &at; isOption && from != nullptr; from = from->get_parent()) {
+        for (const CLI::Option *option : from->get_options())
+            for (const std::string &offered : OfferedNames(*option, *from, at))
+                known.push_back({offered, offered});
+    }
+    return (secret ? "a word is not expected here; it is not shown, since it may be a key"
+                   : fmt::format("'{}' is not expected here", name)) +
+           DidYouMean(name, known);
+}
+
+std::vector<std::string> CommandLine::OfferedNames(const CLI::Option &option, const CLI::App &from,
+                                                   const CLI::App &at) const
+{
+    bool offered = true;
+    if (&from != root_.get())
+        offered = &option != from.get_help_ptr(); // every node has one; the program's is enough to offer
+    else if (&option == from.get_version_ptr())
+        offered = &at == &from;
+    else if (detail_.Is(option))
+        offered = TakesDetail(PathOf(at));
+    std::vector<std::string> names;
+    for (const std::string &name : offered ? option.get_lnames() : std::vector<std::string>{})
+        names.push_back("--" + name);
+    return names;
+}
+
+bool CommandLine::TakesDetail(const std::string &path) const
+{
+    const auto command = commands_.find(path);
+    if (command != commands_.end())
+        return command->second->takesDetail;
+    const std::vector<Command *> below = CommandsBelow(path);
+    return std::any_of(below.begin(), below.end(), [](const Command *one) { return one->takesDetail; });
 }
 
 Style CommandLine::ChosenStyle() const

@@ -16,6 +16,14 @@
 
 namespace rsvpctl {
 
+/** What a command would do, for a dry run. */
+struct Rehearsal {
+    std::vector<WireRequest> requests;
+    std::string undo;    // the command that takes it back, without the program's name
+    std::string noUndo;  // why there is none
+    std::string instead; // what it does, if it sends nothing
+};
+
 struct Command {
     std::string name;     // its words: "set refresh-interval"
     std::string examples; // one a line, as the help prints them
@@ -24,11 +32,14 @@ struct Command {
     /** Does it, with the arguments that the parser holds. May throw UsageError before anything is sent. */
     std::function<Exit(Output &)> run;
 
-    /** What it would send. Empty for a command that changes nothing at the daemon. May throw UsageError. */
-    std::function<std::vector<WireRequest>()> requests;
+    /** Empty for a command that changes nothing. May throw UsageError. */
+    std::function<Rehearsal()> rehearse;
+    Option dryRun;
 
-    bool inBatch = true;    // may be used in a batch file
-    bool mayBeLong = false; // may fill more than a screen; a change or a watch is never held behind a pager
+    bool inBatch = true;      // may be used in a batch file
+    bool takesDetail = false; // --detail changes what it prints
+    bool takesSecret = false; // what is typed by mistake may be a key, so no refusal repeats it
+    bool mayBeLong = false;   // may fill more than a screen; a change or a watch is never held behind a pager
 };
 
 class CommandLine {
@@ -46,18 +57,21 @@ public:
     /** The last word of a command. The caller adds options to its node and sets `run`. */
     Command &Add(Node parent, const std::string &word, const std::string &help, const std::string &examples);
 
-    /**
-     * Parses a whole command line, without the program's name.
-     *
-     * @return the command to run; null if help was asked for, which is then in `help`. Throws UsageError.
-     */
-    Command *Parse(const std::vector<std::string> &words, std::string &help);
+    /** Parses a whole command line, without the program's name. Throws UsageError. */
+    const Command &Parse(const std::vector<std::string> &words);
 
     /**
      * Parses a line of a batch. The parser of the command that it names is cut off from the tree by that, so the
      * whole command line cannot be parsed again afterwards. Throws UsageError.
      */
     Command &ParseLine(const std::vector<std::string> &words);
+
+    /** Where the words lead, each a name or an alias. Throws UsageError for one that leads nowhere. */
+    Node Find(const std::vector<std::string> &words) const;
+
+    /** The names of an option of `from`, with their dashes, if it does something at `at`, which is `from` itself or
+     * below it. */
+    std::vector<std::string> OfferedNames(const CLI::Option &option, const CLI::App &from, const CLI::App &at) const;
 
     Style ChosenStyle() const;
     Color ChosenColor() const;
@@ -67,6 +81,12 @@ public:
     std::vector<Command *> CommandsBelow(const std::string &path) const;
 
 private:
+    const Command &ParseInstead(const std::string &text);
+    std::string Problem(const CLI::App &top, const CLI::App &at, const std::string &path,
+                        const CLI::ParseError &error) const;
+    std::string NotExpected(const std::string &word, const CLI::App &at, bool secret) const;
+    bool TakesDetail(const std::string &path) const;
+
     std::unique_ptr<CLI::App> root_;
     Option json_;
     Option detail_;

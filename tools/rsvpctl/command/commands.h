@@ -8,6 +8,7 @@ class CommandLine;
 
 void AddBatchCommand(CommandLine &line);
 void AddCompletionCommands(CommandLine &line);
+void AddHelpCommands(CommandLine &line);
 
 } // namespace rsvpctl
 

@@ -30,30 +30,40 @@ bool TakesFile(const CLI::Option &option)
     return option.get_type_name() == "FILE";
 }
 
-void AddNodes(const Node &at, std::vector<CompletionOption> inherited, std::vector<CompletionNode> &nodes)
+std::vector<CompletionOption> OptionsAt(const CommandLine &line, const CLI::App &at)
 {
-    CLI::App &app = at.App();
-    CompletionNode node{at.Path(), {}, std::move(inherited), false};
-    for (const CLI::Option *option : app.get_options()) {
-        const std::vector<std::string> choices = ChoicesOf(*option);
-        if (option->get_positional()) {
-            node.takesFile = node.takesFile || TakesFile(*option);
-            for (const std::string &choice : choices)
-                node.words.push_back({choice, option->get_description()});
+    std::vector<CompletionOption> options;
+    for (const CLI::App *from = &at; from != nullptr; from = from->get_parent()) {
+        for (const CLI::Option *option : from->get_options()) {
+            for (const std::string &name : line.OfferedNames(*option, *from, at))
+                options.push_back({name, option->get_description(), option->get_items_expected_min() > 0,
+                                   TakesFile(*option), ChoicesOf(*option)});
         }
-        // Every node has a help option of its own; the program's is enough to offer.
-        const bool isNewOption = nodes.empty() || option != app.get_help_ptr();
-        for (const std::string &name : isNewOption ? option->get_lnames() : std::vector<std::string>{})
-            node.options.push_back({"--" + name, option->get_description(), option->get_items_expected_min() > 0,
-                                    TakesFile(*option), choices});
     }
-    const auto below = app.get_subcommands([](CLI::App *) { return true; });
+    return options;
+}
+
+void AddNodes(const CommandLine &line, const CLI::App &at, std::vector<CompletionNode> &nodes)
+{
+    CompletionNode node{PathOf(at), {}, {}, OptionsAt(line, at), false};
+    if (at.get_parent() != nullptr) {
+        const std::string before = node.path.substr(0, node.path.size() - at.get_name().size());
+        for (const std::string &alias : at.get_aliases())
+            node.aliases.push_back(before + alias);
+    }
+    for (const CLI::Option *option : at.get_options()) {
+        if (!option->get_positional())
+            continue;
+        node.takesFile = node.takesFile || TakesFile(*option);
+        for (const std::string &choice : ChoicesOf(*option))
+            node.words.push_back({choice, option->get_description()});
+    }
+    const auto below = at.get_subcommands({});
     for (const CLI::App *child : below)
         node.words.push_back({child->get_name(), child->get_description()});
-    const std::vector<CompletionOption> options = node.options;
     nodes.push_back(std::move(node));
-    for (CLI::App *child : below)
-        AddNodes(Node(child), options, nodes);
+    for (const CLI::App *child : below)
+        AddNodes(line, *child, nodes);
 }
 
 // A patterns list of a shell's case: "a|b|c".
@@ -78,6 +88,17 @@ std::string NodePatterns(const std::vector<CompletionNode> &nodes)
     for (const CompletionNode &node : nodes) {
         if (!node.path.empty())
             text += fmt::format("{}' {}'", text.empty() ? "" : "|", node.path);
+    }
+    return text;
+}
+
+// Behind another name of a node follows what follows the node. Behind "help" follow the words of any command.
+std::string OtherNames(const std::vector<CompletionNode> &nodes)
+{
+    std::string text = "                ' help') node='' ;;\n";
+    for (const CompletionNode &node : nodes) {
+        for (const std::string &alias : node.aliases)
+            text += fmt::format("                ' {}') node=' {}' ;;\n", alias, node.path);
     }
     return text;
 }
@@ -113,14 +134,14 @@ std::string FindNode(const std::vector<CompletionNode> &nodes, const char *words
         case $word in
             {withValue}) value=1 ;;
             *) case "$node $word" in
-                {known}) node="$node $word" ;;
+{others}                {known}) node="$node $word" ;;
             esac ;;
         esac
     done
 )",
                        fmt::arg("words", words), fmt::arg("count", count),
                        fmt::arg("withValue", Patterns(nodes, [](const auto &option) { return option.takesValue; })),
-                       fmt::arg("known", NodePatterns(nodes)));
+                       fmt::arg("others", OtherNames(nodes)), fmt::arg("known", NodePatterns(nodes)));
 }
 
 std::string FilePatterns(const std::vector<CompletionNode> &nodes)
@@ -137,10 +158,10 @@ std::string PlainValuePatterns(const std::vector<CompletionNode> &nodes)
 
 } // namespace
 
-std::vector<CompletionNode> CompletionNodes(const Node &root)
+std::vector<CompletionNode> CompletionNodes(const CommandLine &line)
 {
     std::vector<CompletionNode> nodes;
-    AddNodes(root, {}, nodes);
+    AddNodes(line, line.Root().App(), nodes);
     return nodes;
 }
 
@@ -215,14 +236,13 @@ void AddCompletionCommands(CommandLine &line)
 {
     const Node group = line.AddGroup(line.Root(), "completion", "Print a script that completes command lines",
                                      "  source <(rsvpctl completion bash)\n"
-                                     "  rsvpctl completion zsh > \"${fpath[1]}/_rsvpctl\"");
+                                     "  rsvpctl completion zsh > _rsvpctl       # for a folder of zsh's fpath");
     const auto add = [&](const std::string &shell, std::string (*script)(const std::vector<CompletionNode> &)) {
         Command &command = line.Add(group, shell, "For " + shell, "  rsvpctl completion " + shell);
         command.inBatch = false;
         command.run = [&command, &line, shell, script](Output &out) {
-            const std::string text = script(CompletionNodes(line.Root()));
-            return out.IsJson() ? out.Record(command.name, manager::Json{{"shell", shell}, {"script", text}})
-                                : out.Help(text);
+            const std::string text = script(CompletionNodes(line));
+            return out.Record(command.name, {{"shell", shell}, {"script", text}}, text, RSVP_MOR_OK);
         };
     };
     add("bash", BashCompletion);

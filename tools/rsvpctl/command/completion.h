@@ -2,12 +2,12 @@
 #ifndef TOOLS_RSVPCTL_COMMAND_COMPLETION_H
 #define TOOLS_RSVPCTL_COMMAND_COMPLETION_H
 
-#include "tools/rsvpctl/command/options.h"
-
 #include <string>
 #include <vector>
 
 namespace rsvpctl {
+
+class CommandLine;
 
 struct CompletionWord {
     std::string word;
@@ -24,14 +24,15 @@ struct CompletionOption {
 
 /** What can follow the words of `path`. */
 struct CompletionNode {
-    std::string path; // "show psb"; empty for the program itself
+    std::string path;                 // "show psb"; empty for the program itself
+    std::vector<std::string> aliases; // other paths to it: "show neighbor"
     std::vector<CompletionWord> words;
-    std::vector<CompletionOption> options; // those of the words before included
+    std::vector<CompletionOption> options; // those of the words before included, if they do something here
     bool takesFile;
 };
 
 /** All nodes of the tree, the program itself first. */
-std::vector<CompletionNode> CompletionNodes(const Node &root);
+std::vector<CompletionNode> CompletionNodes(const CommandLine &line);
 
 std::string BashCompletion(const std::vector<CompletionNode> &nodes);
 std::string ZshCompletion(const std::vector<CompletionNode> &nodes);

@@ -5,30 +5,20 @@
 
 #include "manager/record/key.h"
 #include "manager/record/text.h"
+#include "tools/rsvpctl/command/input_file.h"
 #include "tools/rsvpctl/print/usage_error.h"
 
 #include <CLI/CLI.hpp>
-#include <cerrno>
-#include <cstring>
+#include <algorithm>
 #include <fmt/format.h>
-#include <fstream>
-#include <iterator>
 
 namespace rsvpctl {
 namespace {
 
 using manager::ParseAddress, manager::ParseNumber, manager::RecordDescription;
 
-std::string FileText(const std::string &name)
-{
-    std::ifstream input(name, std::ios::binary);
-    std::string text;
-    if (input)
-        text.assign(std::istreambuf_iterator<char>(input), {});
-    if (!input.is_open() || input.bad())
-        throw UsageError(fmt::format("--key-file: {}: {}", name, std::strerror(errno)));
-    return text;
-}
+constexpr size_t kLongestKeyFile = 65536;
+constexpr int kMostWords = 1000;
 
 } // namespace
 
@@ -80,13 +70,17 @@ Option Option::Needs(Option other) const
     return *this;
 }
 
-std::string Node::Path() const
+std::string PathOf(const CLI::App &app)
 {
-    const CLI::App *parent = app_->get_parent();
-    if (parent == nullptr)
+    if (app.get_parent() == nullptr)
         return {};
-    const std::string before = Node(app_->get_parent()).Path();
-    return before.empty() ? app_->get_name() : before + " " + app_->get_name();
+    const std::string before = PathOf(*app.get_parent());
+    return before.empty() ? app.get_name() : before + " " + app.get_name();
+}
+
+void Node::AddAlias(const std::string &name) const
+{
+    app_->alias(name);
 }
 
 Option Node::AddFlag(const std::string &names, const std::string &help) const
@@ -94,40 +88,59 @@ Option Node::AddFlag(const std::string &names, const std::string &help) const
     return Option(app_->add_flag(names)->description(help));
 }
 
-Option Node::AddNumber(const std::string &names, uint64_t max, const std::string &help) const
+Option Node::AddNumber(const std::string &names, uint64_t max, const std::string &help, const std::string &unit) const
 {
-    return Option(
-        app_->add_option(names, help)->type_name(fmt::format("0..{}", max))->check([max](const std::string &text) {
-            const auto number = ParseNumber(text);
-            return number && *number <= max ? std::string()
-                                            : fmt::format("takes a number from 0 to {}, not '{}'", max, text);
-        }));
+    const std::string type = fmt::format("0..{}{}{}", max, unit.empty() ? "" : " ", unit);
+    const std::string takes = fmt::format("takes a number {}{}from 0 to {}", unit.empty() ? "" : "of ",
+                                          unit.empty() ? "" : unit + " ", max);
+    return Option(app_->add_option(names, help)->type_name(type)->check([max, takes](const std::string &text) {
+        const auto number = ParseNumber(text);
+        return number && *number <= max ? std::string() : fmt::format("{}{}'{}'", takes, kButGiven, text);
+    }));
 }
 
 Option Node::AddAddress(const std::string &names, const std::string &help) const
 {
     return Option(app_->add_option(names, help)->type_name("A.B.C.D")->check([](const std::string &text) {
-        return ParseAddress(text) ? std::string() : "takes an IPv4 address (10.0.0.9), not '" + text + "'";
+        return ParseAddress(text) ? std::string()
+                                  : fmt::format("takes an IPv4 address (10.0.0.9){}'{}'", kButGiven, text);
     }));
 }
 
 Option Node::AddDuration(const std::string &names, std::chrono::milliseconds min, std::chrono::milliseconds max,
                          const std::string &help) const
 {
-    return Option(app_->add_option(names, help)->type_name("DURATION")->check([min, max](const std::string &text) {
+    const std::string takes = fmt::format("takes a duration from {} to {} (500ms, 2s, 1m; a plain number is seconds)",
+                                          manager::DurationText(min), manager::DurationText(max));
+    const auto check = [min, max, takes](const std::string &text) {
         const auto duration = manager::ParseDuration(text);
-        return duration && *duration >= min && *duration <= max
-                   ? std::string()
-                   : fmt::format("takes a duration from {} to {} (500ms, 2s, 1m; a plain number is seconds), not "
-                                 "'{}'",
-                                 manager::DurationText(min), manager::DurationText(max), text);
-    }));
+        return duration && *duration >= min && *duration <= max ? std::string()
+                                                                : fmt::format("{}{}'{}'", takes, kButGiven, text);
+    };
+    return Option(app_->add_option(names, help)->type_name("DURATION")->check(check));
 }
 
 Option Node::AddChoice(const std::string &names, const std::string &type, const std::vector<std::string> &choices,
                        const std::string &help) const
 {
-    return Option(app_->add_option(names, help)->type_name(type)->check(CLI::IsMember(choices)));
+    const auto check = [choices](const std::string &text) {
+        return std::find(choices.begin(), choices.end(), text) != choices.end()
+                   ? std::string()
+                   : fmt::format("takes {}{}'{}'", manager::Joined(choices, " or "), kButGiven, text);
+    };
+    return Option(
+        app_->add_option(names, help)->type_name(type)->check(check, "{" + manager::Joined(choices, ",") + "}"));
+}
+
+Option Node::AddText(const std::string &names, const std::string &type,
+                     std::function<std::string(const std::string &)> check, const std::string &help) const
+{
+    return Option(app_->add_option(names, help)->type_name(type)->check(std::move(check)));
+}
+
+Option Node::AddWords(const std::string &names, const std::string &type, const std::string &help) const
+{
+    return Option(app_->add_option(names, help)->type_name(type)->expected(1, kMostWords)->allow_extra_args());
 }
 
 Option Node::AddFile(const std::string &names, const std::string &help) const
@@ -185,7 +198,7 @@ void RequireKey(const KeyOptions &options, void *record)
         throw UsageError("key: --key or --key-file is needed");
     const std::string file = options.file.Text();
     try {
-        ReadJsonKey(*options.description, FileText(file), record);
+        ReadJsonKey(*options.description, ReadInput("--key-file", file, kLongestKeyFile), record);
     } catch (const manager::KeyError &error) {
         throw UsageError(fmt::format("--key-file: {}: {}", file, error.what()));
     }

@@ -8,12 +8,14 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
 namespace CLI {
 class App;
 class Option;
+class ParseError;
 } // namespace CLI
 
 namespace rsvpctl {
@@ -25,6 +27,7 @@ public:
     explicit Option(CLI::Option *option) : option_(option) {}
 
     bool IsGiven() const;
+    bool Is(const CLI::Option &option) const { return option_ == &option; }
 
     /** The text that was given, or an empty one. */
     std::string Text() const;
@@ -48,6 +51,12 @@ private:
     CLI::Option *option_ = nullptr;
 };
 
+/** The words that lead to a node, without the program's own. */
+std::string PathOf(const CLI::App &app);
+
+/** Stands between what an argument takes and what was given instead. */
+inline constexpr std::string_view kButGiven = ", not ";
+
 /** A word of the command line, and what may follow it. Names are "word,--option" for an argument that is an
  * option too, "--option" for an option alone. */
 class Node {
@@ -55,16 +64,23 @@ public:
     Node() = default;
     explicit Node(CLI::App *app) : app_(app) {}
 
-    /** The words that lead here, without the program's own. */
-    std::string Path() const;
+    std::string Path() const { return PathOf(*app_); }
+
+    /** Another name of this word, which only the manual tells. */
+    void AddAlias(const std::string &name) const;
 
     Option AddFlag(const std::string &names, const std::string &help) const;
-    Option AddNumber(const std::string &names, uint64_t max, const std::string &help) const;
+    Option AddNumber(const std::string &names, uint64_t max, const std::string &help,
+                     const std::string &unit = {}) const;
     Option AddAddress(const std::string &names, const std::string &help) const;
     Option AddDuration(const std::string &names, std::chrono::milliseconds min, std::chrono::milliseconds max,
                        const std::string &help) const;
     Option AddChoice(const std::string &names, const std::string &type, const std::vector<std::string> &choices,
                      const std::string &help) const;
+    /** A text that `check` takes; it gives an empty text, or says what is wrong. */
+    Option AddText(const std::string &names, const std::string &type,
+                   std::function<std::string(const std::string &)> check, const std::string &help) const;
+    Option AddWords(const std::string &names, const std::string &type, const std::string &help) const;
     Option AddFile(const std::string &names, const std::string &help) const;
     Option AddKey(const std::string &names, const manager::RecordDescription &description,
                   const std::string &help) const;

@@ -36,11 +36,19 @@ std::vector<uint8_t> ByteBytes(uint8_t number)
     return {number, 0, 0, 0};
 }
 
+WireItem InterfaceItem(uint32_t ifIndex)
+{
+    return {kInterfaceItem, WordBytes(ifIndex), false, fmt::format("interface {}", ifIndex)};
+}
+
 manager::Json ToJson(const WireRequest &request)
 {
     manager::Json items = manager::Json::array();
     for (const WireItem &item : request.items)
-        items.push_back({{"type", item.type}, {"length", item.value.size()}, {"value", ValueText(item)}});
+        items.push_back({{"type", item.type},
+                         {"length", item.value.size()},
+                         {"value", ValueText(item)},
+                         {"meaning", item.meaning}});
     return {{"class", request.messageClass}, {"op", request.operation}, {"items", std::move(items)}};
 }
 
@@ -48,8 +56,8 @@ std::string ToText(const WireRequest &request)
 {
     std::string text = fmt::format("class {} op {}", request.messageClass, request.operation);
     for (const WireItem &item : request.items)
-        text += fmt::format(" item {} [{}]{}{}", item.type, item.value.size(), item.value.empty() ? "" : " ",
-                            item.value.empty() ? "" : ValueText(item));
+        text += fmt::format(" item {} [{}]{}{} ({})", item.type, item.value.size(), item.value.empty() ? "" : " ",
+                            item.value.empty() ? "" : ValueText(item), item.meaning);
     return text;
 }
 

@@ -24,6 +24,7 @@ struct WireItem {
     uint16_t type;
     std::vector<uint8_t> value;
     bool secret = false; // its bytes are counted, never shown
+    std::string meaning; // "refresh-interval 30"; what the bytes say in the words of the command line
 };
 
 struct WireRequest {
@@ -41,10 +42,13 @@ std::vector<uint8_t> PairBytes(uint16_t first, uint16_t second);
 /** A byte, then three zero bytes. */
 std::vector<uint8_t> ByteBytes(uint8_t number);
 
-/** {"class":0,"op":0,"items":[{"type":15,"value":"001e0000"}]} */
+/** The item that names the interface of a command. */
+WireItem InterfaceItem(uint32_t ifIndex);
+
+/** {"class":0,"op":0,"items":[{"type":15,"length":4,"value":"001e0000","meaning":"refresh-interval 30"}]} */
 manager::Json ToJson(const WireRequest &request);
 
-/** "class 0 op 0 item 15 [4] 001e0000" */
+/** "class 0 op 0 item 15 [4] 001e0000 (refresh-interval 30)" */
 std::string ToText(const WireRequest &request);
 
 } // namespace rsvpctl

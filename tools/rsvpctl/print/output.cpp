@@ -2,6 +2,7 @@
 // end nor grow in memory; each piece comes from the JSON library, so that nothing is quoted by hand.
 #include "tools/rsvpctl/print/output.h"
 
+#include "manager/exchange/exchange.h"
 #include "manager/record/text.h"
 #include "tools/rsvpctl/print/interrupt.h"
 #include "tools/rsvpctl/print/terminal.h"
@@ -17,7 +18,7 @@
 namespace rsvpctl {
 namespace {
 
-using manager::CountText, manager::Json, manager::WalkEnd, manager::WalkResult;
+using manager::CountText, manager::Json, manager::JsonText, manager::WalkEnd, manager::WalkResult;
 
 constexpr size_t kWidthWithoutTerminal = 120;
 
@@ -48,25 +49,53 @@ const char *EndName(WalkEnd end)
     }
 }
 
-std::string Advice(const char *cause, const char *remedy)
-{
-    return fmt::format("\n  likely cause: {}\n  what to do:   {}", cause, remedy);
-}
-
 std::string Advice(const StatusText &text)
 {
-    return Advice(text.cause, text.remedy);
+    return fmt::format("\n  likely cause:  {}\n  what to do:    {}", text.cause, text.remedy);
+}
+
+// Names and words come from files and command lines: what would steer a terminal is shown, not sent to it.
+std::string Printable(const std::string &text)
+{
+    std::string out;
+    for (const char c : text) {
+        const auto byte = static_cast<uint8_t>(c);
+        const bool steers = (byte < 0x20 && c != '\n' && c != '\t') || byte == 0x7f;
+        out += steers ? fmt::format("\\x{:02x}", byte) : std::string(1, c);
+    }
+    return out;
+}
+
+// What ended a walk before its table did.
+Reason BreakOf(const WalkResult &result, const manager::Exchange &exchange)
+{
+    if (result.end == WalkEnd::Stuck)
+        return {"verify", fmt::format("{} gave a row that was there before", result.function), StuckText()};
+    const manager::Fault fault = FaultOf(result.status, exchange);
+    StatusText text = Explain(result.status, result.function, fault);
+    // A table that is not all there is one exit status, whatever broke it; a daemon that is not there is another.
+    if (result.rows != 0 || fault != manager::Fault::NoSession)
+        text.exit = Exit::Exchange;
+    return {
+        NameOf(fault),
+        fmt::format("{} gave {:#010x} {}: {}", result.function, result.status, text.name, TextOf(fault, exchange)),
+        text};
 }
 
 std::string MemberText(const char *name, const Json &value)
 {
-    return fmt::format(",\"{}\":{}", name, value.dump());
+    return fmt::format(",\"{}\":{}", name, JsonText(value));
 }
 
-std::string EndText(uint32_t status, Exit exit)
+std::string EndText(uint32_t status, const char *name, Exit exit)
 {
-    return MemberText("status", status) + MemberText("statusName", Explain(status).name) +
+    return MemberText("status", status) + MemberText("statusName", name) +
            MemberText("exitStatus", static_cast<int>(exit)) + "}\n";
+}
+
+std::string EndOfInterrupted()
+{
+    return EndText(RSVP_MOR_ERR_FAIL, Explain(RSVP_MOR_ERR_FAIL).name, Exit::Interrupted);
 }
 
 } // namespace
@@ -80,7 +109,7 @@ Output::Output(Style style, Color color, FILE *document, FILE *messages)
 // What makes a whole document of what is written so far. A document without rows is written at once.
 std::string Output::Ending() const
 {
-    static const std::string end = EndText(RSVP_MOR_ERR_FAIL, Exit::Interrupted);
+    static const std::string end = EndOfInterrupted();
     std::string text;
     if (inList_) {
         text += "]" + MemberText("count", rows_) + MemberText("complete", false);
@@ -97,7 +126,7 @@ void Output::EndWholeOnInterrupt(const std::string &operation)
 {
     OpenDocument(operation);
     Member("error", "interrupted");
-    EndDocumentOnInterrupt(std::exchange(text_, {}) + EndText(RSVP_MOR_ERR_FAIL, Exit::Interrupted));
+    EndDocumentOnInterrupt(std::exchange(text_, {}) + EndOfInterrupted());
 }
 
 bool Output::Flush()
@@ -114,16 +143,21 @@ bool Output::Flush()
 
 void Output::Message(const std::string &text)
 {
+    Write(Printable(text));
+}
+
+void Output::Write(const std::string &line)
+{
     // If standard error cannot be written, there is nowhere left to say so.
-    (void)std::fwrite(text.data(), 1, text.size(), messages_);
+    (void)std::fwrite(line.data(), 1, line.size(), messages_);
     (void)std::fputc('\n', messages_);
 }
 
 void Output::Complain(const std::string &text)
 {
     const std::string where = inBatch_ ? fmt::format("{}:{}: ", batchFile_, batchLine_) : "";
-    Message(fmt::format("{}rsvpctl: {}{}{}", colorMessages_ ? "\x1b[31m" : "", where, colorMessages_ ? "\x1b[0m" : "",
-                        text));
+    Write(fmt::format("{}rsvpctl: {}{}{}", colorMessages_ ? "\x1b[31m" : "", Printable(where),
+                      colorMessages_ ? "\x1b[0m" : "", Printable(text)));
 }
 
 Exit Output::Finish(Exit exit)
@@ -131,7 +165,7 @@ Exit Output::Finish(Exit exit)
     if (writeError_ == 0 || writeError_ == EPIPE)
         return exit;
     Message(fmt::format("rsvpctl: the output could not be written: {}", std::strerror(writeError_)));
-    return Exit::Exchange;
+    return Exit::NotWritten;
 }
 
 // ---- Documents ----
@@ -145,7 +179,7 @@ void Output::OpenDocument(const std::string &operation)
         text_ += fmt::format("{}{{\"line\":{},", batchDocuments_++ == 0 ? "" : ",", batchLine_);
     else
         text_ += fmt::format("{{\"schemaVersion\":{},", kSchemaVersion);
-    text_ += fmt::format("\"operation\":{}", Json(operation).dump());
+    text_ += fmt::format("\"operation\":{}", JsonText(operation));
 }
 
 void Output::Member(const char *name, const Json &value)
@@ -153,10 +187,14 @@ void Output::Member(const char *name, const Json &value)
     text_ += MemberText(name, value);
 }
 
-void Output::CloseDocument(uint32_t status, Exit exit)
+void Output::CloseDocument(uint32_t status, Exit exit, const char *name)
 {
+    if (inBatch_ && exit > batchExit_) {
+        batchExit_ = exit;
+        batchStatus_ = status;
+    }
     if (IsJson())
-        text_ += EndText(status, exit);
+        text_ += EndText(status, name == nullptr ? Explain(status).name : name, exit);
     inList_ = false;
     Flush();
 }
@@ -196,9 +234,18 @@ Exit Output::Record(const std::string &operation, const manager::RecordDescripti
     return IsJson() ? Record(operation, ToJson(description, record)) : Help(view(record));
 }
 
-Exit Output::Plan(const std::string &operation, const Json &requests, const std::string &text)
+Exit Output::Plan(const std::string &operation, const Json &requests, const std::string &undo,
+                  const std::string &text)
 {
-    return Document(operation, "requests", requests, text, RSVP_MOR_OK);
+    OpenDocument(operation);
+    if (IsJson()) {
+        Member("requests", requests);
+        Member("undo", undo.empty() ? Json() : Json(undo));
+    } else {
+        text_ += text;
+    }
+    CloseDocument(RSVP_MOR_OK, Exit::Done);
+    return Exit::Done;
 }
 
 Exit Output::Help(const std::string &text)
@@ -208,20 +255,44 @@ Exit Output::Help(const std::string &text)
     return Exit::Done;
 }
 
-Exit Output::Failed(const Outcome &failure)
+Exit Output::Fail(const Outcome &failure, const std::string &headline, const Reason &reason)
 {
-    const StatusText &text = Explain(failure.status, failure.function);
-    const std::string asked = failure.asked.empty() ? "" : " for " + failure.asked;
-    Complain(fmt::format("{}: {}{} gave {:#010x} {}{}", failure.operation, failure.function, asked, failure.status,
-                         text.name, Advice(text)));
+    // "for interface 3" says it already.
+    const std::string link = failure.asked.empty() ? "" : failure.asked.starts_with("for ") ? " " : " for ";
+    const std::string asked = link + failure.asked;
+    Complain(fmt::format("{}: {}{}{} gave {:#010x} {}\n  what happened: {}{}", failure.operation, headline,
+                         failure.function, asked, failure.status, reason.text.name, reason.what,
+                         Advice(reason.text)));
     OpenDocument(failure.operation);
     if (IsJson()) {
         Member("function", failure.function);
         Member("asked", failure.asked);
-        Member("likelyCause", text.cause);
+        Member("stage", reason.stage);
+        Member("seconds", manager::LastExchange().seconds);
+        MemberReason(reason);
     }
-    CloseDocument(failure.status, text.exit);
-    return text.exit;
+    CloseDocument(failure.status, reason.text.exit, reason.text.name);
+    return reason.text.exit;
+}
+
+Exit Output::Failed(const Outcome &failure)
+{
+    const manager::Exchange &exchange = manager::LastExchange();
+    const manager::Fault fault = FaultOf(failure.status, exchange);
+    return Fail(failure, "",
+                {NameOf(fault), TextOf(fault, exchange), Explain(failure.status, failure.function, fault)});
+}
+
+Exit Output::NotDone(const Outcome &outcome, const std::string &problem)
+{
+    return Fail(outcome, "not known to be done, though ", {"verify", problem, NotDoneText()});
+}
+
+void Output::MemberReason(const Reason &reason)
+{
+    Member("whatHappened", reason.what);
+    Member("likelyCause", reason.text.cause);
+    Member("whatToDo", reason.text.remedy);
 }
 
 Exit Output::Report(const Outcome &outcome)
@@ -229,23 +300,32 @@ Exit Output::Report(const Outcome &outcome)
     return outcome.status == RSVP_MOR_OK ? Done(outcome.operation, outcome.asked) : Failed(outcome);
 }
 
-Exit Output::Wrong(const std::string &operation, const std::string &error, uint32_t status, Exit exit)
+Exit Output::Wrong(const std::string &operation, const std::string &problem, uint32_t status, Exit exit)
 {
-    Complain(error);
+    Complain(fmt::format("{}: {}", operation, problem));
     OpenDocument(operation);
     if (IsJson())
-        Member("error", error);
+        Member("error", problem);
     CloseDocument(status, exit);
     return exit;
 }
 
+Exit Output::Broken(const std::string &operation, const std::string &problem)
+{
+    return Wrong(operation, problem, RSVP_MOR_ERR_FAIL, Exit::Exchange);
+}
+
 Exit Output::WrongUsage(const std::string &operation, const UsageError &error)
 {
-    // The library's code for a bad argument; the exit status distinguishes it from a failed exchange.
-    const Exit exit = Wrong(operation, error.what(), RSVP_MOR_ERR_FAIL, Exit::Usage);
+    Complain(error.what());
     if (!error.hint.empty())
         Message("  " + error.hint);
-    return exit;
+    OpenDocument(operation);
+    if (IsJson())
+        Member("error", error.what());
+    // The library's code for a bad argument; the exit status distinguishes it from a failed exchange.
+    CloseDocument(RSVP_MOR_ERR_FAIL, Exit::Usage);
+    return Exit::Usage;
 }
 
 // ---- Rows ----
@@ -268,14 +348,14 @@ std::string Output::Heading(const std::string &text) const
 
 bool Output::Line(const Json &document, const std::string &text)
 {
-    text_ += IsJson() ? document.dump() + "\n" : text;
+    text_ += IsJson() ? JsonText(document) + "\n" : text;
     return Flush();
 }
 
 bool Output::ListRow(const Json &row, const std::string &text)
 {
     if (IsJson())
-        text_ += (rows_ == 0 ? "" : ",") + row.dump() + "\n";
+        text_ += (rows_ == 0 ? "" : ",") + JsonText(row) + "\n";
     else
         text_ += text;
     ++rows_;
@@ -320,35 +400,46 @@ Exit Output::EndRows(const WalkResult &result)
     // A table that can no longer be written has no end to report; Finish says what happened.
     if (result.end == WalkEnd::Stopped)
         return Exit::Done;
-    const std::string count = CountText(result.rows, "row");
+    if (result.end == WalkEnd::EndOfTable) {
+        EndWholeTable(result);
+        return Exit::Done;
+    }
+    const Reason broken = BreakOf(result, manager::LastExchange());
     const std::string onward =
         result.lastKey.empty() ? "" : fmt::format("; '--after {}' goes on after the last one", result.lastKey);
-    const StatusText &text = Explain(result.status, result.function);
-    Exit exit = text.exit;
-    if (result.end == WalkEnd::Broken) {
-        Complain(fmt::format("{}: {} gave {:#010x} {}, walk broken after {}{}{}", operation_, result.function,
-                             result.status, text.name, count, onward, Advice(text)));
-    } else if (result.end == WalkEnd::Stuck) {
-        exit = Exit::Exchange;
-        Complain(fmt::format("{}: {} gave a row that was there before, walk stuck after {}{}", operation_,
-                             result.function, count,
-                             Advice("the table changed in mid-walk, or the daemon does not advance",
-                                    "try again; if it stays so, look at the daemon's log")));
-    } else if (!IsJson()) {
+    Complain(fmt::format("{}: walk {} after {}{}\n  what happened: {}{}", operation_, EndName(result.end),
+                         CountText(result.rows, "row"), onward, broken.what, Advice(broken.text)));
+    CloseRows(result);
+    if (IsJson()) {
+        Member("after", result.lastKey.empty() ? Json() : Json(result.lastKey));
+        MemberReason(broken);
+    }
+    CloseDocument(result.end == WalkEnd::Stuck ? RSVP_MOR_ERR_FAIL : result.status, broken.text.exit,
+                  broken.text.name);
+    return broken.text.exit;
+}
+
+void Output::EndWholeTable(const WalkResult &result)
+{
+    if (!IsJson()) {
         const size_t hidden = layout_ ? layout_->HiddenFields() : 0;
         const std::string more =
             hidden == 0 ? "" : fmt::format("; --detail shows {} more of each", CountText(hidden, "field"));
-        Message(count + ", end of table" + more);
+        Message(CountText(result.rows, "row") + ", end of table" + more);
     }
-    if (IsJson()) {
-        text_ += "]";
-        Member("count", result.rows);
-        Member("complete", result.end == WalkEnd::EndOfTable);
-        Member("end", EndName(result.end));
-        Member("function", result.function);
-    }
-    CloseDocument(result.end == WalkEnd::Stuck ? RSVP_MOR_ERR_FAIL : result.status, exit);
-    return exit;
+    CloseRows(result);
+    CloseDocument(RSVP_MOR_OK, Exit::Done);
+}
+
+void Output::CloseRows(const WalkResult &result)
+{
+    if (!IsJson())
+        return;
+    text_ += "]";
+    Member("count", result.rows);
+    Member("complete", result.end == WalkEnd::EndOfTable);
+    Member("end", EndName(result.end));
+    Member("function", result.function);
 }
 
 // ---- Batch ----
@@ -362,6 +453,8 @@ void Output::BeginBatch(const std::string &file)
     }
     batchFile_ = file;
     batchDocuments_ = 0;
+    batchExit_ = Exit::Done;
+    batchStatus_ = RSVP_MOR_OK;
     inBatch_ = true;
 }
 
@@ -370,7 +463,7 @@ void Output::BatchLine(uint64_t line)
     batchLine_ = line;
 }
 
-Exit Output::EndBatch(bool complete, uint32_t status, Exit exit)
+Exit Output::EndBatch(bool complete)
 {
     inBatch_ = false;
     if (IsJson()) {
@@ -378,8 +471,8 @@ Exit Output::EndBatch(bool complete, uint32_t status, Exit exit)
         Member("count", batchDocuments_);
         Member("complete", complete);
     }
-    CloseDocument(status, exit);
-    return exit;
+    CloseDocument(batchStatus_, batchExit_);
+    return batchExit_;
 }
 
 } // namespace rsvpctl

@@ -29,6 +29,13 @@ struct Outcome {
     uint32_t status;
 };
 
+/** Why something did not come to its end. */
+struct Reason {
+    const char *stage; // as NameOf(Fault) has it, or "verify" for what was found when looking afterwards
+    std::string what;
+    StatusText text;
+};
+
 class Output {
 public:
     Output(Style style, Color color, FILE *document = stdout, FILE *messages = stderr);
@@ -49,8 +56,9 @@ public:
     Exit Record(const std::string &operation, const manager::RecordDescription &description, const void *record,
                 std::string (*view)(const void *record));
 
-    /** What a command would send. */
-    Exit Plan(const std::string &operation, const manager::Json &requests, const std::string &text);
+    /** What a command would send, and the command that takes it back; an empty text if there is none. */
+    Exit Plan(const std::string &operation, const manager::Json &requests, const std::string &undo,
+              const std::string &text);
 
     /** An operation that gave a status other than 0. */
     Exit Failed(const Outcome &failure);
@@ -58,8 +66,14 @@ public:
     /** Done or failed, as the status says. */
     Exit Report(const Outcome &outcome);
 
-    /** What no call of the library refused, in words of its own. */
-    Exit Wrong(const std::string &operation, const std::string &error, uint32_t status, Exit exit);
+    /** An operation that gave the status 0 and yet is not known to be done. */
+    Exit NotDone(const Outcome &outcome, const std::string &problem);
+
+    /** An answer that lacks what was asked for. */
+    Exit Wrong(const std::string &operation, const std::string &problem, uint32_t status, Exit exit);
+
+    /** A command that the system did not let come to its end: no process, no memory. */
+    Exit Broken(const std::string &operation, const std::string &problem);
 
     /** Arguments that cannot be taken; nothing was sent. */
     Exit WrongUsage(const std::string &operation, const UsageError &error);
@@ -86,7 +100,7 @@ public:
     /** From BeginBatch to EndBatch every document becomes a row of the batch's own, and messages name the line. */
     void BeginBatch(const std::string &file);
     void BatchLine(uint64_t line);
-    Exit EndBatch(bool complete, uint32_t status, Exit exit);
+    Exit EndBatch(bool complete);
 
     /** A line on standard error. */
     void Message(const std::string &text);
@@ -106,9 +120,14 @@ private:
     Exit Document(const std::string &operation, const char *name, const manager::Json &value, const std::string &text,
                   uint32_t status);
     void OpenDocument(const std::string &operation);
-    void CloseDocument(uint32_t status, Exit exit);
+    void CloseDocument(uint32_t status, Exit exit, const char *name = nullptr);
+    void EndWholeTable(const manager::WalkResult &result);
+    void CloseRows(const manager::WalkResult &result);
+    Exit Fail(const Outcome &failure, const std::string &headline, const Reason &reason);
+    void MemberReason(const Reason &reason);
     void Member(const char *name, const manager::Json &value);
     std::string Ending() const;
+    void Write(const std::string &line);
     void Complain(const std::string &text);
     bool Flush();
 
@@ -130,6 +149,8 @@ private:
     std::string batchFile_;
     uint64_t batchLine_ = 0;
     uint64_t batchDocuments_ = 0;
+    Exit batchExit_ = Exit::Done; // the highest of the lines, and the status of the first line that has it
+    uint32_t batchStatus_ = RSVP_MOR_OK;
     bool inBatch_ = false;
 };
 

@@ -3,6 +3,8 @@
 #ifndef TOOLS_RSVPCTL_PRINT_STATUSES_H
 #define TOOLS_RSVPCTL_PRINT_STATUSES_H
 
+#include "manager/exchange/exchange.h"
+
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -12,11 +14,12 @@ namespace rsvpctl {
 /** The tool's exit statuses. They are part of its interface: scripts test them. */
 enum class Exit : int {
     Done = 0,
-    Refused = 1,       // the daemon said no
-    Usage = 2,         // wrong arguments; nothing was sent
-    NoSession = 3,     // the daemon could not be reached
-    Exchange = 4,      // the exchange failed or the reply was out of format
-    NotEnabled = 5,    // the service does not run
+    Refused = 1,    // the daemon said no
+    Usage = 2,      // wrong arguments; nothing was sent
+    NoSession = 3,  // the daemon could not be reached
+    Exchange = 4,   // the exchange failed, the reply was out of format, a walk was broken, the state cannot be asked
+    NotEnabled = 5, // the service does not run
+    NotWritten = 7, // the output could not be written
     Interrupted = 130, // Ctrl-C, as a shell counts it
 };
 
@@ -34,8 +37,20 @@ std::span<const StatusText> KnownStatuses();
 /** The text of a status in general; a number without a name is the daemon's own. */
 const StatusText &Explain(uint32_t status);
 
-/** The text of a status that a certain library function returned: some codes have a narrower meaning there. */
-const StatusText &Explain(uint32_t status, std::string_view function);
+/** The text of a status that a certain library function returned, and why: a code has a narrower meaning there. */
+StatusText Explain(uint32_t status, std::string_view function, manager::Fault fault);
+
+/** Of a walk whose rows come again, and of a change that is not known to be done. */
+const StatusText &StuckText();
+const StatusText &NotDoneText();
+
+/** What a status of the simulated daemon's own means. Another daemon may mean something else by the same number. */
+struct SimulatedStatus {
+    uint32_t status;
+    const char *meaning;
+};
+
+std::span<const SimulatedStatus> SimulatedStatuses();
 
 } // namespace rsvpctl
 

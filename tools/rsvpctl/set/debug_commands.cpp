@@ -1,6 +1,7 @@
 // Debug switches and resets: the commands whose arguments are records of the daemon's numbers.
+#include "manager/record/key.h"
 #include "manager/table/tables.h"
-#include "tools/rsvpctl/command/command_line.h"
+#include "tools/rsvpctl/command/run.h"
 #include "tools/rsvpctl/command/session.h"
 #include "tools/rsvpctl/print/usage_error.h"
 #include "tools/rsvpctl/set/commands.h"
@@ -54,7 +55,16 @@ WireRequest RequestOf(uint8_t op, const RSVP_MOR_DebugSwitch &debug)
     Append(value, PairBytes(0, debug.session.tunnelId));
     Append(value, WordBytes(debug.session.extendedTunnelId));
     Append(value, WordBytes(debug.debugType));
-    return {kGlobalClass, op, {{kDebugItem, value}}};
+    return {kGlobalClass, op, {{kDebugItem, value, false, fmt::format("debug type {}", debug.debugType)}}};
+}
+
+std::string UndoOf(const DebugArguments &arguments)
+{
+    std::string undo = "debug undo " + arguments.type.Text();
+    if (arguments.endpoint.IsGiven())
+        undo += fmt::format(" --endpoint {} --tunnel-id {} --extended-tunnel-id {}", arguments.endpoint.Text(),
+                            arguments.tunnelId.Text(), arguments.extendedTunnelId.Text());
+    return undo;
 }
 
 void AddDebugVerb(CommandLine &line, const Node &group, const std::string &verb, uint8_t op, const std::string &help)
@@ -76,15 +86,30 @@ void AddDebugVerb(CommandLine &line, const Node &group, const std::string &verb,
         return out.Report(
             {command.name, "RSVP_MOR_SetDebug", "type " + arguments.type.Text(), RSVP_MOR_SetDebug(op, &debug)});
     };
-    command.requests = [arguments, op] { return std::vector<WireRequest>{RequestOf(op, SwitchOf(arguments))}; };
+    MakeRehearsable(command, [arguments, op, verb] {
+        Rehearsal rehearsal;
+        rehearsal.requests = {RequestOf(op, SwitchOf(arguments))};
+        if (verb == "set")
+            rehearsal.undo = UndoOf(arguments);
+        return rehearsal;
+    });
 }
 
 void AddDebugShow(CommandLine &line, const Node &group)
 {
     Command &command = line.Add(group, "show", "The state of the debug switches", "  rsvpctl debug show --json");
+    command.takesDetail = true;
     command.run = [&command](Output &out) {
         return ShowRecord(out, command.name, manager::kDebugSwitches, nullptr, "");
     };
+}
+
+Rehearsal ResetOf(WireItem item)
+{
+    Rehearsal rehearsal;
+    rehearsal.requests = {{kResetClass, 0, {std::move(item)}}};
+    rehearsal.noUndo = "nothing brings back what is cleared";
+    return rehearsal;
 }
 
 Exit ReportKey(Output &out, const Command &command, const char *function, const Option &key, uint32_t status)
@@ -96,7 +121,7 @@ Exit ReportKey(Output &out, const Command &command, const char *function, const 
 void AddResetStatistics(CommandLine &line, const Node &group)
 {
     Command &command = line.Add(group, "statistics", "Clear counters; the numbers are the daemon's",
-                                "  rsvpctl reset statistics 0,0\n  rsvpctl reset statistics statsId1=3,statsId2=1");
+                                "  rsvpctl reset statistics 0,0\n  rsvpctl reset statistics statsId1=1,statsId2=0");
     const Option key =
         command.node.AddKey("key,--key", manager::Describe<RSVP_MOR_StatisticsKey>(), "What to clear").Required();
     command.run = [&command, key](Output &out) {
@@ -105,30 +130,31 @@ void AddResetStatistics(CommandLine &line, const Node &group)
             return ReportKey(out, command, "RSVP_MOR_ResetStatistics", key, RSVP_MOR_ResetStatistics(fd, &which));
         });
     };
-    command.requests = [key] {
+    MakeRehearsable(command, [key] {
         const auto which = KeyOf<RSVP_MOR_StatisticsKey>(key);
         std::vector<uint8_t> value = WordBytes(which.statsId1);
         Append(value, ShortBytes(which.statsId2));
-        return std::vector<WireRequest>{{kResetClass, 0, {{kStatisticsItem, value}}}};
-    };
+        return ResetOf({kStatisticsItem, value, false, "counters " + key.Text()});
+    });
 }
 
 void AddResetAuth(CommandLine &line, const Node &group)
 {
-    Command &command = line.Add(group, "auth", "Reset one authentication entry", "  rsvpctl reset auth 1,2,3,4");
+    Command &command =
+        line.Add(group, "auth", "Reset one authentication entry", "  rsvpctl reset auth 10.1.12.2,0,0,0");
     const Option key =
         command.node.AddKey("key,--key", manager::Describe<RSVP_MOR_AuthEntryKey>(), "The entry").Required();
     command.run = [&command, key](Output &out) {
         const auto entry = KeyOf<RSVP_MOR_AuthEntryKey>(key);
         return ReportKey(out, command, "RSVP_MOR_ResetAuth", key, RSVP_MOR_ResetAuth(&entry));
     };
-    command.requests = [key] {
+    MakeRehearsable(command, [key] {
         const auto entry = KeyOf<RSVP_MOR_AuthEntryKey>(key);
         std::vector<uint8_t> value = WordBytes(entry.authId1);
         Append(value, WordBytes(entry.authId2));
         Append(value, PairBytes(entry.authId3, entry.authId4));
-        return std::vector<WireRequest>{{kResetClass, 0, {{kAuthEntryItem, value}}}};
-    };
+        return ResetOf({kAuthEntryItem, value, false, "authentication entry " + key.Text()});
+    });
 }
 
 } // namespace
@@ -142,7 +168,7 @@ void AddDebugCommands(CommandLine &line)
     AddDebugShow(line, debug);
 
     const Node reset = line.AddGroup(line.Root(), "reset", "Clear counters or an authentication entry",
-                                     "  rsvpctl reset statistics 0,0\n  rsvpctl reset auth 1,2,3,4");
+                                     "  rsvpctl reset statistics 0,0\n  rsvpctl reset auth 10.1.12.2,0,0,0");
     AddResetStatistics(line, reset);
     AddResetAuth(line, reset);
 }

@@ -1,9 +1,12 @@
 // The service as a whole: enable, disable, the yes-or-no capability calls, the option file.
-#include "tools/rsvpctl/command/command_line.h"
+#include "host/platform/options.h"
+#include "manager/record/text.h"
+#include "tools/rsvpctl/command/run.h"
 #include "tools/rsvpctl/set/commands.h"
+#include "tools/rsvpctl/set/verify.h"
 
-#include <array>
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 namespace rsvpctl {
 namespace {
@@ -12,20 +15,33 @@ constexpr uint16_t kRsvpOnInterfaceItem = 18;
 constexpr uint16_t kDisableItem = 20;
 
 // Enabling sends nothing: the start of the service, which the service manager does, is the enabling.
-std::vector<WireRequest> RequestsOfGlobal(bool on)
+Rehearsal RehearseGlobal(bool on)
 {
-    if (on)
-        return {};
-    return {{kGlobalClass, kUndoOperation, {{kDisableItem, {}}}}};
+    Rehearsal rehearsal;
+    if (on) {
+        rehearsal.instead = "the service manager starts the service on the master and the standby nodes";
+        rehearsal.undo = "disable";
+    } else {
+        rehearsal.requests = {{kGlobalClass, kUndoOperation, {{kDisableItem, {}, false, "disable"}}}};
+        rehearsal.undo = "enable";
+    }
+    return rehearsal;
 }
 
-void AddEnable(CommandLine &line, const std::string &word, uint32_t op, const std::string &help)
+Exit ChangeGlobal(Output &out, bool on, const Outcome &outcome)
 {
+    return on ? ReportStart(out, outcome) : ReportStop(out, outcome);
+}
+
+void AddEnable(CommandLine &line, const std::string &word, bool on, const std::string &help)
+{
+    const uint32_t op = on ? 0 : 1;
     Command &command = line.Add(line.Root(), word, help, "  rsvpctl " + word);
-    command.run = [&command, op](Output &out) {
-        return out.Report({command.name, fmt::format("RSVP_MOR_SetMplsRsvp({})", op), "", RSVP_MOR_SetMplsRsvp(op)});
+    command.run = [&command, on, op](Output &out) {
+        return ChangeGlobal(
+            out, on, {command.name, fmt::format("RSVP_MOR_SetMplsRsvp({})", op), "", RSVP_MOR_SetMplsRsvp(op)});
     };
-    command.requests = [op] { return RequestsOfGlobal(op == 0); };
+    MakeRehearsable(command, [on] { return RehearseGlobal(on); });
 }
 
 Option AddOnOff(const Node &node)
@@ -42,37 +58,65 @@ void AddCapability(CommandLine &line)
         line.Add(group, "global", "Of the device, as enable and disable", "  rsvpctl capability global on");
     const Option globalState = AddOnOff(global.node);
     global.run = [&global, globalState](Output &out) {
-        const std::string state = globalState.Text();
-        return out.Report(
-            {global.name, "RSVP_SetGlobalCapability", state, RSVP_SetGlobalCapability(state == "on" ? 1 : 0)});
+        const bool on = globalState.Text() == "on";
+        const uint32_t capability = on ? 1 : 0;
+        return ChangeGlobal(out, on,
+                            {global.name, fmt::format("RSVP_SetGlobalCapability({})", capability), globalState.Text(),
+                             RSVP_SetGlobalCapability(capability)});
     };
-    global.requests = [globalState] { return RequestsOfGlobal(globalState.Text() == "on"); };
+    MakeRehearsable(global, [globalState] { return RehearseGlobal(globalState.Text() == "on"); });
 
     Command &interface = line.Add(group, "interface", "Of an interface, as set and undo interface",
                                   "  rsvpctl capability interface 3 off");
     const Option ifIndex = interface.node.AddNumber("ifIndex,--interface", UINT32_MAX, "Interface index").Required();
     const Option state = AddOnOff(interface.node);
     interface.run = [&interface, ifIndex, state](Output &out) {
-        return out.Report({interface.name, "RSVP_SetIfCapability", ifIndex.Text() + " " + state.Text(),
-                           RSVP_SetIfCapability(ifIndex.Number(), state.Text() == "on" ? 1 : 0)});
+        return ReportChange(out, {interface.name, "RSVP_SetIfCapability", ifIndex.Text() + " " + state.Text(),
+                                  RSVP_SetIfCapability(ifIndex.Number(), state.Text() == "on" ? 1 : 0)});
     };
-    interface.requests = [ifIndex, state]() -> std::vector<WireRequest> {
-        return {{kInterfaceClass,
-                 state.Text() == "on" ? kSetOperation : kUndoOperation,
-                 {{kInterfaceItem, WordBytes(ifIndex.Number())}, {kRsvpOnInterfaceItem, {}}}}};
-    };
+    MakeRehearsable(interface, [ifIndex, state] {
+        const bool on = state.Text() == "on";
+        Rehearsal rehearsal;
+        rehearsal.requests = {{kInterfaceClass,
+                               on ? kSetOperation : kUndoOperation,
+                               {InterfaceItem(ifIndex.Number()), {kRsvpOnInterfaceItem, {}, false, "interface"}}}};
+        rehearsal.undo = fmt::format("capability interface {} {}", ifIndex.Text(), on ? "off" : "on");
+        return rehearsal;
+    });
+}
+
+// The values of the named options in the file's first plug-in option; null for one that it does not have.
+uint32_t ReadOptions(const std::vector<std::string> &names, manager::Json &values)
+{
+    std::vector<HostOption> table;
+    for (const std::string &name : names)
+        table.push_back({name.c_str(), static_cast<uint32_t>(table.size() * sizeof(uint32_t))});
+    table.push_back({nullptr, 0});
+    // An option that is not there leaves its place alone, so it keeps what was there in both readings.
+    std::vector<uint32_t> ones(names.size(), UINT32_MAX);
+    std::vector<uint32_t> zeros(names.size(), 0);
+    for (std::vector<uint32_t> *target : {&ones, &zeros}) {
+        if (const uint32_t status = RSVP_Opt_Parse(target->data(), table.data()); status != RSVP_MOR_OK)
+            return status;
+    }
+    for (size_t i = 0; i < names.size(); ++i)
+        values[names[i]] = ones[i] == zeros[i] ? manager::Json(ones[i]) : manager::Json();
+    return RSVP_MOR_OK;
 }
 
 void AddOptionsCheck(CommandLine &line)
 {
-    Command &command =
-        line.Add(line.Root(), "options", "Check that the option file can be read and has a plug-in option",
-                 "  rsvpctl options");
-    command.run = [&command](Output &out) {
-        // An empty table knows no option by name: what is checked is the file, and no value is taken from it.
-        std::array<uint64_t, 64> table{};
-        std::array<uint64_t, 64> target{};
-        return out.Report({command.name, "RSVP_Opt_Parse", "", RSVP_Opt_Parse(target.data(), table.data())});
+    Command &command = line.Add(line.Root(), "options", "The values in the option file's first plug-in option",
+                                "  rsvpctl options refresh dscp");
+    const Option names =
+        command.node.AddWords("names", "NAME...", "The options that may be there; others are refused")
+            .Required();
+    command.run = [&command, names](Output &out) {
+        manager::Json values = manager::Json::object();
+        const uint32_t status = ReadOptions(names.Words(), values);
+        return status == RSVP_MOR_OK
+                   ? out.Record(command.name, values)
+                   : out.Failed({command.name, "RSVP_Opt_Parse", manager::Joined(names.Words(), " "), status});
     };
 }
 
@@ -80,8 +124,8 @@ void AddOptionsCheck(CommandLine &line)
 
 void AddServiceCommands(CommandLine &line)
 {
-    AddEnable(line, "enable", 0, "Start the service on the master and the standby nodes");
-    AddEnable(line, "disable", 1, "Tell the daemon, then stop the service everywhere, the master last");
+    AddEnable(line, "enable", true, "Start the service on the master and the standby nodes");
+    AddEnable(line, "disable", false, "Tell the daemon, then stop the service everywhere, the master last");
     AddCapability(line);
     AddOptionsCheck(line);
 }

@@ -1,9 +1,10 @@
 // `set` and `undo`: one command a setting, made from the table of settings. A setting that exists at several levels
 // is one command, and --interface and --peer choose the row.
-#include "tools/rsvpctl/command/command_line.h"
+#include "tools/rsvpctl/command/run.h"
 #include "tools/rsvpctl/print/usage_error.h"
 #include "tools/rsvpctl/set/commands.h"
 #include "tools/rsvpctl/set/settings.h"
+#include "tools/rsvpctl/set/verify.h"
 
 #include <fmt/format.h>
 
@@ -91,15 +92,34 @@ Exit RunSetting(Output &out, const std::string &operation, const SettingCommand 
     SettingArguments arguments;
     ReadArguments(command, row, arguments);
     const uint32_t status = row.apply(command.undo ? 1 : 0, arguments);
-    return out.Report({operation, row.function, Asked(command, row), status});
+    return ReportChange(out, {operation, row.function, Asked(command, row), status});
 }
 
-std::vector<WireRequest> RequestsOfSetting(const SettingCommand &command)
+// The command that takes a setting back.
+std::string UndoOf(const SettingCommand &command, const Setting &row)
+{
+    if (IsLevelItself(row))
+        return fmt::format("undo {} {}", row.name, Asked(command, row));
+    const std::string level = command.ifIndex.IsGiven() ? " --interface " + command.ifIndex.Text()
+                              : command.peer.IsGiven()  ? " --peer " + command.peer.Text()
+                                                        : "";
+    return fmt::format("undo {}{}", row.name, level);
+}
+
+Rehearsal RehearseSetting(const SettingCommand &command)
 {
     const Setting &row = Chosen(command);
     SettingArguments arguments;
     ReadArguments(command, row, arguments);
-    return {RequestOf(row, arguments)};
+    Rehearsal rehearsal;
+    rehearsal.requests = {RequestOf(row, arguments)};
+    if (command.undo)
+        return rehearsal;
+    if (row.undo == Undo::Sent)
+        rehearsal.undo = UndoOf(command, row);
+    else
+        rehearsal.noUndo = fmt::format("set the {} that it has now again", row.argument);
+    return rehearsal;
 }
 
 void AddOptions(const Node &node, SettingCommand &command)
@@ -118,19 +138,27 @@ void AddOptions(const Node &node, SettingCommand &command)
     }
     if (first.argument != nullptr) {
         const std::string argument = first.argument;
-        const uint64_t max = MaximumOf(first.kind);
-        command.number = node.AddNumber(argument + ",--" + argument, max, first.help).Required(!command.undo);
-        if (first.kind == ValueKind::Pair)
+        const uint64_t max = MaximumOf(first);
+        const std::string unit = first.unit == nullptr ? "" : first.unit;
+        const bool pair = first.kind == ValueKind::Pair;
+        command.number = node.AddNumber(argument + ",--" + argument, max, pair ? "First number" : first.help, unit)
+                             .Required(!command.undo);
+        if (pair)
             command.secondNumber = node.AddNumber("second,--second", max, "Second number").Required(!command.undo);
     }
     if (first.kind == ValueKind::Key)
-        command.keyFile = node.AddFile("--key-file", "File with the key, at most 68 bytes, or - for standard input; "
-                                                     "a line end after a shorter key is dropped")
-                              .Required(!command.undo);
+        command.keyFile =
+            node.AddFile("--key-file", "File with the key, 1 to 68 bytes, or - for standard input; a line "
+                                       "end after a shorter key is dropped")
+                .Required(!command.undo);
 }
 
-std::string Example(const std::string &verb, const Setting &row)
+constexpr const char *kMakeKey = "  head -c 48 /dev/urandom | base64 > key.txt\n";
+
+// What can be undone by no message is undone by setting another number.
+std::string Example(const Setting &row, bool undo)
 {
+    const std::string verb = undo && row.undo != Undo::None ? "undo" : "set";
     const bool numbers = row.argument != nullptr && (verb == "set" || row.undo == Undo::Number);
     std::string text = "  rsvpctl " + verb + " " + row.name;
     if (IsLevelItself(row))
@@ -148,9 +176,9 @@ std::string UndoNote(const Setting &row)
 {
     switch (row.undo) {
     case Undo::None:
-        return "  (cannot be taken back; set another number)";
+        return "  # has no undo: set another number";
     case Undo::Number:
-        return "  (takes the number to go back to)";
+        return "  # takes the number to go back to";
     default:
         return "";
     }
@@ -164,16 +192,18 @@ void AddVerb(CommandLine &line, const std::string &verb, const std::string &help
     for (size_t i = 0; i < all.size();) {
         auto setting = std::make_shared<SettingCommand>();
         setting->undo = undo;
-        std::string lines;
+        std::string lines = all[i].kind == ValueKind::Key && !undo ? kMakeKey : "";
         const std::string_view name = all[i].name;
         for (; i < all.size() && all[i].name == name; ++i) {
             setting->rows.push_back(&all[i]);
-            lines += (lines.empty() ? "" : "\n") + Example(verb, all[i]) + (undo ? UndoNote(all[i]) : "");
+            lines += (lines.empty() || lines.ends_with('\n') ? "" : "\n") + Example(all[i], undo) +
+                     (undo ? UndoNote(all[i]) : "");
         }
         Command &command = line.Add(group, std::string(name), setting->rows.front()->help, lines);
+        command.takesSecret = setting->rows.front()->kind == ValueKind::Key;
         AddOptions(command.node, *setting);
         command.run = [&command, setting](Output &out) { return RunSetting(out, command.name, *setting); };
-        command.requests = [setting] { return RequestsOfSetting(*setting); };
+        MakeRehearsable(command, [setting] { return RehearseSetting(*setting); });
     }
 }
 
@@ -185,6 +215,7 @@ void AddSettingCommands(CommandLine &line)
             "  rsvpctl set refresh-interval 30\n"
             "  rsvpctl set interface 3\n"
             "  rsvpctl set retrans-interval 500 --interface 3\n"
+            "  head -c 48 /dev/urandom | base64 > key.txt\n"
             "  rsvpctl set auth-key --key-file key.txt --peer 10.0.0.9");
     AddVerb(line, "undo", "Take a setting back",
             "  rsvpctl undo interface 3\n"

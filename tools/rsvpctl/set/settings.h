@@ -44,14 +44,16 @@ struct Setting {
     const char *function;
     uint32_t (*apply)(uint32_t op, const SettingArguments &arguments);
     const char *help;
+    const char *unit = nullptr; // what the number counts; null where the standard leaves it to the daemon
+    uint8_t most = 0;           // the largest number that the standard gives; 0: whatever the field holds
 };
 
 std::span<const Setting> AllSettings();
 
-/** The largest number that the setting's field holds. */
-uint64_t MaximumOf(ValueKind kind);
+/** The largest number that the setting takes: the standard's, or else what its field holds. */
+uint64_t MaximumOf(const Setting &setting);
 
-/** The request that the setting would send. */
+/** The request that the setting would send, with its items in words. */
 WireRequest RequestOf(const Setting &setting, const SettingArguments &arguments);
 
 } // namespace rsvpctl

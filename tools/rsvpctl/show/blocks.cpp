@@ -1,11 +1,13 @@
 // Reading of blocks with the numbers that the library leaves to its caller.
 #include "tools/rsvpctl/show/blocks.h"
 
+#include "manager/record/json.h"
 #include "manager/record/key.h"
 #include "manager/table/tables.h"
 #include "tools/rsvpctl/command/session.h"
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 namespace rsvpctl {
 namespace {
@@ -20,7 +22,13 @@ Option AddDefaultNumber(const Node &node, const std::string &name, uint64_t max,
 
 std::string BlockExamples(const std::string &command, const ShowSpec &show)
 {
-    return fmt::format("  rsvpctl {0} --key {1}\n  rsvpctl {0} --key-file key.json --json", command, show.keyExample);
+    const manager::RecordDescription &description = show.table->key();
+    std::vector<std::byte> key(description.size);
+    RequireKey(description, show.keyExample, key.data());
+    return fmt::format("  rsvpctl {0} --key {1}\n"
+                       "  echo '{2}' > key.json\n"
+                       "  rsvpctl {0} --key-file key.json --json",
+                       command, show.keyExample, ToJson(description, key.data()).dump());
 }
 
 BlockOptions AddBlockOptions(const Node &node, const ShowSpec &show)

@@ -123,7 +123,7 @@ Json StatusMembers()
 {
     return {{"status", Integer(UINT32_MAX)},
             {"statusName", Text()},
-            {"exitStatus", {{"anyOf", {Integer(5), {{"const", static_cast<int>(Exit::Interrupted)}}}}}}};
+            {"exitStatus", {{"anyOf", {Integer(7), {{"const", static_cast<int>(Exit::Interrupted)}}}}}}};
 }
 
 const std::map<std::string, Json> &MembersOfAnswers()
@@ -136,7 +136,13 @@ const std::map<std::string, Json> &MembersOfAnswers()
         {"record", {{"type", "object"}}},
         {"requests", ArrayOf(Reference("request"))},
         {"function", Text()},
+        {"stage", OneOfTexts({"local", "open", "send", "receive", "reply", "refused", "verify"})},
+        {"seconds", {{"type", "number"}, {"minimum", 0}}},
+        {"whatHappened", Text()},
         {"likelyCause", Text()},
+        {"whatToDo", Text()},
+        {"undo", NullOr(Text())},
+        {"after", NullOr(Text())},
         {"error", Text()},
         {"rows", ArrayOf({{"type", "object"}})},
         {"count", Integer(UINT64_MAX)},
@@ -157,14 +163,18 @@ Json Form(const char *title, const std::vector<std::string> &own)
 
 Json Forms()
 {
-    return {Form("a command that was done", {"asked"}),
-            Form("one record", {"record"}),
-            Form("what a command would send", {"requests"}),
-            Form("an operation that failed", {"function", "asked", "likelyCause"}),
-            Form("an error in words of its own", {"error"}),
-            Form("the rows of a walk", {"rows", "count", "complete", "end", "function"}),
-            Form("a list", {"rows", "count", "complete"}),
-            Form("the lines of a batch", {"file", "rows", "count", "complete"})};
+    return {
+        Form("a command that was done", {"asked"}),
+        Form("one record", {"record"}),
+        Form("what a command would send", {"requests", "undo"}),
+        Form("an operation that failed",
+             {"function", "asked", "stage", "seconds", "whatHappened", "likelyCause", "whatToDo"}),
+        Form("an error in words of its own", {"error"}),
+        Form("the rows of a walk", {"rows", "count", "complete", "end", "function"}),
+        Form("the rows of a walk that did not come to its end",
+             {"rows", "count", "complete", "end", "function", "after", "whatHappened", "likelyCause", "whatToDo"}),
+        Form("a list", {"rows", "count", "complete"}),
+        Form("the lines of a batch", {"file", "rows", "count", "complete"})};
 }
 
 Json Rule(const std::string &operation, Json record, Json row)
@@ -186,10 +196,12 @@ Json Rules()
         rules.push_back(Rule(std::string("show ") + show.words, show.HasRecord() ? RecordOf(show) : Json(false),
                              show.HasRows() ? RecordOf(show) : Json(false)));
     rules.push_back(Rule("debug show", Reference(Describe<RSVP_MOR_DebugInfo>().name), false));
-    for (const char *name : {"status", "tree"})
+    for (const char *name : {"status", "tree", "options"})
         rules.push_back(Rule(name, Reference(name), false));
     for (const char *shell : {"bash", "zsh"})
         rules.push_back(Rule("completion " + std::string(shell), Reference("completion"), false));
+    for (const char *name : {"help", "version"})
+        rules.push_back(Rule(name, Reference(name), false));
     rules.push_back(Rule("explain", Reference("statusText"), Reference("statusText")));
     rules.push_back(Rule("batch", false, {{"allOf", {Reference("answer"), {{"required", {"line"}}}}}}));
     return rules;
@@ -250,13 +262,14 @@ void AddOwnRecords(Json &definitions)
                                      {"op", Integer(UINT8_MAX)},
                                      {"items", ArrayOf(Object({{"type", Integer(UINT16_MAX)},
                                                                {"length", Integer(UINT16_MAX)},
-                                                               {"value", Pattern("^([0-9a-f]{2}|hidden)*$")}}))}});
+                                                               {"value", Pattern("^([0-9a-f]{2}|hidden)*$")},
+                                                               {"meaning", Text()}}))}});
     definitions["counters"] = Object({{"frrInterfaces", Integer(UINT32_MAX)},
                                       {"activeFrrInterfaces", Integer(UINT32_MAX)},
                                       {"activeBypassTunnels", Integer(UINT32_MAX)},
                                       {"upLsps", Integer(UINT32_MAX)}});
     definitions["status"] =
-        Object({{"service", OneOfTexts({"running", "stopped"})},
+        Object({{"service", OneOfTexts({"running", "stopped", "unknown"})},
                 {"daemon", OneOfTexts({"answers", "does not answer"})},
                 {"upLsps", NullOr(Integer(UINT32_MAX))},
                 {"nodes", ArrayOf(Object({{"node", Integer(UINT32_MAX)},
@@ -264,10 +277,14 @@ void AddOwnRecords(Json &definitions)
                                           {"service", OneOfTexts({"running", "stopped", "unknown"})}}))}});
     definitions["statusText"] = Object({{"code", Pattern("^0x[0-9a-f]{8}$")},
                                         {"name", Text()},
-                                        {"exitStatus", Integer(5)},
+                                        {"exitStatus", Integer(7)},
                                         {"likelyCause", Text()},
-                                        {"whatToDo", Text()}});
+                                        {"whatToDo", Text()},
+                                        {"fromSimulatedDaemon", NullOr(Text())}});
     definitions["completion"] = Object({{"shell", OneOfTexts({"bash", "zsh"})}, {"script", Text()}});
+    definitions["help"] = Object({{"command", Text()}, {"help", Text()}});
+    definitions["version"] = Object({{"version", Text()}});
+    definitions["options"] = {{"type", "object"}, {"additionalProperties", NullOr(Integer(UINT32_MAX))}};
     definitions["hop"] = Object({{"address", Reference("address")},
                                  {"label", NullOr(Integer(UINT32_MAX))},
                                  {"leaves", ArrayOf(Reference("address"))},

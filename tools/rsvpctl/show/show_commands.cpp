@@ -25,9 +25,9 @@ struct GroupSpec {
 };
 
 constexpr GroupSpec kGroups[] = {
-    {"frr", "Fast reroute tables", "facility\ngeneral --key 1,1,1"},
-    {"hops", "Hops of tunnels", "computed\nactual --key 1,2\nextended"},
-    {"p2mp", "Point-to-multipoint state, one block by its key", "psb --key-file key.json\ncrlsp --key-file key.json"},
+    {"frr", "Fast reroute tables", "facility\ngeneral --key 100,1,10.0.0.1"},
+    {"hops", "Hops of tunnels", "computed\nactual --key 100,1\nextended"},
+    {"p2mp", "Point-to-multipoint state, one block by its key", "crlsp --key 500,10.0.0.1,10.0.0.1,50,1,0,0,0,0,0,0"},
 };
 
 /** The options of a walk; those that a table does not have are never given. */
@@ -81,8 +81,8 @@ Exit ShowRows(Output &out, const std::string &operation, const ShowSpec &show, c
     {
         Progress progress;
         uint64_t rows = 0;
-        const void *behind = options.after.IsGiven() ? after.data() : nullptr;
-        result = Walk(table, session.Fd(), behind, [&](void *row) {
+        const void *from = options.after.IsGiven() ? after.data() : nullptr;
+        result = Walk(table, session.Fd(), from, [&](void *row) {
             bool written = true;
             if (show.takes == nullptr || show.takes(filter, row)) {
                 progress.BeforeRow();
@@ -127,22 +127,25 @@ RowOptions AddRowOptions(const Node &node, const ShowSpec &show)
 std::string Examples(const std::string &name, const ShowSpec &show)
 {
     const std::string command = "  rsvpctl " + name;
-    if (show.keyExample != nullptr)
+    if (show.IsBlock())
         return BlockExamples(name, show);
     if (!show.HasRows())
         return command + "\n" + command + " --json";
+    const std::string after = "\n" + command + " --after " + show.keyExample;
     if (show.takes != nullptr)
-        return command + "\n" + command + " --detail --tunnel-id 100\n" + command + " --end-point 10.0.0.4 --json";
-    const std::string shape = KeyShape(show.table->key());
-    return command + "\n" + command + " --json\n" + command + " --after " + shape +
-           (show.HasRecord() ? "\n" + command + " " + shape : "");
+        return command + "\n" + command + " --tunnel-id 100\n" + command + " --end-point 10.0.0.4 --json" + after;
+    return command + "\n" + command + " --json" + after +
+           (show.HasRecord() ? "\n" + command + " " + show.keyExample : "");
 }
 
 void AddShow(CommandLine &line, Node parent, const std::string &word, const ShowSpec &show)
 {
     const std::string name = parent.Path() + " " + word;
     Command &command = line.Add(parent, word, show.help, Examples(name, show));
+    for (const char *alias : show.aliases)
+        command.node.AddAlias(alias);
     command.mayBeLong = true;
+    command.takesDetail = true;
     if (show.table == nullptr) {
         command.run = [&command](Output &out) { return ShowCounters(out, command.name); };
     } else if (show.HasRows()) {
@@ -151,7 +154,7 @@ void AddShow(CommandLine &line, Node parent, const std::string &word, const Show
             return options.key.IsGiven() ? ShowRow(out, command.name, show, options.key)
                                          : ShowRows(out, command.name, show, options);
         };
-    } else if (show.keyExample != nullptr) {
+    } else if (show.IsBlock()) {
         const BlockOptions options = AddBlockOptions(command.node, show);
         command.run = [&command, &show, options](Output &out) {
             return WithBlock(out, command.name, show, options, [&](void *block) {
@@ -179,9 +182,9 @@ void AddShowCommands(CommandLine &line, Node parent)
 {
     const Node shows = line.AddGroup(parent, "show", "Read settings, counters, tables and state",
                                      "  rsvpctl show global\n"
-                                     "  rsvpctl show interfaces 3 --json\n"
+                                     "  rsvpctl show interfaces 1 --json\n"
                                      "  rsvpctl show tunnels --ingress\n"
-                                     "  rsvpctl show neighbours --after 1,0        the rows after this key");
+                                     "  rsvpctl show neighbours --after 10.1.12.2,0       # the rows after this key");
     std::map<std::string, Node> groups;
     for (const ShowSpec &show : AllShows()) {
         const std::string words = show.words;

@@ -9,6 +9,7 @@
 
 #include <span>
 #include <string_view>
+#include <vector>
 
 namespace rsvpctl {
 
@@ -19,9 +20,11 @@ struct ShowSpec {
     const RowView *view = nullptr;                // null: the fields of the record as columns
     RowFilter takes = nullptr;                    // not null: rows can be chosen by tunnel, LSP, end point and sender
     const manager::Table *ingressTable = nullptr; // what --ingress reads instead
-    const char *keyExample = nullptr;             // of a block that is read by its key alone
+    const char *keyExample = nullptr;             // of a row of the demo's; null for what has no key
+    std::vector<const char *> aliases = {};       // other names of the last word
 
     bool HasRows() const { return table != nullptr && table->next.function != nullptr; }
+    bool IsBlock() const { return table != nullptr && table->ask != nullptr; } // read by its key alone
     bool HasRecord() const { return table == nullptr || table->get.function != nullptr; }
 };
 

@@ -66,10 +66,10 @@ void AddTreeCommand(CommandLine &line)
                 KeepLeaf(record, leaf.Address());
             const HopTree tree = TreeOf(record);
             if (leaf.IsGiven() && tree.leafCount == 0)
-                return out.Wrong(command.name,
-                                 fmt::format("{}: the LSP has no leaf {} (leaves: {})", command.name,
-                                             manager::DottedText(leaf.Address()), leaves),
-                                 RSVP_MOR_ERR_NOT_EXIST, Exit::Refused);
+                return out.Wrong(
+                    command.name,
+                    fmt::format("the LSP has no leaf {} (leaves: {})", manager::DottedText(leaf.Address()), leaves),
+                    RSVP_MOR_ERR_NOT_EXIST, Exit::Refused);
             if (out.IsJson())
                 return out.Record(command.name, ToJson(tree));
             return out.Help(dot.IsGiven() ? DotOf(tree) : DrawTree(tree, ascii.IsGiven() || !LocaleIsUtf8()));

@@ -39,6 +39,8 @@ using manager::Json;
         exit = run(out);
     } catch (const UsageError &error) {
         exit = out.WrongUsage("watch", error);
+    } catch (const std::exception &error) {
+        exit = out.Broken("watch", error.what());
     }
     _exit(static_cast<int>(out.Finish(exit)));
 }

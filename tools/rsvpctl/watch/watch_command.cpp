@@ -109,16 +109,18 @@ public:
         if (status == std::exchange(lastStatus_, status))
             return true;
         const bool failed = status != RSVP_MOR_OK;
-        const std::string cause = poll.document.is_object()
-                                      ? poll.document.value("likelyCause", Explain(status).cause)
-                                      : "the process that asked ended before it had the answer";
+        std::string name = Explain(status).name;
+        std::string cause = "the process that asked ended before it had the answer";
+        if (poll.document.is_object()) {
+            name = poll.document.value("statusName", name);
+            cause = poll.document.value("likelyCause", Explain(status).cause);
+        }
         const double now = SecondsNow();
         Json line = Head(failed ? "failed" : "recovered", now);
         line["status"] = status;
-        line["statusName"] = Explain(status).name;
+        line["statusName"] = name;
         if (!out_.IsJson())
-            out_.Message(failed ? fmt::format("{} failed   {:#010x} {}: {}", TimeForPeople(now), status,
-                                              Explain(status).name, cause)
+            out_.Message(failed ? fmt::format("{} failed   {:#010x} {}: {}", TimeForPeople(now), status, name, cause)
                                 : fmt::format("{} recovered", TimeForPeople(now)));
         return out_.Line(line, "");
     }
@@ -238,9 +240,9 @@ void AddWatchCommands(CommandLine &line)
     const Node watch = line.AddGroup(line.Root(), "watch",
                                      "Repeat a show, or the status, and print what was added, changed or removed",
                                      "  rsvpctl watch show psb\n"
-                                     "  rsvpctl watch show interfaces --interval 10       counters as rates\n"
+                                     "  rsvpctl watch show interfaces --interval 10       # counters as rates\n"
                                      "  rsvpctl watch status --interval 500ms --duration 1m\n"
-                                     "  rsvpctl watch show psb --initial --json           one object a line");
+                                     "  rsvpctl watch show psb --initial --json           # one object a line");
     const WatchOptions options{
         watch.AddDuration("--interval", kLeastInterval, kMostInterval,
                           fmt::format("Time between polls (default {})", manager::DurationText(kDefaultInterval))),
@@ -253,6 +255,7 @@ void AddWatchCommands(CommandLine &line)
     for (Command *command : line.CommandsBelow(watch.Path())) {
         command->inBatch = false;
         command->mayBeLong = false;
+        command->takesDetail = false;
         command->run = [command, read = command->run, options](Output &out) {
             return Watch(out, *command, read, options);
         };

@@ -1,0 +1,168 @@
+// The top level of a scenario: one reader for each key it may have.
+#include "host/daemon/scenario/scenario.h"
+
+#include "host/daemon/scenario/generator.h"
+#include "host/daemon/scenario/rows.h"
+
+#include <filesystem>
+#include <fmt/format.h>
+#include <fstream>
+#include <iterator>
+
+namespace rsvpsimd {
+
+namespace {
+
+constexpr std::string_view kNoSuchKey = "there is no such key";
+
+const Node::Table &AsTable(const Node &node, std::string_view key)
+{
+    if (const auto *table = node.As<Node::Table>())
+        return *table;
+    Refuse(node.line, key, "must be a table");
+}
+
+// Calls `read` with each table of an array, and adds line and key to what it throws.
+template <typename Reader> void ForEachTable(const Member &member, const Reader &read)
+{
+    const auto *array = member.node.As<Node::Array>();
+    if (array == nullptr)
+        Refuse(member.node.line, member.name, fmt::format("must be an array of tables, as in [[{}]]", member.name));
+    for (const Node &element : *array) {
+        try {
+            read(AsTable(element, member.name));
+        } catch (const std::invalid_argument &error) {
+            Refuse(element.line, member.name, error.what());
+        }
+    }
+}
+
+void AddRow(Table &rows, const Node::Table &table)
+{
+    if (!rows.Insert(EncodeRow(rows.Kind(), ReadRow(table, rows.Kind()))))
+        throw std::invalid_argument("another row has the same key");
+}
+
+void ReadCounters(Device &device, const Node::Table &table)
+{
+    const auto counts = AllCounts();
+    for (const Member &member : table) {
+        if (std::ranges::find(counts, member.name, &Count::name) == counts.end())
+            Refuse(member.line, member.name, "there is no such count");
+        device.SetCount(member.name, static_cast<uint32_t>(NumberIn(member, 0xFFFFFFFF)));
+    }
+}
+
+void ReadRowCounts(Device &device, const Node::Table &table)
+{
+    for (const Member &member : table) {
+        try {
+            MakeRows(device, member.name, static_cast<uint32_t>(NumberIn(member, kMostRows)));
+        } catch (const std::invalid_argument &error) {
+            Refuse(member.line, member.name, error.what());
+        }
+    }
+}
+
+// False if the member is not part of a selector.
+bool ReadSelector(Selector &selector, const Member &member)
+{
+    if (member.name == "class")
+        selector.msgClass = static_cast<uint8_t>(NumberIn(member, 0xFF));
+    else if (member.name == "op")
+        selector.op = static_cast<uint8_t>(NumberIn(member, 0xFF));
+    else if (member.name == "item")
+        selector.item = static_cast<uint16_t>(NumberIn(member, 0xFFFF));
+    else
+        return false;
+    return true;
+}
+
+Fault ReadFault(const Node::Table &table)
+{
+    std::string kind;
+    std::optional<uint64_t> number;
+    Selector requests;
+    bool once = false;
+    for (const Member &member : table) {
+        if (const auto *text = member.node.As<std::string>(); text != nullptr && member.name == "kind")
+            kind = *text;
+        else if (const auto *flag = member.node.As<bool>(); flag != nullptr && member.name == "once")
+            once = *flag;
+        else if (member.name == "number")
+            number = NumberIn(member, 0xFFFFFFFF);
+        else if (!ReadSelector(requests, member))
+            Refuse(member.line, member.name, kNoSuchKey);
+    }
+    Fault fault = MakeFault(kind, number);
+    fault.requests = requests;
+    fault.once = once;
+    return fault;
+}
+
+Refusal ReadRefusal(const Node::Table &table)
+{
+    Refusal refusal;
+    for (const Member &member : table) {
+        if (member.name == "status")
+            refusal.status = static_cast<uint32_t>(NumberIn(member, 0xFFFFFFFF));
+        else if (!ReadSelector(refusal.requests, member))
+            Refuse(member.line, member.name, kNoSuchKey);
+    }
+    if (refusal.status == 0)
+        throw std::invalid_argument("needs a status that is not 0");
+    return refusal;
+}
+
+Behaviour ReadTop(Device &device, const Node &document)
+{
+    Behaviour behaviour;
+    for (const Member &member : AsTable(document, "")) {
+        const std::string &name = member.name;
+        const Node &node = member.node;
+        const RowKind *kind = FindRowKind(name);
+        if (kind != nullptr && kind->name == name)
+            ForEachTable(member, [&](const auto &table) { AddRow(device.Rows(*kind), table); });
+        else if (name == "global")
+            device.SetGlobal(ReadRecord(AsTable(node, name), "globalInfo"));
+        else if (name == "debug")
+            device.SetDebug(ReadRecord(AsTable(node, name), "debugInfo"));
+        else if (name == "counters")
+            ReadCounters(device, AsTable(node, name));
+        else if (name == "rows")
+            ReadRowCounts(device, AsTable(node, name));
+        else if (name == "fault")
+            ForEachTable(member, [&](const auto &table) { behaviour.faults.push_back(ReadFault(table)); });
+        else if (name == "refuse")
+            ForEachTable(member, [&](const auto &table) { behaviour.refusals.push_back(ReadRefusal(table)); });
+        else if (const auto *trace = node.As<bool>(); trace != nullptr && name == "trace")
+            behaviour.trace = *trace;
+        else
+            Refuse(member.line, name, kNoSuchKey);
+    }
+    return behaviour;
+}
+
+} // namespace
+
+Behaviour ReadScenario(Device &device, const std::string &path)
+{
+    std::ifstream file(path, std::ios::binary);
+    if (!file || std::filesystem::is_directory(path))
+        throw ScenarioError(fmt::format("{}: the file cannot be opened", path));
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    return ReadScenarioText(device, text, path);
+}
+
+Behaviour ReadScenarioText(Device &device, std::string_view text, const std::string &fileName)
+{
+    try {
+        return ReadTop(device, ParseDocument(text));
+    } catch (const Mistake &mistake) {
+        if (mistake.Line() == 0)
+            throw ScenarioError(fmt::format("{}: {}", fileName, mistake.what()));
+        throw ScenarioError(fmt::format("{}:{}: {}", fileName, mistake.Line(), mistake.what()));
+    }
+}
+
+} // namespace rsvpsimd
