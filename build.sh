@@ -29,6 +29,12 @@ say() {
   printf '== %s\n' "$*"
 }
 
+# Runs a command, and says how long it took: on the clock, and on the processors for it and all that it started.
+timed() {
+  local TIMEFORMAT='   %0R s on the clock, %0U s of processor time and %0S s in the kernel'
+  time "$@"
+}
+
 # Installs the packages of Debian that are named and missing.
 need() {
   local missing=()
@@ -77,20 +83,26 @@ quietly() {
   rm -f "$log"
 }
 
+configure_and_build() {
+  local preset=$1
+  shift
+  quietly cmake --preset "$preset" -DRSVP_MOR_TESTS=OFF -DRSVP_MOR_BENCH=OFF "$@"
+  quietly cmake --build "build/$preset" --parallel "$(nproc)"
+}
+
 # Configures and builds a preset, without tests and benchmark unless further arguments ask for them.
 build_preset() {
   local preset=$1
   shift
   say "building $preset, into build/$preset"
-  quietly cmake --preset "$preset" -DRSVP_MOR_TESTS=OFF -DRSVP_MOR_BENCH=OFF "$@"
-  quietly cmake --build "build/$preset" --parallel "$(nproc)"
+  timed configure_and_build "$preset" "$@"
 }
 
 test_preset() {
   local preset=$1
   shift
   say "testing $preset"
-  ctest --test-dir "build/$preset" --output-on-failure --parallel "$(nproc)" --no-tests=error "$@"
+  timed ctest --test-dir "build/$preset" --output-on-failure --parallel "$(nproc)" --no-tests=error "$@"
   sed -n 's/^stripped size/== &/p' "build/$preset/Testing/Temporary/LastTest.log" # growth is seen at every run
 }
 
@@ -115,23 +127,34 @@ seconds_of() {
   esac
 }
 
-# What a compiler that only compiles does not see; with clang as the second compiler.
+# What a compiler that only compiles does not see; with clang as the second compiler, and each file in a unit of its own.
 check_sources() {
   need_tests
-  need clang clang-format clang-tidy cppcheck
+  need clang clang-format clang-tidy cppcheck libbenchmark-dev libclang-rt-14-dev
   local library="channel config status tables lsp p2mp"
   say "format"
   git ls-files '*.c' '*.cpp' '*.h' '*.hpp' | xargs clang-format --dry-run -Werror
-  say "clang, all warnings"
-  quietly cmake -S . -B build/clang -DCMAKE_BUILD_TYPE=Debug -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++
-  quietly cmake --build build/clang --parallel "$(nproc)"
+  say "clang, all warnings, each file alone"
+  timed compile_with_clang
   say "clang-tidy"
-  # shellcheck disable=SC2086
-  git ls-files $library host tools | grep '\.cpp$' | quietly xargs -P "$(nproc)" -n 1 clang-tidy --quiet -p build/clang
+  timed tidy
   say "cppcheck"
   # shellcheck disable=SC2086
   cppcheck --quiet --enable=warning,performance,portability --std=c++20 --inline-suppr --error-exitcode=1 \
-    -Iinclude -I. $library host/platform
+    -Iinclude -I. $library host/platform process
+}
+
+compile_with_clang() {
+  quietly cmake -S . -B build/clang -DCMAKE_BUILD_TYPE=Debug -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
+    -DRSVP_MOR_UNITY=OFF -DRSVP_MOR_BENCH=ON
+  quietly cmake --build build/clang --parallel "$(nproc)"
+}
+
+# Every file that the build has a command for.
+tidy() {
+  git ls-files '*.c' '*.cpp' | while read -r file; do
+    if grep -qF "$PWD/$file\"" build/clang/compile_commands.json; then printf '%s\n' "$file"; fi
+  done | quietly xargs -P "$(nproc)" -n 1 clang-tidy --quiet -p build/clang
 }
 
 verb=${1:-help}

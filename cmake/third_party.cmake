@@ -14,5 +14,5 @@ add_library(rsvp_mor_third_party INTERFACE)
 target_include_directories(rsvp_mor_third_party SYSTEM INTERFACE ${THIRD_PARTY_INCLUDE})
 target_compile_definitions(rsvp_mor_third_party INTERFACE FMT_HEADER_ONLY)
 # The programs made of these libraries take most of the build's time. They wait for sockets, and run no faster for
-# more of it.
-target_compile_options(rsvp_mor_third_party INTERFACE -O1)
+# more of it. A debug build says for itself how it is compiled.
+target_compile_options(rsvp_mor_third_party INTERFACE $<$<NOT:$<CONFIG:Debug>>:-O1>)

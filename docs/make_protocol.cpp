@@ -35,9 +35,17 @@ Numbers are unsigned and in network order. How a field reads:
 | single | IEEE 754 single precision, most significant byte first |
 | rate | a whole number whose bytes are reversed, then written as a single, least significant byte first |
 
-Bytes of a value that no field names are 0. The simulated daemon refuses a request that has others.
+Bytes of a value that no field names are 0. So are those of a field whose condition does not hold, unless another field
+has its place. The simulated daemon refuses a request that has others.
 
 )";
+
+// What the tables cannot tell, since it is the library's doing.
+constexpr std::array kWalkedAlone{RowKindRef("auth"), RowKindRef("crlsp"), RowKindRef("nbr"),
+                                  RowKindRef("phsb"), RowKindRef("psb"),   RowKindRef("rsb")};
+constexpr LayoutRef kTunnel = "tunnel";
+constexpr std::string_view kTranslated = FieldName(kTunnel, "tunnelRole");
+constexpr std::string_view kTranslation = "the library gives 0 for 1, 2 for 3, and 1 for any other number";
 
 std::string LinkTo(std::string_view name)
 {
@@ -62,6 +70,19 @@ std::string OpNames(uint32_t ops)
         if ((ops >> op & 1) != 0)
             names += fmt::format("{}{} {}", names.empty() ? "" : ", ", op, OpName(op));
     return names;
+}
+
+std::string_view FirstKeyName(FirstKey firstKey)
+{
+    switch (firstKey) {
+    case FirstKey::Zero:
+        return "a key of zeros";
+    case FirstKey::Given:
+        return "a key of the caller's own making, whose content does not matter";
+    case FirstKey::Empty:
+        break;
+    }
+    return "an item without a value";
 }
 
 std::string_view FormName(const Field &field)
@@ -164,7 +185,8 @@ void PrintLists(std::span<const ListKind> lists, int depth)
         const std::string indent(static_cast<size_t>(2 * depth), ' ');
         switch (list.shape) {
         case Shape::Counted:
-            fmt::print("{}- item {}, if the row has this list: {}\n", indent, list.item, LinkTo((*list.list)->name));
+            fmt::print("{}- item {}, if the row has this list: {}{}\n", indent, list.item, LinkTo((*list.list)->name),
+                       list.mayBeEmpty ? "" : ", never with a count of 0");
             break;
         case Shape::Each:
             fmt::print("{}- item {}, one for each entry: {}{}\n", indent, list.item, Link(**list.entry),
@@ -179,6 +201,15 @@ void PrintLists(std::span<const ListKind> lists, int depth)
     }
 }
 
+std::string_view WhoSends(const RowKind &kind)
+{
+    if (std::ranges::any_of(kWalkedAlone, [&](RowKindRef walked) { return walked->name == kind.name; }))
+        return "; no function of the library sends the get";
+    if (kind.firstKey == FirstKey::Given)
+        return "; the caller of the library names the operation";
+    return "";
+}
+
 void PrintTables()
 {
     const uint32_t walk = 1U << kGet | 1U << kGetFirst | 1U << kGetNext;
@@ -188,16 +219,14 @@ void PrintTables()
                "order of their key bytes.\n\n",
                +kShow, ClassName(kShow));
     for (const RowKind &kind : AllRowKinds()) {
-        fmt::print("### Table {}\n\n- request: item {}, {}\n- key: {}", kind.name, kind.requestItem,
-                   OpNames(walk | (kind.hasIngressWalk ? ingress : 0)), Link(*kind.keyLayout));
+        fmt::print("### Table {}\n\n- request: item {}, {}{}\n- key: {}", kind.name, kind.requestItem,
+                   OpNames(walk | (kind.hasIngressWalk ? ingress : 0)), WhoSends(kind), Link(*kind.keyLayout));
         std::string_view separator = ", copied from the row's ";
         for (const std::string_view field : kind.keyFields) {
             fmt::print("{}`{}`", separator, field);
             separator = ", ";
         }
-        fmt::print("\n- the first forms carry {}\n- reply:\n", kind.firstKey == FirstKey::Whole
-                                                                   ? "a key whose content does not matter"
-                                                                   : "an item without a value");
+        fmt::print("\n- the first forms carry {}\n- reply:\n", FirstKeyName(kind.firstKey));
         for (const Part &part : kind.parts)
             fmt::print("  - item {}: {}\n", part.item, Link(*part.layout));
         PrintLists(kind.lists, 1);
@@ -216,6 +245,13 @@ std::string Condition(const Field &field)
     return fmt::format("if `{}` is {}{}", field.form->field, field.form->among ? "" : "not ", kinds);
 }
 
+void PrintField(const Field &field, std::string_view name, std::string_view note)
+{
+    fmt::print("| {} | {} | `{}` | {} | {} |\n", field.offset,
+               field.count == 1 ? fmt::format("{}", field.width) : fmt::format("{} x {}", field.count, field.width),
+               name, FormName(field), note);
+}
+
 void PrintValues()
 {
     fmt::print("## Values\n\nFields have the names of the records in the headers.\n\n");
@@ -224,17 +260,19 @@ void PrintValues()
             continue;
         fmt::print("{}\n\n{} bytes.\n\n| Offset | Bytes | Field | Form | |\n|---:|---:|---|---|---|\n",
                    Anchor(layout.name), layout.size);
-        for (const Field &field : layout.fields)
-            fmt::print("| {} | {} | `{}` | {} | {} |\n", field.offset,
-                       field.count == 1 ? fmt::format("{}", field.width)
-                                        : fmt::format("{} x {}", field.count, field.width),
-                       field.name, FormName(field), Condition(field));
+        for (const Field &field : layout.fields) {
+            const bool translated = layout.name == kTunnel.Spec().name && field.name == kTranslated;
+            PrintField(field, field.name, translated ? kTranslation : Condition(field));
+            for (const Field &inner : field.inside)
+                PrintField(inner, fmt::format("{}.{}", field.name, inner.name),
+                           "inside; the simulated daemon's choice");
+        }
         fmt::print("\n");
     }
     fmt::print("## Lists\n\nA count in network order, then as many entries.\n\n");
     for (const ListSpec &list : kListSpecs)
-        fmt::print("{}\n\n{} bytes of count, then entries: {}\n\n", Anchor(list.name), list.countWidth,
-                   Link(*list.entry));
+        fmt::print("{}\n\n{} bytes of count{}, then entries: {}\n\n", Anchor(list.name), list.countWidth,
+                   list.countWidth > 2 ? ", of which the library reads the last two" : "", Link(*list.entry));
 }
 
 } // namespace

@@ -2,7 +2,7 @@
 // and then the reply: a whole frame, or a body that gets a good header.
 #include "promise.h"
 
-#include "support/operations.h"
+#include "tests/support/operations.h"
 
 #include <cerrno>
 

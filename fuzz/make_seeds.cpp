@@ -4,7 +4,7 @@
 
 #include "host/daemon/daemon.h"
 #include "host/daemon/scenario/generator.h"
-#include "support/operations.h"
+#include "tests/support/operations.h"
 
 #include <filesystem>
 #include <fstream>

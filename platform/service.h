@@ -12,7 +12,8 @@
 extern "C" {
 #endif
 
-/* Stores the status of `service` on `node`: 0 and 3 stopped, 1 and 2 running. Nothing is stored on failure. */
+/* Stores the status of `service` on `node`: 0 and 3 stopped, 1 and 2 running, any other neither. Nothing is stored on
+ * failure. The code 0x40010005 says that the service has never run on the node. `selector` is 0 or -1. */
 uint32_t SERVICE_GetStatus(uint32_t node, const char *service, int32_t selector, uint32_t *status);
 
 uint32_t SERVICE_Start(uint32_t node, const char *service, uint32_t, uint32_t);

@@ -2,7 +2,7 @@
 // counters, the presence of the service, the option file, and the switch of the service on all nodes.
 #include "channel/exchange.h"
 #include "channel/presence.h"
-#include "support/world.h"
+#include "tests/support/world.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,8 +1,12 @@
 // The simulated daemon from the inside: the search of rows at its edges, refusals that must name line and key,
-// faults, commands and the reads that show them, what the trace keeps to itself, and clients that mean harm.
+// faults, commands and the reads that show them, what the trace keeps to itself, clients that mean harm, and a start
+// without standard streams.
 #include "host/daemon/scenario/generator.h"
 #include "host/daemon/scenario/scenario.h"
 #include "host/daemon/server.h"
+#include "host/directory.h"
+#include "rsvp_mor.h"
+#include "support/program.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -130,6 +134,9 @@ TEST(Scenario, RefusalsNameLineAndKey)
          "f.toml:2: sessionAttr.affinityForm.flags: has no"},
         {"[[psb]]\nhopList = [\n  { kind = 3, label = 5 },\n  { kind = 3, lable = 5 } ]\n", "f.toml:4: lable: "},
         {"[[p2mpCrlsp]]\nrequestKey = { keyShort4 = 1 }\n", "f.toml:2: keyShort4: there is no such key"},
+        {"[[psb]]\nsesion = { }\n", "f.toml:2: sesion: there is no such key"},
+        {"[[psb]]\nsession = { }\nslots = [{}, {}, {}]\n", "f.toml:3: slots[2]: there is no such key"},
+        {"[[p2mpCrlsp]]\nsubLsps = [\n  {},\n  { hopList = [] } ]\n", "f.toml:4: hopList: must have an entry"},
         {"[[nbr]]\n[[nbr]]\n", "f.toml:2: nbr: another row has the same key"},
         {"[rows]\npsbs = 3\n", "f.toml:2: psbs: \"psbs\" is not a kind of row"},
         {"[[fault]]\nkind = \"late\"\nclass = 3\n", "f.toml:1: fault: late needs a number"},
@@ -154,6 +161,7 @@ TEST(Daemon, TakesCommandsShowsThemAndRefusesTheRest)
     const std::string if3 = "0001000400000003", peer9 = "000000040a000009", session = "0a000001000000070a000002";
     const std::string global = "00060000", interface = "0007000400000003", config = "0070000400000003";
     const std::string neighbour = "000300080a00000900000000", debug = "00020000";
+    const std::string ones8 = "0101010101010101", zeros8(16, '0');
     const struct {
         uint8_t msgClass, op;
         std::string body;
@@ -176,6 +184,10 @@ TEST(Daemon, TakesCommandsShowsThemAndRefusesTheRest)
         {2, 1, peer9 + "000d0000", kOk, neighbour},
         {0, 0, "00070010" + session + "00000010", kOk, debug, "debugInfo", "session1.tunnelId", "7"},
         {0, 1, "00070010" + session + "00000010", kOk, debug, "debugInfo", "debugFlags", "0"},
+        {0, 0, "00070010" + zeros8 + "0000000000000004", kOk, debug, "debugInfo", "debugFlags", "4"},
+        {0, 0, "00070010" + session + "00000008", kBadValue, debug, "debugInfo", "debugFlags", "4"},
+        {0, 0, "00070010" + session + "00000050", kBadValue},
+        {0, 0, "000700100a000001010000070a00000200000040", kBadValue, debug, "debugInfo", "debugFlags", "4"},
         {5, 0, "000100080000000000000000", kOk, global, "globalInfo", "statWord3", "0"},
         {3, 3, "0006", kMalformed},
         {3, 3, "00060001", kMalformed},
@@ -189,6 +201,9 @@ TEST(Daemon, TakesCommandsShowsThemAndRefusesTheRest)
         {3, 4, "006a0000", kBadLength},
         {0, 0, "000f000400100001", kBadValue, global, "globalInfo", "settingShort", "32"},
         {3, 3, "0068000c000000010000000100000001", kBadValue},
+        {3, 4, "00650010" + zeros8 + zeros8, kNoSuchRow},
+        {3, 6, "00650010" + zeros8 + "0000000000000001", kBadValue},
+        {3, 4, "000b0038" + ones8 + ones8 + ones8 + ones8 + ones8 + ones8 + ones8, kNoSuchRow},
         {3, 3, "", kBadItems},
         {1, 0, "00120000", kBadItems},
         {1, 0, "001200000001000400000001", kBadItems},
@@ -204,6 +219,7 @@ TEST(Daemon, TakesCommandsShowsThemAndRefusesTheRest)
         EXPECT_EQ(row.shown.empty() ? "" : FieldOf(read, *row.layout, row.field), row.shown);
     }
     EXPECT_EQ(StatusOf(daemon.Answer(Hex("030300050000000000060000"))), kMalformed);
+    EXPECT_EQ(StatusOf(daemon.Answer(BuildFrame(kShow, kGet, 1, Hex(global)))), kBadValue);
     EXPECT_TRUE(daemon.Answer(Hex("03030000000000")).close);
 }
 
@@ -264,7 +280,7 @@ TEST(Daemon, FaultsSpoilWhatTheySelect)
         EXPECT_THROW(ParseFault(wrong), std::invalid_argument) << wrong;
 }
 
-TEST(Trace, NeverShowsAKey)
+TEST(Trace, ShowsEverythingButTheKey)
 {
     Daemon daemon;
     std::string trace;
@@ -277,6 +293,8 @@ TEST(Trace, NeverShowsAKey)
         daemon.Answer(Request(kInterface, op, "0001000400000001" + item));
         daemon.Answer(Request(kPeer, op, "000000040a000001" + item));
     }
+    daemon.Answer(Request(kPeer, kSet, "000000040a000001000400040000003c"));
+    daemon.Answer(Request(kPeer, kSet, "000000040a00000100020000"));
     daemon.Answer(Request(kGlobal, kSet, "00030020" + hex + std::string(64 - hex.size(), '0'))); // a bad length
     for (const auto *read : {"00060000", "0007000400000001", "000000080a00000100000000"}) {
         const Reply reply = daemon.Answer(Request(kShow, kGet, read));
@@ -284,7 +302,8 @@ TEST(Trace, NeverShowsAKey)
     }
     EXPECT_EQ(trace.find(secret), std::string::npos);
     EXPECT_EQ(trace.find(hex.substr(0, 14)), std::string::npos);
-    EXPECT_NE(trace.find("authKey=********"), std::string::npos);
+    EXPECT_NE(trace.find("{authKey=********}"), std::string::npos);
+    EXPECT_NE(trace.find("authEntryBytes={authKey=******** authLifeTime=60 authEndBytes=0100}"), std::string::npos);
 }
 
 // A server on a socket that has no name in the file system, and its loop in a thread.
@@ -352,6 +371,21 @@ TEST(Server, NoClientStopsTheOthers)
         close(fd);
     for (const int fd : {greedy, waiting, broken, large, honest})
         close(fd);
+}
+
+// A trace must not go to whatever else has the number of standard error: the lock file, the sockets.
+TEST(Program, StartsWithoutStandardStreams)
+{
+    for (const auto *closed : {">&- 2>&-", "<&- 2>&-", "<&- >&- 2>&-"}) {
+        const program::HostDirectory directory("trace = true");
+        directory.Write("start", fmt::format("exec {} \"$@\" {}\n", TEST_RUNNER, closed));
+        setenv("RSVP_HOST_RUNNER", ("sh " + directory.PathOf("start")).c_str(), 1);
+        ASSERT_EQ(RSVP_MOR_SetMplsRsvp(0), RSVP_MOR_OK) << closed;
+        for (uint32_t i = 0; i < 3; ++i)
+            EXPECT_EQ(RSVP_MOR_SetDscpValue(i), RSVP_MOR_OK) << closed;
+        const std::string lock = directory.Read(rsvp_host::kLockFile);
+        EXPECT_EQ(lock.find_first_not_of("0123456789"), lock.size() - 1) << closed << ": " << lock;
+    }
 }
 
 } // namespace

@@ -2,9 +2,10 @@
 // order items may come, what is converted and what stays raw, and what a release leaves behind.
 #include "lsp/lists.h"
 #include "status/reads.h"
-#include "support/operations.h"
+#include "tests/support/operations.h"
 #include "tables/reads.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -250,11 +251,15 @@ std::string Words(const RSVP_MOR_P2mpCrlspInfo &crlsp)
     return words + Word(34, crlsp.name != nullptr);
 }
 
+const Operation &Find(const std::string &name)
+{
+    return *std::ranges::find(Operations(), name, &Operation::name);
+}
+
 // A row is the items of a reply, an arrow and what the record then holds, after FAIL if the call failed.
 template <typename Block> void ExpectWalks(const char *name, const std::vector<std::string> &rows)
 {
-    const auto named = [&](const Operation &operation) { return operation.name == std::string(name); };
-    const Operation operation = *std::find_if(Operations().begin(), Operations().end(), named);
+    const Operation &operation = Find(name);
     for (const std::string &row : rows) {
         SCOPED_TRACE(name);
         Reset();
@@ -313,6 +318,46 @@ TEST_F(Decoders, WalkTheItemsOfEachBlockByItsRules)
          "34 32=1 99 7 33x3 31 -> 31 32=1 33x3 34", "32=1 33x1 33x2 34 34 -> 32=1 33x2 34", "31 33x1 -> FAIL 31",
          "32=1 33x0 -> FAIL", "32=1 33x1/37 -> FAIL", "32=1 33x1/39 -> FAIL", "31/83 -> FAIL", "34 31/85 -> FAIL",
          "32=1 33 32/47 -> FAIL", "32/49 -> FAIL", "32=1 33x1 34 32=2 33x2 32=3 33/1 -> FAIL"});
+}
+
+// A second get into a record whose lists were not given back: what the record then holds, and how many blocks nobody
+// can release any more. Each block has its own rule, which the headers tell.
+template <typename Block>
+void ExpectSecondGet(const char *name, const char *first, const char *second, const std::string &words, size_t lost)
+{
+    SCOPED_TRACE(std::string(name) + ": " + second);
+    const Operation &operation = Find(name);
+    Block record = {};
+    world.replies = {Reply(0, Body(first)), Reply(0, Body(second))};
+    EXPECT_EQ(operation.call(0, {&record}), RSVP_MOR_OK);
+    const bool failed = operation.call(0, {&record}) != RSVP_MOR_OK;
+    EXPECT_EQ(failed ? "FAIL " : Words(record), words + " ");
+    if (!failed)
+        operation.answer.release({&record});
+    EXPECT_EQ(world.blocks.size(), lost);
+    for (const auto &[block, size] : std::map(world.blocks))
+        free(block);
+}
+
+TEST_F(Decoders, LoseKeepOrReleaseWhatASlotHeld)
+{
+    ExpectSecondGet<RSVP_MOR_ReplyPsb>("RSVP_MOR_GetFirstPsbInfo", "3x2 7x3", "7x1", "3x2 7x1", 1);
+    ExpectSecondGet<RSVP_MOR_ReplyPsb>("RSVP_MOR_GetFirstPsbInfo", "3x2 7x3", "7x1 99", "FAIL", 1);
+    ExpectSecondGet<RSVP_MOR_ReplyRsb>("RSVP_MOR_GetFirstRsbInfo", "12 13=1", "12 13=2", "12 13=2", 1);
+    ExpectSecondGet<RSVP_MOR_ReplyRsb>("RSVP_MOR_GetFirstRsbInfo", "13=1", "13=2", "13=2 13=1", 0);
+    ExpectSecondGet<RSVP_MOR_ReplyRsb>("RSVP_MOR_GetFirstRsbInfo", "13=1", "7", "FAIL", 0);
+    ExpectSecondGet<RSVP_MOR_ReplyPhsb>("RSVP_MOR_GetFirstPhsbInfo", "14=1", "11 14=2", "11 14=2 14=1", 0);
+    ExpectSecondGet<RSVP_MOR_ReplyPhsb>("RSVP_MOR_GetFirstPhsbInfo", "14=1", "14=2 13/11", "FAIL", 0);
+    ExpectSecondGet<RSVP_MOR_ReplyCrlsp>("RSVP_MOR_GetFirstCrlsp", "7x2 17", "17", "7x2 17", 1);
+    ExpectSecondGet<RSVP_MOR_ReplyCrlsp>("RSVP_MOR_GetFirstCrlsp", "7x2 17", "1/127", "FAIL", 0);
+    ExpectSecondGet<RSVP_MOR_P2mpPsbInfo>("RSVP_MOR_GetP2mpPsbInfo", "4x2 7", "4x1", "4x1 7x1", 1);
+    ExpectSecondGet<RSVP_MOR_P2mpPsbInfo>("RSVP_MOR_GetP2mpPsbInfo", "4x2 7", "4x1/13", "FAIL", 0);
+    ExpectSecondGet<RSVP_MOR_P2mpPsbInfo>("RSVP_MOR_GetP2mpPsbInfo", "4x2 7", "4x1 37/21", "FAIL", 2);
+    ExpectSecondGet<RSVP_MOR_P2mpRsbInfo>("RSVP_MOR_GetP2mpRsbInfo", "7x2", "7x1", "7x1", 1);
+    ExpectSecondGet<RSVP_MOR_P2mpRsbInfo>("RSVP_MOR_GetP2mpRsbInfo", "7x2", "37/21", "FAIL", 1);
+    ExpectSecondGet<RSVP_MOR_P2mpCrlspInfo>("RSVP_MOR_GetP2mpCrlsp", "32=1 34", "31 32=2 33x1 34",
+                                            "31 32=1 32=2 33x1 34", 1);
+    ExpectSecondGet<RSVP_MOR_P2mpCrlspInfo>("RSVP_MOR_GetP2mpCrlsp", "32=1 34", "32=2 33x0", "FAIL", 0);
 }
 
 TEST_F(Decoders, HoldABodyFullOfSubLsps)

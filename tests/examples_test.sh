@@ -1,6 +1,6 @@
 #!/bin/sh
-# Runs the example programs against a simulated daemon: each does its job, tells the three ends of a walk apart, and the
-# cache answers while the daemon is silent.
+# Runs the example programs against a simulated daemon: each does its job, tells the three ends of a walk apart, and
+# while the daemon is silent the cache answers and a call can be given up.
 #
 #     examples_test.sh FOLDER_OF_EXAMPLES RSVPSIMD SCENARIO
 set -eu
@@ -81,6 +81,20 @@ for walk in walk walk_cpp; do
 done
 expect 0 "no table yet
 say \"next INDEX\" or \"quit\"" sh -c "printf 'next 0\nhello\nquit\n' | timeout 5 '$examples/row_cache'"
+stop_daemon
+
+# The library would wait 10 seconds; with a limit of 0 the call ends by the shutdown or never.
+expect_given_up() {
+  status=0
+  printed=$("$examples/give_up" "$1") || status=$?
+  case $status:$printed in
+  "4:status 0x40010001 after "[0-9]" s") ;;
+  *) fail "give_up ended with $status and printed: $printed" ;;
+  esac
+}
+start_daemon --fault silent,item=6
+expect_given_up 300 </dev/null
+echo | expect_given_up 0
 stop_daemon
 
 start_daemon --fault close,op=5

@@ -1,6 +1,6 @@
 // Every operation, every failure: the table of operations runs with each call failing, with each prefix of its good
 // reply, with each length off by one and with each allocation failing. Nothing may be left over, whatever the status.
-#include "support/operations.h"
+#include "tests/support/operations.h"
 
 #include <cerrno>
 

@@ -46,6 +46,7 @@ eval "flags=($(pkg-config --cflags --libs rsvp_mor))"
 cc -Wall -Wextra -Werror "$examples/walk.c" "${flags[@]}" -o "$work/pkgconfig/walk"
 cc -Wall -Wextra -Werror "$examples/sub_lsps.c" "${flags[@]}" -o "$work/pkgconfig/sub_lsps"
 cc -Wall -Wextra -Werror "$examples/row_cache.c" "${flags[@]}" -pthread -o "$work/pkgconfig/row_cache"
+cc -Wall -Wextra -Werror "$examples/give_up.c" "${flags[@]}" -pthread -o "$work/pkgconfig/give_up"
 c++ -std=c++20 -Wall -Wextra -Werror "$examples/walk.cpp" "${flags[@]}" -o "$work/pkgconfig/walk_cpp"
 sed -n '/^    #include/,/^    }/s/^    //p' "$source/README.md" >"$work/readme.c"
 cc -Wall -Wextra -Werror "$work/readme.c" "${flags[@]}" -o "$work/pkgconfig/readme"
@@ -64,10 +65,12 @@ add_executable(walk ${EXAMPLES}/walk.c)
 add_executable(walk_cpp ${EXAMPLES}/walk.cpp)
 add_executable(row_cache ${EXAMPLES}/row_cache.c)
 add_executable(sub_lsps ${EXAMPLES}/sub_lsps.c)
+add_executable(give_up ${EXAMPLES}/give_up.c)
 target_link_libraries(walk PRIVATE rsvp_mor::rsvp_mor_static)
 target_link_libraries(walk_cpp PRIVATE rsvp_mor::rsvp_mor)
 target_link_libraries(sub_lsps PRIVATE rsvp_mor::rsvp_mor)
 target_link_libraries(row_cache PRIVATE rsvp_mor::rsvp_mor Threads::Threads)
+target_link_libraries(give_up PRIVATE rsvp_mor::rsvp_mor Threads::Threads)
 CMAKE
 cmake -S "$work/project" -B "$work/project/build" -DCMAKE_PREFIX_PATH="$prefix" -DEXAMPLES="$examples" \
   >"$work/project/configure.log"

@@ -228,7 +228,7 @@ offers "facility general" rsvpctl --json show frr ""
 offers "--tunnel-id" rsvpctl show psb --t
 offers "auto always never" rsvpctl show --color ""
 offers "--after" rsvpctl show neighbor --a
-offers "" rsvpctl enable --d
+offers "--dry-run" rsvpctl enable --d
 offers "facility general" rsvpctl help show frr ""
 
 echo "-- the tree as a graph"

@@ -1,6 +1,6 @@
 // The exact bytes of every request: each exported function that sends a message is called, for each `op`, with the
 // service running and stopped, and its message compared with literal bytes. A function without a row fails the test.
-#include "support/operations.h"
+#include "tests/support/operations.h"
 
 #include <fstream>
 

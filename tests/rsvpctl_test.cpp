@@ -4,7 +4,7 @@
 #include "host/daemon/wire/frame.h"
 #include "host/directory.h"
 #include "manager/record/text.h"
-#include "support/program.h"
+#include "tests/support/program.h"
 #include "tools/rsvpctl/command/batch.h"
 #include "tools/rsvpctl/command/command_line.h"
 #include "tools/rsvpctl/command/completion.h"
@@ -254,14 +254,14 @@ TEST(Rsvpctl, ExamplesInTheHelpRunAsTheyStand)
     for (const char *name : {"demo.toml", "p2mp.toml"})
         demo << std::ifstream(std::string(SCENARIOS_PATH) + name).rdbuf();
     const HostDirectory directory(demo.str());
+    std::filesystem::create_directory(directory.PathOf("etc"));
+    directory.Write("etc/te.conf", "plugin-option refresh=30 dscp=48\n");
     rsvpctl::CommandLine line;
     AddCommands(line);
     // A watch has no end of its own.
     const std::string head = "set -euo pipefail\nrsvpctl() {\n[ \"$1\" != watch ] || set -- \"$@\" --count 1\n"
                              "command " TEST_RUNNER " " RSVPCTL_PATH " \"$@\"\n}\nrsvpctl enable\n";
     for (const rsvpctl::CompletionNode &node : CompletionNodes(line)) {
-        if (node.path == "options")
-            continue; // the option file is the device's own
         const std::string examples = ExamplesOf(CtlJson(directory, "help " + node.path)["record"].value("help", ""));
         EXPECT_NE(examples, "") << node.path;
         directory.Write("examples", head + examples);

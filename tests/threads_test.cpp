@@ -1,7 +1,7 @@
 // Many threads of one management program at once, some on held sessions and some that open one for each call. The
 // library keeps nothing between calls, and the thread sanitizer would see if it did.
 #include "rsvp_mor.h"
-#include "support/program.h"
+#include "tests/support/program.h"
 
 #include <atomic>
 #include <gtest/gtest.h>

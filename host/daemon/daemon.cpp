@@ -75,6 +75,8 @@ Reply Daemon::Answer(ByteView request, uint64_t client)
 
 Daemon::Result Daemon::Handle(const Message &request, const Walk &walk)
 {
+    if (request.status != kOk)
+        return {kBadValue};
     for (const Refusal &refusal : behaviour_.refusals)
         if (Selects(refusal.requests, request))
             return {refusal.status};
@@ -144,6 +146,8 @@ Daemon::Result Daemon::ShowRow(const RowKind &kind, const Message &request, cons
             CheckValue(first && kind.firstKey == FirstKey::Empty ? *LayoutRef("none") : *kind.keyLayout, key);
         status != kOk)
         return {status};
+    if (first && kind.firstKey == FirstKey::Zero && !IsZero(key))
+        return {kBadValue};
     Table &table = device_.Rows(kind);
     const bool next = !first && request.op != kGet;
     Seek seek = next ? Seek::After : Seek::Exact;

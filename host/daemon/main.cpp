@@ -4,6 +4,7 @@
 #include "host/daemon/options.h"
 #include "host/daemon/server.h"
 #include "host/directory.h"
+#include "process/standard_streams.h"
 
 #include <csignal>
 #include <cstdio>
@@ -54,6 +55,7 @@ int Serve(rsvpsimd::Daemon &daemon, const rsvpsimd::Options &options)
 
 int main(int argc, char **argv)
 {
+    process::OpenStandardStreams();
     try {
         int exitStatus = kDone;
         std::optional<rsvpsimd::Options> options = rsvpsimd::ReadOptions(argc, argv, exitStatus);

@@ -22,9 +22,7 @@ std::string ShowValue(const Layout &layout, ByteView value)
     std::string words;
     const KindLookup kinds = KindsOf(layout, value);
     for (const Field &field : layout.fields) {
-        const ByteView bytes = value.subspan(field.offset, field.Size());
-        if (FindField(layout, field.name, kinds) != &field ||
-            (!field.secret && std::ranges::all_of(bytes, [](uint8_t byte) { return byte == 0; })))
+        if (FindField(layout, field.name, kinds) != &field || !IsWorthShowing(value, field))
             continue;
         words += fmt::format("{}{}={}", words.empty() ? "" : " ", field.name, ShowField(value, field));
     }

@@ -15,7 +15,8 @@ extern "C" {
 #pragma GCC visibility push(default)
 
 /**
- * Opens a session to the daemon, with time-outs of 10 seconds for each send and each receive.
+ * Opens a session to the daemon, with time-outs of 10 seconds for each send and each receive. If the daemon does not
+ * accept it, the call waits as long as a send would.
  *
  * @return a descriptor, to be closed with RSVP_MOR_LIPCClose; or -1 if the socket, its options or the connection
  *         failed, and then nothing is left open
@@ -31,7 +32,8 @@ int32_t RSVP_MOR_LIPCOpen(void);
 int32_t RSVP_MOR_LIPCClose(int32_t fd);
 
 /**
- * Reads the number of interfaces that are configured for fast reroute (RFC 4090, RFC 6445). Own session.
+ * Reads the number of interfaces that are configured for fast reroute (RFC 4090, RFC 6445). Own session. A value of
+ * less than 4 bytes is refused.
  *
  * @param[out] count  the number; written only with status 0
  * @return 0; RSVP_MOR_ERR_FAIL (also for a null `count`); RSVP_MOR_ERR_LIPC; the daemon's status
@@ -39,7 +41,7 @@ int32_t RSVP_MOR_LIPCClose(int32_t fd);
 uint32_t RSVP_MOR_GetFrrIfNum(uint32_t *count);
 
 /**
- * Reads the number of interfaces on which fast reroute is active. Own session.
+ * Reads the number of interfaces on which fast reroute is active. Own session; as RSVP_MOR_GetFrrIfNum.
  *
  * @param[out] count  the number; written only with status 0
  * @return 0; RSVP_MOR_ERR_FAIL (also for a null `count`); RSVP_MOR_ERR_LIPC; the daemon's status
@@ -47,7 +49,7 @@ uint32_t RSVP_MOR_GetFrrIfNum(uint32_t *count);
 uint32_t RSVP_MOR_GetFrrActiveIfNum(uint32_t *count);
 
 /**
- * Reads the number of active bypass tunnels. Own session.
+ * Reads the number of active bypass tunnels. Own session; as RSVP_MOR_GetFrrIfNum.
  *
  * @param[out] count  the number; written only with status 0
  * @return 0; RSVP_MOR_ERR_FAIL (also for a null `count`); RSVP_MOR_ERR_LIPC; the daemon's status
@@ -64,9 +66,10 @@ uint32_t RSVP_IsGlobalEnabled(void);
 
 /**
  * Reads the number of LSPs that are up. Own session. If the service does not run there are none: the function stores
- * 0, returns status 0 and sends nothing.
+ * 0, returns status 0 and sends nothing. Unlike the counts above it takes a value of less than 4 bytes, over the
+ * front of the caller's number: set `count` to 0 before the call.
  *
- * @param[out] count  the number; written only with status 0
+ * @param[in,out] count  the number; written only with status 0
  * @return 0; RSVP_MOR_ERR_FAIL (also for a null `count`); RSVP_MOR_ERR_LIPC; the daemon's status
  */
 uint32_t RSVP_GetUpLspNumber(uint32_t *count);

@@ -3,8 +3,8 @@
  * Commands: they change the daemon and return only a status.
  *
  * Where a command takes `op`, 0 sets and 1 undoes the setting. The low byte of `op` is sent. A command that is called
- * gated asks the service manager first: if the service runs on no node, it sends nothing and returns 0 for `op` 1,
- * since there is nothing to undo, and RSVP_MOR_ERR_NOT_ENABLED for any other `op`.
+ * gated asks the service manager first: if the service runs on no node, or no node can be asked, it sends nothing and
+ * returns 0 for `op` 1, since there is nothing to undo, and RSVP_MOR_ERR_NOT_ENABLED for any other `op`.
  *
  * The daemon defines units and ranges; the library passes numbers through. Every command uses its own session, except
  * RSVP_MOR_ResetStatistics.
@@ -25,7 +25,8 @@ extern "C" {
 /** Bytes of an authentication key. The caller pads a shorter key. */
 #define RSVP_MOR_AUTH_KEY_SIZE 68
 
-/** One of the two debug types that bind a switch to one RSVP session; all others are for the whole daemon. */
+/** One of the two debug types that bind a switch to one RSVP session; all others are for the whole daemon. A type is
+ * a number and is compared whole: 80 is neither of the two. */
 #define RSVP_MOR_DEBUG_SESSION_A 16u
 /** The other one. */
 #define RSVP_MOR_DEBUG_SESSION_B 64u
@@ -33,14 +34,20 @@ extern "C" {
 /* ---- Enabling ---------------------------------------------------------------------------------------------- */
 
 /**
- * Switches RSVP on or off for the device. Enabling starts the service on the system master and then on the standby
- * nodes that do not run it. If a node fails, the nodes that have started stay started, and enabling again starts the
- * rest. Disabling tells the daemon, then stops the service on the standby nodes and last on the master; it does not
- * report a failure to stop.
+ * Switches RSVP on or off for the device.
+ *
+ * Enabling talks to the service manager alone. It starts the service on the system master, if it is stopped there,
+ * and then on the standby nodes that do not run it. The service manager must answer for the master; if it answers
+ * 0x40010005, the service has never run and is started. If a start fails, the nodes that have started stay started,
+ * and enabling again starts the rest. A list of standby nodes that cannot be read counts as empty.
+ *
+ * Disabling tells the daemon, then stops the service on the standby nodes and last on the master. Only the daemon's
+ * answer counts: if the request fails in any way and the daemon's database can still be opened, nothing is stopped.
+ * If it cannot be opened, there is no daemon that could object. What the service manager answers is ignored, so that
+ * 0 does not mean that a node has stopped.
  *
  * @param op  0 enables, any other value disables
- * @return 0; RSVP_MOR_ERR_FAIL if the master cannot be asked, a start failed, or the daemon refused to be disabled
- *         and its database can still be opened
+ * @return 0; RSVP_MOR_ERR_FAIL as told above, whatever the daemon or the service manager answered
  */
 uint32_t RSVP_MOR_SetMplsRsvp(uint32_t op);
 
@@ -90,7 +97,7 @@ uint32_t RSVP_MOR_SetRsvpPeer(uint32_t op, uint32_t peer);
 uint32_t RSVP_MOR_SetRefreshInterval(uint16_t interval);
 
 /**
- * Sets how many refreshes may be missed before state is deleted (RFC 2205, K).
+ * Sets the keep multiplier: state outlives the loss of K - 1 refreshes in a row (RFC 2205, K).
  *
  * @param multiplier  the keep multiplier
  * @return 0; RSVP_MOR_ERR_LIPC; RSVP_MOR_ERR_FAIL; the daemon's status
@@ -316,8 +323,9 @@ uint32_t RSVP_MOR_ResetAuth(const RSVP_MOR_AuthEntryKey *key);
 
 /** A debug switch, bound to one RSVP session if its type is one of the two session types. */
 typedef struct RSVP_MOR_DebugSwitch {
-    RSVP_MOR_Session session; /**< sent only for RSVP_MOR_DEBUG_SESSION_A and _B; else 12 zero bytes are sent */
-    uint32_t debugType;       /**< which switch, as the daemon numbers them */
+    RSVP_MOR_Session session; /**< sent only for RSVP_MOR_DEBUG_SESSION_A and _B, and without its reserved bytes; in
+                                 their place, and for all other types, zeros are sent */
+    uint32_t debugType;       /**< which switch, as the daemon numbers them; a number, not a bit */
 } RSVP_MOR_DebugSwitch;
 
 /** The state of the debug switches. */
@@ -343,16 +351,17 @@ typedef struct RSVP_MOR_StatisticsKey {
 uint32_t RSVP_MOR_SetDebug(uint32_t op, const RSVP_MOR_DebugSwitch *debug);
 
 /**
- * Reads the state of the debug switches. Held session. A reply that is not exactly one value of 28 bytes is refused.
+ * Reads the state of the debug switches. Held session. A reply whose body is not exactly 32 bytes, as one item with a
+ * value of 28 has, is refused; what is in the body is not looked at.
  *
- * @param fd         held session
- * @param[out] info  the state; written only with status 0
+ * @param fd            held session
+ * @param[in,out] info  the state; written only with status 0
  * @return 0; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_GetRsvpDebug(int32_t fd, RSVP_MOR_DebugInfo *info);
 
 /**
- * Clears counters. Held session: the only command that does not open its own.
+ * Clears counters. Held session: the only command that does not open its own. Not gated.
  *
  * @param fd   held session
  * @param key  what to clear; only read; null is refused

@@ -5,8 +5,13 @@
  *
  * A list is either a heap array, given by a pointer and a count, or a chain of heap nodes. It belongs to the record
  * that points to it and is freed by that record's release function, which also resets the slot, so a second call does
- * nothing. The fixed part of a record survives the release and supplies the key for the next call. If an item is
- * missing from the reply, its part of the record is unchanged.
+ * nothing. If an item is missing from the reply, its part of the record is unchanged. The fixed part of a record
+ * survives the release, so the key of the next call can be copied from it before or after; do so before the next get,
+ * which may fail and yet have overwritten it.
+ *
+ * List slots must be null before a get. If one is not, the pointer in it is lost where the reply has the list, and
+ * stays where it has not; the get functions name the exceptions. If the call fails over an item of the reply, the
+ * slots are released whatever they hold: a pointer that was released before is released twice.
  */
 #ifndef RSVP_MOR_LSP_H
 #define RSVP_MOR_LSP_H
@@ -259,7 +264,7 @@ typedef struct RSVP_MOR_ReplyPsb {
  * Reads the first path state block. A reply with an item that does not belong to the block is refused.
  *
  * @param fd              held session
- * @param[in,out] record  its list slots must be null before the call; after status 0 release it with
+ * @param[in,out] record  its five lists must be null before the call; after status 0 release it with
  *                        RSVP_MOR_FreeReplyPsb
  * @return 0; RSVP_MOR_ERR_FAIL; the daemon's status
  */
@@ -305,7 +310,9 @@ typedef struct RSVP_MOR_ReplyRsb {
  * Reads the first reservation state block. Items that do not belong to the block are skipped.
  *
  * @param fd              held session
- * @param[in,out] record  `fsList` must be null before the call; after status 0 release it with RSVP_MOR_FreeReplyRsb
+ * @param[in,out] record  `fsList` must be null before the call; after status 0 release it with RSVP_MOR_FreeReplyRsb.
+ *                        What it held is lost with the block's fixed part; filter specs that come without one go in
+ *                        front of it
  * @return 0; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_GetFirstRsbInfo(int32_t fd, RSVP_MOR_ReplyRsb *record);
@@ -362,7 +369,8 @@ typedef struct RSVP_MOR_ReplyPhsb {
  * Reads the first previous hop state block. Items that do not belong to the block are skipped.
  *
  * @param fd              held session
- * @param[in,out] record  `fdList` must be null before the call; after status 0 release it with RSVP_MOR_FreeReplyPhsb
+ * @param[in,out] record  `fdList` must be null before the call; after status 0 release it with
+ *                        RSVP_MOR_FreeReplyPhsb. Flow descriptors go in front of what `fdList` held
  * @return 0; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_GetFirstPhsbInfo(int32_t fd, RSVP_MOR_ReplyPhsb *record);
@@ -416,7 +424,9 @@ typedef struct RSVP_MOR_CrlspPath {
     uint8_t pathTail[2]; /**< two bytes */
 } RSVP_MOR_CrlspPath;
 
-/** The traffic group of a CR-LSP. Rates are whole numbers: a fraction is cut off. */
+/** The traffic group of a CR-LSP. Rates are whole numbers: a fraction is cut off. On the wire they are not in network
+ * order: the bytes of the whole number are reversed, and what that gives is an IEEE 754 single, least significant
+ * byte first. */
 typedef struct RSVP_MOR_CrlspTraffic {
     uint32_t trafficWord0; /**< number */
     uint32_t trafficWord1; /**< number */

@@ -7,6 +7,8 @@
  * The release functions differ. RSVP_MOR_FreeP2mpPsbInfo and RSVP_MOR_FreeP2mpRsbInfo reset nothing: release such a
  * record only once, and zero it before you use it again. RSVP_MOR_FreeP2mpCrlspInfo resets what it frees and may be
  * called twice. After a failed get there is nothing to release in any of the three.
+ *
+ * List slots must be null before a get; each function says what happens otherwise.
  */
 #ifndef RSVP_MOR_P2MP_H
 #define RSVP_MOR_P2MP_H
@@ -141,8 +143,10 @@ typedef struct RSVP_MOR_P2mpPsbInfo {
  * @param itemType        item type of the request, as the daemon defines it; its low 16 bits are sent
  * @param op              message operation, as the daemon defines it; its low byte is sent
  * @param key             the block; only read; null is refused
- * @param[in,out] record  must be zeroed before the call; after status 0 release it with RSVP_MOR_FreeP2mpPsbInfo.
- *                        After any other status do not: it has no lists, although its slots may hold stale pointers
+ * @param[in,out] record  its four lists must be null before the call; after status 0 release it with
+ *                        RSVP_MOR_FreeP2mpPsbInfo. After any other status do not: it has no lists, although its slots
+ *                        may hold stale pointers. A pointer that a slot held is lost where the reply has the list; if
+ *                        the call fails over a list, all four are released whatever they hold
  * @return 0; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_GetP2mpPsbInfo(int32_t fd, uint32_t itemType, uint32_t op, const RSVP_MOR_P2mpStateKey *key,
@@ -171,8 +175,8 @@ typedef struct RSVP_MOR_P2mpRsbInfo {
  * @param fd              held session
  * @param op              message operation, as the daemon defines it; its low byte is sent
  * @param key             the block; only read; null is refused
- * @param[in,out] record  `hopList` must be zeroed before the call; after status 0 release it with
- *                        RSVP_MOR_FreeP2mpRsbInfo
+ * @param[in,out] record  `hopList` must be null before the call; after status 0 release it with
+ *                        RSVP_MOR_FreeP2mpRsbInfo. What it held is lost where the reply has a route
  * @return 0; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_GetP2mpRsbInfo(int32_t fd, uint32_t op, const RSVP_MOR_P2mpStateKey *key,
@@ -236,10 +240,10 @@ typedef struct RSVP_MOR_P2mpCrlspInfo {
     char *name;                    /**< terminated text on the heap, null if the reply had none */
 } RSVP_MOR_P2mpCrlspInfo;
 
-/** A sub-LSP node that the caller makes; the library only releases it. */
+/** A sub-LSP node that the caller makes with `malloc`; the library only releases it. */
 typedef struct RSVP_MOR_P2mpReplySubLsp {
     uint32_t words[3]; /**< the library does not touch them */
-    void *rroBlock;    /**< heap block or null */
+    void *rroBlock;    /**< block from `malloc`, or null */
 } RSVP_MOR_P2mpReplySubLsp;
 
 /**
@@ -249,7 +253,9 @@ typedef struct RSVP_MOR_P2mpReplySubLsp {
  * @param op              message operation, as the daemon defines it; its low byte is sent
  * @param key             the record; only read; null is refused
  * @param[in,out] record  `rroHead`, `rroTail` and `name` must be null before the call; after status 0 release it with
- *                        RSVP_MOR_FreeP2mpCrlspInfo
+ *                        RSVP_MOR_FreeP2mpCrlspInfo. Sub-LSPs go behind `rroTail`, and if that is null `rroHead` is
+ *                        lost; a name replaces what `name` held. If the call fails over an item of the reply, all are
+ *                        released whatever they hold
  * @return 0; RSVP_MOR_ERR_FAIL; the daemon's status
  */
 uint32_t RSVP_MOR_GetP2mpCrlsp(int32_t fd, uint32_t op, const RSVP_MOR_P2mpCrlspKey *key,

@@ -2,9 +2,12 @@
  * @file status.h
  * Status queries: one fixed record per call. No record here owns memory, so there is nothing to release.
  *
- * A value that is shorter than its record fills only the front of it. The rest keeps the caller's bytes, which are
- * converted along with the front: to have zeros there, clear the record first. A longer value is cut off. Where a
- * function refuses such a reply instead, its comment says so. The daemon defines what the numbered fields mean.
+ * Some functions accept an empty reply, one in which no item can be read: it is taken like a value of no bytes, with
+ * status 0 and the caller's numbers converted.
+ *
+ * The daemon defines what the numbered fields mean. Where a record does not have its key under a name
+ * (RSVP_MOR_IfInfo, RSVP_MOR_ReplyNbr, RSVP_MOR_ReplyAuth and the three fast reroute records), the caller and the
+ * daemon settle which fields make up the key of the next call.
  */
 #ifndef RSVP_MOR_STATUS_H
 #define RSVP_MOR_STATUS_H
@@ -48,7 +51,7 @@ typedef struct RSVP_MOR_GlobalInfo {
 } RSVP_MOR_GlobalInfo;
 
 /**
- * Reads the global settings and counters. Held session. An empty reply is accepted: status 0, nothing is copied.
+ * Reads the global settings and counters. Held session. An empty reply is accepted.
  *
  * @param fd         held session
  * @param[out] info  the record; written only with status 0
@@ -88,7 +91,7 @@ typedef struct RSVP_MOR_IfInfo {
 } RSVP_MOR_IfInfo;
 
 /**
- * Reads one interface. Held session. An empty reply is accepted: status 0, nothing is copied.
+ * Reads one interface. Held session. An empty reply is accepted.
  *
  * @param fd         held session
  * @param ifIndex    interface index
@@ -123,8 +126,8 @@ typedef struct RSVP_MOR_IfConfig {
 } RSVP_MOR_IfConfig;
 
 /**
- * Reads the configuration row of one interface. Own session. The bytes that are missing from a short value read as 0;
- * a reply without a value is refused.
+ * Reads the configuration row of one interface. Own session. The bytes that are missing from a short value read as
+ * 0, and a value of no bytes makes a row of zeros. A reply without an item is refused.
  *
  * @param ifIndex      interface index
  * @param[out] config  the row; null is refused before a session is opened; written only with status 0
@@ -174,7 +177,7 @@ typedef struct RSVP_MOR_ReplyNbr {
 } RSVP_MOR_ReplyNbr;
 
 /**
- * Reads the first neighbour. Held session. An empty reply is accepted: status 0, nothing is copied.
+ * Reads the first neighbour. Held session. An empty reply is accepted.
  *
  * @param fd        held session
  * @param[out] out  the record; written only with status 0
@@ -213,7 +216,8 @@ typedef struct RSVP_MOR_ReplyAuth {
 } RSVP_MOR_ReplyAuth;
 
 /**
- * Reads the first authentication entry. Held session. A reply whose body is not exactly 132 bytes is refused.
+ * Reads the first authentication entry. Held session. A reply whose body is not exactly 132 bytes, as one item
+ * with a value of 128 has, is refused; what is in the body is not looked at.
  *
  * @param fd        held session
  * @param[out] out  the record; written only with status 0
@@ -222,8 +226,7 @@ typedef struct RSVP_MOR_ReplyAuth {
 uint32_t RSVP_MOR_GetFirstAuth(int32_t fd, RSVP_MOR_ReplyAuth *out);
 
 /**
- * Reads the authentication entry after a given one. Held session. A reply whose body is not exactly 132 bytes is
- * refused.
+ * Reads the authentication entry after a given one. Held session; as RSVP_MOR_GetFirstAuth.
  *
  * @param fd        held session
  * @param key       key of the previous row; only read; may lie inside `out`; null is refused
@@ -240,8 +243,8 @@ typedef struct RSVP_MOR_FrrFacilityKey {
     uint32_t facilityKey1;   /**< number */
     uint32_t facilityKey2;   /**< number */
     uint32_t facilityKey3;   /**< number */
-    uint8_t facilityKey4[4]; /**< four bytes, sent unchanged */
-    uint8_t facilityKey5[4]; /**< four bytes, sent unchanged */
+    uint8_t facilityKey4[4]; /**< four bytes, sent unchanged: the daemon says in which order */
+    uint8_t facilityKey5[4]; /**< four bytes, sent unchanged: the daemon says in which order */
 } RSVP_MOR_FrrFacilityKey;
 
 /** One row of the fast reroute facility table: 44 bytes. */
@@ -260,8 +263,8 @@ typedef struct RSVP_MOR_ReplyFrrFacility {
 } RSVP_MOR_ReplyFrrFacility;
 
 /**
- * Reads a row of the fast reroute facility table (the facility database of RFC 6445). Own session. A reply without a
- * value is refused.
+ * Reads a row of the fast reroute facility table (the facility database of RFC 6445). Own session. A reply without
+ * an item is refused.
  *
  * @param msgOp     3 reads the row with this key, 4 the first row, 5 the row after this key; any other value is
  * refused
@@ -296,7 +299,7 @@ typedef struct RSVP_MOR_ReplyFrrGeneral {
 } RSVP_MOR_ReplyFrrGeneral;
 
 /**
- * Reads one row of the fast reroute general table. Own session. A reply without a value is refused.
+ * Reads one row of the fast reroute general table. Own session. A reply without an item is refused.
  *
  * @param key       the row; only read; null is refused; may be the same memory as `out`
  * @param[out] out  the record; null is refused before a session is opened; written only with status 0
@@ -329,7 +332,7 @@ typedef struct RSVP_MOR_ReplyExtArHop {
 } RSVP_MOR_ReplyExtArHop;
 
 /**
- * Reads one extended actual route hop. Own session. A reply without a value is refused.
+ * Reads one extended actual route hop. Own session. A reply without an item is refused.
  *
  * @param hopListIndex  first key field
  * @param hopIndex      second key field

@@ -3,9 +3,8 @@
  * Access by row to the tunnel, hop and resource tables, in the shape of the MPLS-TE MIB (RFC 3812), for a network
  * management agent. Every call uses its own session; no record owns memory.
  *
- * A value that is shorter than its record fills only the front of it. The rest keeps the caller's bytes, which are
- * converted along with the front. A longer value is cut off. A reply without a value is refused with
- * RSVP_MOR_ERR_FAIL.
+ * A value may be shorter than its record, even 0 bytes long, and then leaves caller's bytes in it (see rsvp_mor.h). A
+ * reply without an item is refused with RSVP_MOR_ERR_FAIL.
  */
 #ifndef RSVP_MOR_TABLES_H
 #define RSVP_MOR_TABLES_H
@@ -21,7 +20,8 @@ extern "C" {
 
 /* ---- Tunnels -------------------------------------------------------------------------------------------------- */
 
-/** Index of a tunnel row, its parts in the order of RFC 3812. */
+/** Index of a tunnel row, its parts in the order of RFC 3812. Which numbers of a row make up the key of the next call
+ * is settled between the caller and the daemon, for both walks. */
 typedef struct RSVP_MOR_TunnelKey {
     uint32_t tunnelIndex;    /**< first index part */
     uint32_t tunnelInstance; /**< second index part */
@@ -46,7 +46,8 @@ typedef struct RSVP_MOR_ReplyTunnel {
     uint32_t tunnelWord12; /**< number */
     uint16_t tunnelShort0; /**< number */
     uint8_t tunnelByte;    /**< single byte */
-    uint8_t tunnelRole;    /**< translated: 0 if the wire has 1, 2 if it has 3, else 1 */
+    uint8_t tunnelRole;    /**< 0 if the wire has 1, 2 if it has 3, and 1 for any other number. To RFC 3812
+                              1 is the head of a tunnel and 3 its tail; the daemon says whether it means these */
     uint16_t tunnelShort1; /**< number */
     uint8_t tunnelTail[2]; /**< two bytes */
 } RSVP_MOR_ReplyTunnel;

@@ -1,6 +1,6 @@
 // Text to bytes and back. The values of items have the sizes that the protocol gives them and are filled with a
 // pattern; a word can place the one number inside that a test looks at.
-#include "support/bytes.h"
+#include "tests/support/bytes.h"
 
 #include <algorithm>
 #include <bit>

@@ -1,6 +1,6 @@
 // The table of operations. Keys and other arguments are constants in read-only memory: a function that wrote to one
 // would crash the test.
-#include "support/operations.h"
+#include "tests/support/operations.h"
 
 #include <cstring>
 

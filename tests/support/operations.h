@@ -3,7 +3,7 @@
 #ifndef TESTS_SUPPORT_OPERATIONS_H
 #define TESTS_SUPPORT_OPERATIONS_H
 
-#include "support/world.h"
+#include "tests/support/world.h"
 
 namespace scripted {
 

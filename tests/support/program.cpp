@@ -1,6 +1,6 @@
 // Standard streams are files in the host directory, so that no amount of output can block a program. The daemon is
 // not started here: the service manager does that, and returns once the daemon answers.
-#include "support/program.h"
+#include "tests/support/program.h"
 
 #include "host/directory.h"
 #include "platform/device.h"

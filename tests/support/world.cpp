@@ -1,6 +1,6 @@
 // The scripted calls themselves. Arguments are recorded as numbers and hex text, so that the lines are the same on
 // every processor.
-#include "support/world.h"
+#include "tests/support/world.h"
 
 #include "platform/database.h"
 #include "platform/device.h"

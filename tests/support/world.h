@@ -4,7 +4,7 @@
 #define TESTS_SUPPORT_WORLD_H
 
 #include "rsvp_mor.h"
-#include "support/bytes.h"
+#include "tests/support/bytes.h"
 
 #include <deque>
 #include <gtest/gtest.h>

@@ -40,10 +40,10 @@ constexpr std::array kCommands{
     Command{kInterface, 17, "retransIncrement", "increment", kSetOnly, Target::Interface, "ifBytes2", 1},
     Command{kInterface, 18, "rsvp", "none", kBoth, Target::Interface, "ifBytes1", 0, true, 0x01},
 
-    Command{kPeer, 2, "authChallenge", "none", kBoth, Target::Auth, "authEntryBytes", 78},
-    Command{kPeer, 3, "authKey", "authKeySetting", kBoth, Target::Auth, "authEntryBytes", 4},
-    Command{kPeer, 4, "authLifeTime", "lifeTime", kSetOnly, Target::Auth, "authEntryBytes", 72},
-    Command{kPeer, 5, "authWindowSize", "windowSize", kSetOnly, Target::Auth, "authEntryBytes", 79},
+    Command{kPeer, 2, "authChallenge", "none", kBoth, Target::Auth, "authEntryBytes.authEndBytes", 0},
+    Command{kPeer, 3, "authKey", "authKeySetting", kBoth, Target::Auth, "authEntryBytes.authKey"},
+    Command{kPeer, 4, "authLifeTime", "lifeTime", kSetOnly, Target::Auth, "authEntryBytes.authLifeTime"},
+    Command{kPeer, 5, "authWindowSize", "windowSize", kSetOnly, Target::Auth, "authEntryBytes.authEndBytes", 1},
     Command{kPeer, 13, "rsvp", "none", kBoth, Target::Neighbour, "nbrBytes", 0, true},
 
     Command{kReset, 0, "authEntry", "authEntryKey", kSetOnly, Target::ResetAuth},

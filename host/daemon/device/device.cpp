@@ -6,10 +6,6 @@ namespace rsvpsimd {
 
 namespace {
 
-// Debug switches of these two types apply to one session, and each type has its own place for it.
-constexpr uint64_t kDebugFirstSession = 16;
-constexpr uint64_t kDebugSecondSession = 64;
-
 // A client that sets one interface after the other must not fill the memory.
 constexpr size_t kMostKeptRows = 100'000;
 
@@ -167,7 +163,8 @@ void Device::NoteInterface(const Command &command, uint8_t op, ByteView number, 
 
 void Device::ApplyDebug(uint8_t op, ByteView value)
 {
-    constexpr Extent kBound = FieldAt("debugSwitch", "session");
+    constexpr Extent kBound{FieldAt("debugSwitch", "session.tunnelEndpoint").offset,
+                            FieldAt("debugInfo", "session1").size};
     constexpr Extent kType = FieldAt("debugSwitch", "debugType");
     const uint64_t type = LoadNet(value.subspan(kType.offset, kType.size));
     const auto flags = debug_.Place(FieldAt("debugInfo", "debugFlags"));

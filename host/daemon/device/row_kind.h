@@ -27,11 +27,18 @@ struct ListKind {
     std::optional<ListRef> list = {};    // counted lists alone
     std::optional<LayoutRef> entry = {}; // none for text
     std::span<const ListKind> children = {};
+    bool mayBeEmpty = true; // false: a reader takes no count of 0
 };
 
 constexpr ListKind CountedList(std::string_view name, uint16_t item, ListRef list)
 {
     return {.name = name, .item = item, .shape = Shape::Counted, .list = list, .entry = list->entry};
+}
+
+constexpr ListKind NeverEmpty(ListKind list)
+{
+    list.mayBeEmpty = false;
+    return list;
 }
 
 constexpr ListKind EachList(std::string_view name, uint16_t item, LayoutRef entry,
@@ -48,7 +55,8 @@ constexpr ListKind TextItem(std::string_view name, uint16_t item)
 // What a get-first carries.
 enum class FirstKey : uint8_t {
     Empty,
-    Whole, // a key, whose content does not matter
+    Zero,  // a key of zeros
+    Given, // a key of the caller's own making, whose content does not matter
 };
 
 struct RowKind {
@@ -63,7 +71,7 @@ struct RowKind {
     bool hasIngressWalk = false;
 
     constexpr LayoutRef RowLayout() const { return parts.front().layout; }
-    size_t FirstKeySize() const { return firstKey == FirstKey::Whole ? keyLayout.Spec().size : 0; }
+    size_t FirstKeySize() const { return firstKey == FirstKey::Empty ? 0 : keyLayout.Spec().size; }
 };
 
 } // namespace rsvpsimd

@@ -11,7 +11,7 @@ namespace rows {
 
 inline constexpr std::array kRro{CountedList("rro", 7, "hopList")};
 inline constexpr std::array kFilterSpecs{EachList("fsList", 13, "filterSpec")};
-inline constexpr std::array kSubLspHops{CountedList("hopList", 33, "hopList")};
+inline constexpr std::array kSubLspHops{NeverEmpty(CountedList("hopList", 33, "hopList"))};
 
 inline constexpr std::array kPsbLists{
     CountedList("routeList3", 3, "routeList16"), CountedList("routeList4", 4, "routeList16"),
@@ -85,7 +85,7 @@ inline constexpr std::array kRowKinds{
             "p2mpCrlspKey",
             {},
             "key.keyWord0",
-            FirstKey::Whole,
+            FirstKey::Given,
             rows::kP2mpCrlspParts,
             rows::kP2mpCrlspLists},
     RowKind{"p2mpRsb",
@@ -93,7 +93,7 @@ inline constexpr std::array kRowKinds{
             "p2mpStateKey",
             {},
             "session.p2mpId",
-            FirstKey::Whole,
+            FirstKey::Given,
             rows::kP2mpRsbParts,
             rows::kP2mpRsbLists},
     RowKind{"p2mpPsb",
@@ -101,20 +101,20 @@ inline constexpr std::array kRowKinds{
             "p2mpStateKey",
             {},
             "session.p2mpId",
-            FirstKey::Whole,
+            FirstKey::Given,
             rows::kP2mpPsbParts,
             rows::kP2mpPsbLists},
     RowKind{
-        "tunnel", 101, "tunnelKey", rows::kTunnelKey, "tunnelWord0", FirstKey::Whole, rows::kTunnelParts, {}, true},
+        "tunnel", 101, "tunnelKey", rows::kTunnelKey, "tunnelWord0", FirstKey::Zero, rows::kTunnelParts, {}, true},
     RowKind{"resource", 103, "resourceKey", rows::kResourceKey, "resourceIndex", FirstKey::Empty,
             rows::kResourceParts},
-    RowKind{"arhop", 104, "hopKey", rows::kHopKey, "hopListIndex", FirstKey::Whole, rows::kArHopParts},
-    RowKind{"chop", 105, "hopKey", rows::kHopKey, "hopListIndex", FirstKey::Whole, rows::kCHopParts},
-    RowKind{"general", 106, "generalKey", rows::kGeneralKey, "frrWord0", FirstKey::Whole, rows::kGeneralParts},
-    RowKind{"exthop", 107, "hopKey", rows::kExtArHopKey, "extArHopWord0", FirstKey::Whole, rows::kExtArHopParts},
+    RowKind{"arhop", 104, "hopKey", rows::kHopKey, "hopListIndex", FirstKey::Zero, rows::kArHopParts},
+    RowKind{"chop", 105, "hopKey", rows::kHopKey, "hopListIndex", FirstKey::Zero, rows::kCHopParts},
+    RowKind{"general", 106, "generalKey", rows::kGeneralKey, "frrWord0", FirstKey::Zero, rows::kGeneralParts},
+    RowKind{"exthop", 107, "hopKey", rows::kExtArHopKey, "extArHopWord0", FirstKey::Zero, rows::kExtArHopParts},
     RowKind{"facility", 108, "facilityKey", rows::kFacilityKey, "facilityWord0", FirstKey::Empty,
             rows::kFacilityParts},
-    RowKind{"ifconfig", 112, "ifKey", rows::kIfConfigKey, "ifIndex", FirstKey::Whole, rows::kIfConfigParts},
+    RowKind{"ifconfig", 112, "ifKey", rows::kIfConfigKey, "ifIndex", FirstKey::Zero, rows::kIfConfigParts},
 };
 
 // True if the row has all fields of its key, they fit into the key, and the numbered field comes first.

@@ -18,10 +18,11 @@ struct Leaf {
 };
 using Leaves = std::map<std::string, Leaf, std::less<>>;
 
+// An empty table is a leaf, so that its name is looked at.
 void Flatten(Leaves &leaves, const std::string &name, const Node &node, size_t line)
 {
     const auto *array = node.As<Node::Array>();
-    if (const auto *table = node.As<Node::Table>()) {
+    if (const auto *table = node.As<Node::Table>(); table != nullptr && !table->empty()) {
         for (const Member &member : *table)
             Flatten(leaves, fmt::format("{}.{}", name, member.name), member.node, member.line);
     } else if (array != nullptr && !array->empty() && array->front().As<Node::Table>() != nullptr) {
@@ -124,10 +125,21 @@ Found FindInParts(std::span<const Part> parts, std::string_view name, const Leav
     return found;
 }
 
+bool IsObject(std::span<const Part> parts, const std::string &name)
+{
+    return std::ranges::any_of(parts, [&](const Part &part) {
+        return std::ranges::any_of(part.layout->fields, [&](const Field &field) {
+            return (PrefixOf(part) + field.name).starts_with(name + ".");
+        });
+    });
+}
+
 Record ReadFields(const Leaves &leaves, std::span<const Part> parts)
 {
     Record record;
     for (const auto &[name, leaf] : leaves) {
+        if (leaf.node->As<Node::Table>() != nullptr && IsObject(parts, name))
+            continue; // an object that names none of its fields
         const Found found = FindInParts(parts, name, leaves);
         if (found.field == nullptr)
             Refuse(leaf.line, name,
@@ -160,6 +172,8 @@ void ReadList(Block &block, const ListKind &kind, const Member &member)
     const auto *array = member.node.As<Node::Array>();
     if (array == nullptr)
         Refuse(member.line, kind.name, "must be an array of tables");
+    if (array->empty() && !kind.mayBeEmpty)
+        Refuse(member.line, kind.name, "must have an entry, or not be named at all");
     std::vector<Block> &list = block.lists[std::string(kind.name)];
     const Part entry{.layout = *kind.entry};
     for (const Node &element : *array) {

@@ -3,6 +3,7 @@
 #ifndef HOST_DAEMON_WIRE_BYTES_H
 #define HOST_DAEMON_WIRE_BYTES_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -12,6 +13,11 @@ namespace rsvpsimd {
 
 using Bytes = std::vector<uint8_t>;
 using ByteView = std::span<const uint8_t>;
+
+inline bool IsZero(ByteView bytes)
+{
+    return std::ranges::all_of(bytes, [](uint8_t byte) { return byte == 0; });
+}
 
 inline uint64_t LoadNet(ByteView bytes)
 {

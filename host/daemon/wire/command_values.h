@@ -7,7 +7,17 @@
 
 namespace rsvpsimd {
 
+// Debug switches of these two types, compared as whole numbers, apply to one session. The value of any other type
+// has 0 in its place.
+inline constexpr uint8_t kDebugFirstSession = 16;
+inline constexpr uint8_t kDebugSecondSession = 64;
+
 namespace commands {
+
+constexpr FieldSpec OfOneSession(FieldSpec field)
+{
+    return WhenEither(field, "debugType", kDebugFirstSession, kDebugSecondSession);
+}
 
 inline constexpr std::array kPeerKey{Ip("peer", 0)};
 inline constexpr std::array kAuthKeySetting{Secret("authKey", 0, 68)};
@@ -20,7 +30,9 @@ inline constexpr std::array kMultiplier{U8("multiplier", 0)};
 inline constexpr std::array kIncrement{U8("increment", 0)};
 inline constexpr std::array kDscp{U32("dscp", 0)};
 inline constexpr std::array kReduction{U16("pair", 0, 2)};
-inline constexpr std::array kDebugSwitch{Object("session", 0, kSession), U32("debugType", 12)};
+inline constexpr std::array kDebugSwitch{OfOneSession(Ip("session.tunnelEndpoint", 0)),
+                                         OfOneSession(U16("session.tunnelId", 6)),
+                                         OfOneSession(Ip("session.extendedTunnelId", 8)), U32("debugType", 12)};
 inline constexpr std::array kAuthEntryKey{U32("authId1", 0), U32("authId2", 4), U16("authId3", 8),
                                           U16("authId4", 10)};
 inline constexpr std::array kStatisticsKey{U32("statsId1", 0), U16("statsId2", 4)};

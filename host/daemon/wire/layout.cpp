@@ -13,7 +13,8 @@ void Unfold(std::vector<Field> &fields, FieldSpecs specs, const std::string &pre
         const std::string name = prefix + std::string(spec.name);
         if (spec.object.empty()) {
             Field &field = fields.emplace_back(
-                Field{name, base + spec.offset, spec.width, spec.count, spec.order, spec.secret, {}});
+                Field{name, base + spec.offset, spec.width, spec.count, spec.order, spec.secret, {}, {}});
+            Unfold(field.inside, spec.inside, "", field.offset);
             if (!spec.form.field.empty())
                 field.form =
                     Form{prefix + std::string(spec.form.field), {spec.form.kindA, spec.form.kindB}, spec.form.among};
@@ -76,9 +77,11 @@ const Field *FindField(const Layout &layout, std::string_view name, const KindLo
 bool GapsAreZero(const Layout &layout, ByteView image)
 {
     Bytes rest(image.begin(), image.end());
+    const KindLookup kinds = KindsOf(layout, image);
     for (const Field &field : layout.fields)
-        std::ranges::fill(std::span(rest).subspan(field.offset, field.Size()), uint8_t{0});
-    return std::ranges::all_of(rest, [](uint8_t byte) { return byte == 0; });
+        if (!field.form || Holds(*field.form, kinds))
+            std::ranges::fill(std::span(rest).subspan(field.offset, field.Size()), uint8_t{0});
+    return IsZero(rest);
 }
 
 } // namespace rsvpsimd

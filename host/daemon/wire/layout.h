@@ -28,6 +28,7 @@ struct Field {
     Order order = Order::Network;
     bool secret = false; // never printed
     std::optional<Form> form = {};
+    std::vector<Field> inside = {}; // what the daemon keeps in these bytes; offsets count from the start of the value
 
     size_t Size() const { return width * count; }
 };
@@ -49,7 +50,7 @@ KindLookup KindsOf(const Layout &layout, ByteView image);
 // The field with this name in the form that `kinds` chooses, or null.
 const Field *FindField(const Layout &layout, std::string_view name, const KindLookup &kinds);
 
-// True if all bytes outside the fields are 0.
+// True if all bytes outside the fields of the value's own form are 0.
 bool GapsAreZero(const Layout &layout, ByteView image);
 
 } // namespace rsvpsimd

@@ -22,7 +22,7 @@ enum class Order : uint8_t {
 };
 
 // A field that only some forms of its object have: those where `field` is one of the two kinds, or, without `among`,
-// neither of them.
+// neither of them. Where a form lacks a field, its bytes are 0, unless another field takes its place.
 struct FormSpec {
     std::string_view field = {}; // a sibling in the same rows; empty for a field that every form has
     uint8_t kindA = 0;
@@ -42,6 +42,7 @@ struct FieldSpec {
     bool secret = false;
     FieldSpecs object = {}; // not empty: `count` objects, `width` bytes apart
     FormSpec form = {};
+    FieldSpecs inside = {}; // what the daemon keeps in bytes that are one run to everybody else
 };
 
 struct LayoutSpec {
@@ -113,10 +114,15 @@ constexpr FieldSpec Inline(size_t offset, FieldSpecs fields)
     return Object("", offset, fields);
 }
 
+constexpr FieldSpec WhenEither(FieldSpec field, std::string_view decider, uint8_t kind, uint8_t other)
+{
+    field.form = {.field = decider, .kindA = kind, .kindB = other};
+    return field;
+}
+
 constexpr FieldSpec WhenKind(FieldSpec field, uint8_t kind)
 {
-    field.form = {.field = "kind", .kindA = kind, .kindB = kind};
-    return field;
+    return WhenEither(field, "kind", kind, kind);
 }
 
 constexpr FieldSpec UnlessKind(FieldSpec field, uint8_t kind, uint8_t other)
@@ -142,7 +148,16 @@ constexpr size_t EndOf(FieldSpecs fields)
     return end;
 }
 
-// The bytes of a field or of a whole object, with dots for nested objects; nothing if there is no such name.
+// Raw bytes in which the daemon keeps these fields. Reaching the throw is a compile error.
+consteval FieldSpec Holding(FieldSpec field, FieldSpecs inside)
+{
+    if (EndOf(inside) > field.width)
+        throw "the fields do not fit the bytes that hold them";
+    field.inside = inside;
+    return field;
+}
+
+// The bytes of a field or of a whole object, with dots for what is inside; nothing if there is no such name.
 constexpr std::optional<Extent> FindExtent(FieldSpecs fields, std::string_view name)
 {
     for (const FieldSpec &field : fields) {
@@ -156,7 +171,7 @@ constexpr std::optional<Extent> FindExtent(FieldSpecs fields, std::string_view n
         }
         if (field.count > 1)
             continue; // names with an index are not supported: no table needs one
-        if (const auto found = FindExtent(field.object, inner))
+        if (const auto found = FindExtent(field.object.empty() ? field.inside : field.object, inner))
             return Extent{field.offset + found->offset, found->size};
     }
     return std::nullopt;

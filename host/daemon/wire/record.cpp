@@ -114,10 +114,24 @@ std::string StoreField(std::span<uint8_t> image, const Field &field, const Value
     return StoreNumber(place, std::get<uint64_t>(value));
 }
 
+bool IsWorthShowing(ByteView image, const Field &field)
+{
+    if (!field.inside.empty())
+        return std::ranges::any_of(field.inside, [&](const Field &inner) { return IsWorthShowing(image, inner); });
+    return field.secret || !IsZero(image.subspan(field.offset, field.Size()));
+}
+
 std::string ShowField(ByteView image, const Field &field)
 {
     if (field.secret)
         return "********";
+    if (!field.inside.empty()) {
+        std::vector<std::string> words;
+        for (const Field &inner : field.inside)
+            if (IsWorthShowing(image, inner))
+                words.push_back(fmt::format("{}={}", inner.name, ShowField(image, inner)));
+        return fmt::format("{{{}}}", fmt::join(words, " "));
+    }
     if (field.count == 1)
         return ShowElement(image.subspan(field.offset, field.width), field.order);
     std::vector<std::string> elements;

@@ -17,6 +17,9 @@ KindLookup KindsOf(const Record &record);
 
 // Stores a value in the field's bytes. Returns an empty string, or says why the value does not fit.
 std::string StoreField(std::span<uint8_t> image, const Field &field, const Value &value);
+
+// A field in words. Those that are 0 are not worth it, but of a secret not even that is told.
+bool IsWorthShowing(ByteView image, const Field &field);
 std::string ShowField(ByteView image, const Field &field);
 
 // Fields that the record does not name are 0. Throws std::invalid_argument for a name that the layout does not have
