@@ -84,7 +84,7 @@ void Store(const RecordDescription &description, const Values &values, void *rec
     const std::vector<Leaf> leaves = Leaves(description);
     for (const auto &[name, value] : values) {
         const auto leaf =
-            std::find_if(leaves.begin(), leaves.end(), [&](const Leaf &one) { return one.path == name; });
+            std::find_if(leaves.begin(), leaves.end(), [&path = name](const Leaf &one) { return one.path == path; });
         if (leaf == leaves.end())
             throw KeyError(fmt::format("there is no field '{}'; the key is {}", name, KeyShape(description)));
         StoreLeaf(*leaf, value, record);

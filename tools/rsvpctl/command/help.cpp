@@ -28,6 +28,12 @@ public:
         return option->get_description() + (isBoth ? "; also --" + option->get_lnames().front() : "");
     }
 
+    std::string make_option_usage(const CLI::Option *option) const override
+    {
+        const std::string name = make_option_name(option, true) + (option->get_allow_extra_args() ? "..." : "");
+        return option->get_required() ? name : "[" + name + "]";
+    }
+
     std::string make_subcommand(const CLI::App *app) const override
     {
         std::stringstream text;

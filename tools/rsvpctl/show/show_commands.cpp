@@ -21,7 +21,7 @@ namespace {
 struct GroupSpec {
     const char *word;
     const char *help;
-    const char *examples; // of the commands below, without "rsvpctl show"
+    const char *examples; // of the commands below, without the words of the group
 };
 
 constexpr GroupSpec kGroups[] = {
@@ -168,11 +168,12 @@ void AddShow(CommandLine &line, Node parent, const std::string &word, const Show
     }
 }
 
-std::string GroupExamples(const std::string &path, const GroupSpec &group)
+// Examples of the commands below a group, a line each, from the words behind those of the group.
+std::string GroupExamples(const std::string &path, std::string_view examples)
 {
     std::string text;
-    for (const std::string_view example : manager::Split(group.examples, '\n'))
-        text += (text.empty() ? "  rsvpctl " : "\n  rsvpctl ") + path + " " + group.word + " " + std::string(example);
+    for (const std::string_view example : manager::Split(examples, '\n'))
+        text += (text.empty() ? "  rsvpctl " : "\n  rsvpctl ") + path + " " + std::string(example);
     return text;
 }
 
@@ -180,11 +181,11 @@ std::string GroupExamples(const std::string &path, const GroupSpec &group)
 
 void AddShowCommands(CommandLine &line, Node parent)
 {
-    const Node shows = line.AddGroup(parent, "show", "Read settings, counters, tables and state",
-                                     "  rsvpctl show global\n"
-                                     "  rsvpctl show interfaces 1 --json\n"
-                                     "  rsvpctl show tunnels --ingress\n"
-                                     "  rsvpctl show neighbours --after 10.1.12.2,0       # the rows after this key");
+    const std::string path = parent.Path().empty() ? "show" : parent.Path() + " show";
+    const Node shows =
+        line.AddGroup(parent, "show", "Read settings, counters, tables and state",
+                      GroupExamples(path, "global\ninterfaces 1 --json\ntunnels --ingress\n"
+                                          "neighbours --after 10.1.12.2,0       # the rows after this key"));
     std::map<std::string, Node> groups;
     for (const ShowSpec &show : AllShows()) {
         const std::string words = show.words;
@@ -197,7 +198,7 @@ void AddShowCommands(CommandLine &line, Node parent)
         if (!groups.contains(group)) {
             const auto &spec = *std::find_if(std::begin(kGroups), std::end(kGroups),
                                              [&](const GroupSpec &one) { return one.word == group; });
-            groups[group] = line.AddGroup(shows, group, spec.help, GroupExamples(shows.Path(), spec));
+            groups[group] = line.AddGroup(shows, group, spec.help, GroupExamples(path + " " + group, spec.examples));
         }
         AddShow(line, groups[group], words.substr(space + 1), show);
     }
