@@ -595,7 +595,7 @@ TEST(Rsvpctl, ADryRunPrintsWhatIsSent)
     }
     ASSERT_GE(frames.size(), 2 * rsvpctl::AllSettings().size() - 12);
     ASSERT_EQ(planned["rows"].size(), frames.size());
-    for (size_t i = 0; i < frames.size(); i++) {
+    for (size_t i = 0; i < frames.size(); ++i) {
         const auto message = rsvpsimd::ReadMessage(frames[i]);
         ASSERT_TRUE(message) << i;
         json items = json::array();
@@ -681,7 +681,7 @@ TEST(Rsvpctl, NumbersThatDoNotFitAreRefusedBeforeAnythingIsSent)
         for (const std::string &value : {std::to_string(most + 1), fmt::format("{:#x}", most + 1), std::string("-1"),
                                          std::string("1x"), std::string("0x"), std::string("18446744073709551616")}) {
             lines += fmt::format("set {} {}{}{}\n", setting.name, pair ? "1 " : "", value, where);
-            count++;
+            ++count;
         }
         fitting += fmt::format("set {} {}{}{}\n", setting.name, pair ? "1 " : "", most, where);
     }
