@@ -124,7 +124,7 @@ need_arm() {
 seconds_of() {
   case ${1:-60} in
   *[!0-9]*)
-    printf 'build.sh: "%s" is no number of seconds\n' "$1" >&2
+    printf 'build.sh: "%s" is not a number of seconds\n' "$1" >&2
     exit 2
     ;;
   *) printf '%s' "${1:-60}" ;;

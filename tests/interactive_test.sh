@@ -193,7 +193,7 @@ looks plain on_terminal "$rsvpctl" show psb --no-pager --color never
 looks plain "$rsvpctl" show psb
 everything=$("$rsvpctl" show psb)
 for PAGER in /nowhere/pager "sed '" false; do
-  [[ $(on_terminal "$rsvpctl" show psb --color never | tr -d '\r') == *"$everything"* ]] || fail "lost behind $PAGER"
+  [[ $(on_terminal "$rsvpctl" show psb --color never | tr -d '\r') == *"$everything"* ]] || fail "output lost by $PAGER"
 done
 
 unset PAGER

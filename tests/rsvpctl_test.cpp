@@ -175,7 +175,7 @@ TEST(Rsvpctl, SaysWhatItDidAndWhyNot)
     }
 }
 
-// Every command there is, with nothing behind it and as in each of its own examples.
+// Every command there is, with nothing after it, and each of its own examples.
 std::set<std::string> EveryLine()
 {
     rsvpctl::CommandLine line;

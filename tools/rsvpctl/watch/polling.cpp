@@ -128,7 +128,8 @@ Waiter::Waiter(std::optional<std::chrono::milliseconds> duration)
     if (duration) {
         const auto seconds = std::chrono::floor<std::chrono::seconds>(*duration);
         itimerspec time{};
-        time.it_value = {seconds.count(), std::chrono::nanoseconds(*duration - seconds).count()};
+        const auto rest = std::chrono::nanoseconds(*duration - seconds);
+        time.it_value = {static_cast<time_t>(seconds.count()), static_cast<long>(rest.count())};
         end_ = timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC);
         if (end_ < 0 || timerfd_settime(end_, 0, &time, nullptr) != 0)
             Fail("timerfd");
