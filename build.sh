@@ -68,7 +68,7 @@ need_host() {
 # What the tests use beside the build: the library of tests, and the programs that check documents and interface.
 need_tests() {
   need_host
-  need googletest abigail-tools doxygen graphviz man-db mandoc pkg-config python3-jsonschema dpkg-dev file
+  need googletest abigail-tools doxygen graphviz man-db mandoc pkg-config python3-jsonschema dpkg-dev file lintian
 }
 
 # Runs a command and shows what it printed only if it fails.
@@ -124,7 +124,7 @@ need_arm() {
 seconds_of() {
   case ${1:-60} in
   *[!0-9]*)
-    printf 'build.sh: "%s" is no number of seconds\n' "$1" >&2
+    printf 'build.sh: "%s" is not a number of seconds\n' "$1" >&2
     exit 2
     ;;
   *) printf '%s' "${1:-60}" ;;

@@ -1,6 +1,7 @@
 #!/bin/sh
 # The manual pages must be right for both readers of them, and must not fall behind the programs: every command, option
-# and other name that a program has is in its page, and every kind of fault is in the daemon's page and in host.md.
+# and other name that a program has is in its page, every kind of fault and of row is in the pages that tell of them, and
+# the daemon takes the scenario that is shown.
 #
 #     check_manual_pages.sh RSVPCTL RSVPSIMD
 set -eu
@@ -17,7 +18,7 @@ complain() {
   failed=1
 }
 
-for page in *.[138]; do
+for page in *.[1358]; do
   problems=$(man --warnings -l "$page" 2>&1 >/dev/null; mandoc -Tlint -Wwarning "$page") || true
   [ -z "$problems" ] || complain "$page: $problems"
 done
@@ -75,9 +76,20 @@ missing rsvpctl.1 <"$words"
 
 plain rsvpsimd.8
 "$rsvpsimd" --help | options >"$words"
-"$rsvpsimd" --check --fault unknown 2>&1 | sed -n 's/.* the kinds are //p' | tr -d , | tr ' ' '\n' | tee "$kinds" >>"$words"
+kinds_of() {
+  "$rsvpsimd" --check "--$1" "unknown$2" 2>&1 | sed -n 's/.* the kinds are //p' | tr -d , | tr ' ' '\n'
+}
+kinds_of fault "" >"$kinds"
 [ -s "$kinds" ] || complain "the daemon does not list its kinds of faults"
+cat "$kinds" >>"$words"
 missing rsvpsimd.8 <"$words"
+plain rsvpsimd-scenario.5
+kinds_of rows =1 >"$words"
+[ -s "$words" ] || complain "the daemon does not list its kinds of rows"
+cat "$kinds" >>"$words"
+missing rsvpsimd-scenario.5 <"$words"
+sed -n '/^\.Bd -literal/,/^\.Ed/{/^\./d;p}' rsvpsimd-scenario.5 >"$words"
+"$rsvpsimd" --check --scenario "$words" || complain "the daemon does not take the scenario of rsvpsimd-scenario.5"
 while read -r kind; do
   grep -qE "^\| \`$kind[\`=[]" ../host.md || complain "host.md does not tell of the fault $kind"
 done <"$kinds"

@@ -2,8 +2,8 @@
 // order items may come, what is converted and what stays raw, and what a release leaves behind.
 #include "lsp/lists.h"
 #include "status/reads.h"
-#include "tests/support/operations.h"
 #include "tables/reads.h"
+#include "tests/support/operations.h"
 
 #include <algorithm>
 #include <cmath>

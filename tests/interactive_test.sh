@@ -47,13 +47,31 @@ expect_end() {
   local status=0
   wait "$watcher" || status=$?
   watcher=
-  expect "$1" 0 $status
+  expect "$1" "${2:-0}" $status
+}
+
+# A file holds nothing but documents of the schema, and together they fulfil a condition in Python.
+expect_documents() {
+  python3 - "$schema" "$1" "$2" <<'PYTHON'
+import json, sys, jsonschema
+schema = json.load(open(sys.argv[1]))
+validator = jsonschema.validators.validator_for(schema)(schema)
+documents = []
+text = open(sys.argv[2]).read()
+while text:
+    document, end = json.JSONDecoder().raw_decode(text)
+    documents.append(document)
+    text = text[end:].lstrip()
+for document in documents:
+    validator.validate(document)
+assert eval(sys.argv[3]), (sys.argv[3], documents)
+PYTHON
 }
 
 echo "-- rows that come, change and go"
 use_device changing <<<""
 events=$work/events
-"$rsvpctl" watch show interface-config --initial --json --interval 0.1 >"$events" &
+"$rsvpctl" watch show interface-config --initial --json --interval 100ms >"$events" &
 watcher=$!
 "$rsvpctl" set interface 3
 await "$events" '"event":"added"'
@@ -63,17 +81,10 @@ await "$events" '"event":"changed"'
 await "$events" '"event":"removed"'
 kill -INT -- -$watcher
 expect_end "watch, interrupted between polls"
-python3 - "$events" "$schema" <<'PYTHON'
-import json, sys, jsonschema
-schema = json.load(open(sys.argv[2]))
-validator = jsonschema.validators.validator_for(schema)(schema)
-events = [json.loads(line) for line in open(sys.argv[1])]
-for event in events:
-    validator.validate(event)
-assert [event["event"] for event in events] == ["added", "changed", "removed"], events
-assert all(event["key"] == {"ifIndex": 3} for event in events), events
-assert events[1]["changes"] == [{"field": "/ifConfig", "before": 1, "after": 3, "perSecond": None}], events
-PYTHON
+expect_documents "$events" '[(event["event"], event["key"]) for event in documents] == [
+  ("added", {"ifIndex": 3}), ("changed", {"ifIndex": 3}), ("removed", {"ifIndex": 3})
+] and documents[1]["changes"] == [
+  {"field": "/ifConfig", "before": 1, "after": 3, "perSecond": None}]'
 
 echo "-- the daemon goes, and comes back"
 "$rsvpctl" watch show interface-config --json --interval 0.1 >"$events" &
@@ -85,9 +96,21 @@ await "$events" '"event":"recovered"'
 kill -TERM $watcher
 expect_end "watch, terminated"
 expect "the last event" 1 "$(tail -n 1 "$events" | grep -c '"event":"recovered"')"
+"$rsvpctl" watch status --initial --json --interval 0.1 >"$events" &
+watcher=$!
+await "$events" '"event":"added"'
 "$rsvpctl" disable
-"$rsvpctl" watch show interface-config --json --interval 0.1 --count 5 >"$events" || expect "watch, with no daemon" 3 $?
-expect "failures told of in five polls" 1 "$(grep -c '"event":"failed"' "$events")"
+await "$events" '"/service","before":"running","after":"stopped"'
+kill -INT -- -$watcher
+expect_end "watch status, interrupted"
+expect_documents "$events" 'all(event["event"] in ("added", "changed") and not event["key"] for event in documents)'
+for end in "--count 5" "--duration 1s"; do
+  status=0
+  # shellcheck disable=SC2086
+  "$rsvpctl" watch show interface-config --json --interval 0.1 $end >"$events" || status=$?
+  expect "watch, with no daemon" 3 $status
+  expect "failures told of in all polls" 1 "$(grep -c '"event":"failed"' "$events")"
+done
 
 echo "-- Ctrl-C and a closed pipe in the middle of a wait"
 use_device silent <<'SCENARIO'
@@ -96,6 +119,12 @@ trace = true
 kind = "silent"
 class = 3
 item = 101
+[[fault]]
+kind = "silent"
+op = 5
+item = 105
+[rows]
+chop = 2
 SCENARIO
 "$rsvpctl" watch show tunnels --json >"$events" &
 watcher=$!
@@ -103,6 +132,30 @@ await "$RSVP_HOST_DIR/rsvpsimd.log" "< no answer"
 kill -INT -- -$watcher
 expect_end "watch, interrupted while it waits"
 [ ! -s "$events" ] || fail "the wait went on to its end: $(cat "$events")"
+status=0
+"$rsvpctl" watch show tunnels --duration 500ms >"$events" 2>&1 || status=$?
+expect "watch, whose time is over before it knows anything" 4 $status
+expect "its message" "rsvpctl: watch show tunnels: no poll came to its end within 500ms" "$(cat "$events")"
+
+# What came is a whole document, whatever was open: nothing, rows, or rows inside a batch.
+printf 'show counters\nshow hops computed\nshow global\n' >"$work/lines"
+interrupt() {
+  : >"$RSVP_HOST_DIR/rsvpsimd.log"
+  # shellcheck disable=SC2086
+  "$rsvpctl" $1 --json >"$events" &
+  watcher=$!
+  await "$RSVP_HOST_DIR/rsvpsimd.log" "< no answer"
+  kill -INT -- -$watcher
+  expect_end "$1, interrupted" 130
+  expect_documents "$events" "len(documents) == 1 and documents[0]['exitStatus'] == 130 and $2"
+}
+interrupt "show tunnels" 'documents[0]["error"] == "interrupted"'
+one_row() {
+  echo "[(part['count'], len(part['rows']), part['complete'], part['end']) for part in [$1]] == [
+    (1, 1, False, 'interrupted')]"
+}
+interrupt "show hops computed" "$(one_row "documents[0]")"
+interrupt "batch $work/lines" "$(one_row "documents[0]['rows'][1]") and documents[0]['count'] == 2"
 mkfifo "$work/pipe"
 : >"$RSVP_HOST_DIR/rsvpsimd.log"
 "$rsvpctl" watch show tunnels --json >"$work/pipe" &
@@ -130,6 +183,7 @@ looks() {
 }
 looks bold on_terminal "$rsvpctl" show psb
 looks plain env NO_COLOR=1 script -qec "$rsvpctl show psb" /dev/null
+looks plain env TERM=dumb script -qec "$rsvpctl show psb" /dev/null
 looks bold env NO_COLOR=1 "$rsvpctl" show psb --color always
 looks plain on_terminal "$rsvpctl" show psb --color never
 looks plain "$rsvpctl" show psb
@@ -137,6 +191,10 @@ export PAGER="sed 's/^/page: /'"
 looks paged on_terminal "$rsvpctl" show psb
 looks plain on_terminal "$rsvpctl" show psb --no-pager --color never
 looks plain "$rsvpctl" show psb
+everything=$("$rsvpctl" show psb)
+for PAGER in /nowhere/pager "sed '" false; do
+  [[ $(on_terminal "$rsvpctl" show psb --color never | tr -d '\r') == *"$everything"* ]] || fail "output lost by $PAGER"
+done
 
 unset PAGER
 use_device slow <<'SCENARIO'
@@ -151,6 +209,7 @@ item = 101
 SCENARIO
 [[ $(on_terminal "$rsvpctl" show tunnels) == *"2 rows, "*" rows/s"* ]] || fail "a long walk shows no progress"
 [[ $("$rsvpctl" show tunnels 2>&1) != *"rows/s"* ]] || fail "progress where there is no terminal"
+[[ $(TERM=dumb on_terminal "$rsvpctl" show tunnels) != *$'\e'* ]] || fail "escapes where the terminal takes none"
 
 echo "-- completion"
 offers() {

@@ -3,6 +3,7 @@
 #include "host/daemon/instance.h"
 #include "host/daemon/wire/frame.h"
 #include "host/directory.h"
+#include "manager/record/text.h"
 #include "tests/support/program.h"
 #include "tools/rsvpctl/command/batch.h"
 #include "tools/rsvpctl/command/command_line.h"
@@ -129,6 +130,7 @@ TEST(Rsvpctl, SaysWhatItDidAndWhyNot)
         {"set dscp 5 --detail", 2, "", "--detail changes nothing here"},
         {"set hello-interval 300", 2, "", "interval: takes a number from 0 to 255, not '300'"},
         {"set bfd", 2, "", "--interface"},
+        {"watch status --interval 99ms", 2, "", "takes a duration from 100ms to 24h"},
         {"set bfd --interface 3 --interface 4", 2, "", "--interface"},
         {"set auth-window 5 --interface 3 --peer 10.0.0.9", 2, "", "--peer"},
         {"set peer 10.0.0", 2, "", "10.0.0.9"},
@@ -173,7 +175,7 @@ TEST(Rsvpctl, SaysWhatItDidAndWhyNot)
     }
 }
 
-// Every command there is, with nothing behind it and as in each of its own examples.
+// Every command there is, with nothing after it, and each of its own examples.
 std::set<std::string> EveryLine()
 {
     rsvpctl::CommandLine line;
@@ -593,7 +595,7 @@ TEST(Rsvpctl, ADryRunPrintsWhatIsSent)
     }
     ASSERT_GE(frames.size(), 2 * rsvpctl::AllSettings().size() - 12);
     ASSERT_EQ(planned["rows"].size(), frames.size());
-    for (size_t i = 0; i < frames.size(); i++) {
+    for (size_t i = 0; i < frames.size(); ++i) {
         const auto message = rsvpsimd::ReadMessage(frames[i]);
         ASSERT_TRUE(message) << i;
         json items = json::array();
@@ -679,7 +681,7 @@ TEST(Rsvpctl, NumbersThatDoNotFitAreRefusedBeforeAnythingIsSent)
         for (const std::string &value : {std::to_string(most + 1), fmt::format("{:#x}", most + 1), std::string("-1"),
                                          std::string("1x"), std::string("0x"), std::string("18446744073709551616")}) {
             lines += fmt::format("set {} {}{}{}\n", setting.name, pair ? "1 " : "", value, where);
-            count++;
+            ++count;
         }
         fitting += fmt::format("set {} {}{}{}\n", setting.name, pair ? "1 " : "", most, where);
     }
@@ -729,7 +731,11 @@ TEST(Rsvpctl, AKeyThatIsNotOneIsRefusedByTheNameOfItsField)
         EXPECT_EQ(result.exit, row.exit) << row.text << "\n" << result.err;
         EXPECT_NE(result.err.find(row.err), std::string::npos) << row.text << "\n" << result.err;
     }
-    EXPECT_EQ(Ctl(directory, "tree --key 1 0.0.0.0 0 0 0 0 0 0 0 0 0").exit, 0);
+    const std::string tree = "tree --key 1 0.0.0.0 0 0 0 0 0 0 0 0 0";
+    EXPECT_EQ(Ctl(directory, tree).exit, 0);
+    const Result noLeaf = Ctl(directory, tree + " --leaf 10.9.9.9");
+    EXPECT_EQ(noLeaf.exit, 1);
+    EXPECT_NE(noLeaf.err.find("no leaf 10.9.9.9 (leaves: 1)"), std::string::npos) << noLeaf.err;
     EXPECT_NE(Ctl(directory, "tree --key 1,0").err.find("takes 11 values (keyWord0,"), std::string::npos);
 }
 
@@ -760,37 +766,93 @@ TEST(Rsvpctl, EnablesAndDisablesTheNodesOfOneDeviceAlone)
     EXPECT_EQ(status["status"], RSVP_MOR_ERR_NOT_ENABLED);
 }
 
+// A watched table, told in words: "changed 1 /statWord3 10/s", one word a field.
+class Watched {
+public:
+    std::vector<std::string> Poll(const std::vector<std::string> &rows, double seconds, bool complete = true)
+    {
+        for (const std::string &row : rows)
+            changes_.Row(row, seconds);
+        std::vector<std::string> events;
+        changes_.EndPoll(complete, seconds, [&](const rsvpctl::RowEvent &event) {
+            constexpr const char *kNames[] = {"added", "changed", "removed"};
+            EXPECT_EQ(event.seconds, seconds);
+            EXPECT_EQ(event.key["row"], event.row["row"]);
+            events.push_back(fmt::format("{} {}", kNames[static_cast<size_t>(event.kind)], event.key["row"].dump()));
+            for (const rsvpctl::FieldChange &change : event.changes)
+                events.back() +=
+                    " " + change.field + (change.perSecond ? fmt::format(" {}/s", *change.perSecond) : "");
+            return true;
+        });
+        return events;
+    }
+
+private:
+    static constexpr manager::KeyPart kKeys[] = {{"row", 0, 4}};
+    rsvpctl::RowChanges changes_{kKeys};
+};
+
 TEST(Rsvpctl, AWatchedCounterIsARateUntilItIsCleared)
 {
-    using nlohmann::ordered_json;
-    using Rate = std::optional<double>;
-    constexpr manager::KeyPart keys[] = {{"row", 0, 4}};
     const struct {
         const char *field;
-        ordered_json before;
-        ordered_json after;
-        Rate perSecond;
+        const char *before;
+        const char *after;
+        const char *rate;
     } cases[] = {
-        {"statWord3", 10u, 30u, 10},
-        {"statWord3", 0xfffffffau, 6u, 6}, // round the end of 32 bits
-        {"statWord3", 5000u, 0u, std::nullopt},
-        {"upLsps", 10u, 30u, std::nullopt},
-        {"statWord3", nullptr, 30u, std::nullopt},
+        {"statWord3", "10", "30", " 10/s"}, {"statWord3", "4294967290", "6", " 6/s"}, // round the end of 32 bits
+        {"statWord3", "5000", "0", ""},     {"upLsps", "10", "30", ""},
+        {"statWord3", "null", "30", ""},
     };
     for (const auto &row : cases) {
-        rsvpctl::RowChanges changes(keys);
-        changes.BeginPoll();
-        const auto added = changes.Row({{"row", 1}, {row.field, row.before}}, 100);
-        ASSERT_TRUE(added && added->kind == rsvpctl::RowEvent::Kind::Added);
-        EXPECT_FALSE(changes.Row({{"row", 1}, {row.field, row.before}}, 100)) << "as it was";
-        changes.BeginPoll();
-        const auto changed = changes.Row({{"row", 1}, {row.field, row.after}}, 102);
-        ASSERT_TRUE(changed && changed->changes.size() == 1);
-        EXPECT_EQ(changed->changes[0].perSecond, row.perSecond) << row.before << " to " << row.after;
-        // Only a poll that saw the whole table knows what is gone.
-        changes.BeginPoll();
-        EXPECT_TRUE(changes.EndPoll(false).empty());
-        EXPECT_EQ(changes.EndPoll(true).size(), 1);
+        Watched watched;
+        const auto text = [&](const char *value) { return fmt::format("{{\"row\":1,\"{}\":{}}}", row.field, value); };
+        EXPECT_EQ(watched.Poll({text(row.before)}, 90), (std::vector<std::string>{"added 1"}));
+        EXPECT_TRUE(watched.Poll({text(row.before)}, 100).empty()) << "as it was";
+        EXPECT_EQ(watched.Poll({text(row.after)}, 102),
+                  (std::vector<std::string>{fmt::format("changed 1 /{}{}", row.field, row.rate)}));
+    }
+}
+
+TEST(Rsvpctl, AWatchTellsWhatChangedFromWhatWasNotSeen)
+{
+    using Rows = std::vector<std::string>;
+    const std::string a = R"({"row":1,"x":1})", b = R"({"row":2,"x":1})", c = R"({"row":3,"x":1})";
+    const std::string otherA = R"({"row":1,"x":2})", otherB = R"({"row":2,"y":1})";
+    const struct {
+        Rows rows;
+        bool complete;
+        Rows events;
+    } polls[] = {
+        {{b, a}, true, {"added 2", "added 1"}},
+        {{c}, false, {"added 3"}}, // nothing is known of the others
+        {{a, b, c}, true, {}},
+        {{otherA}, false, {"changed 1 /x"}}, // the text before is forgotten, so that it can come again
+        {{a, b, b, c}, true, {"changed 1 /x"}},
+        {{otherB, a, otherA}, true, {"changed 2 /y /x", "added 1", "removed 3"}}, // two rows of a key are two
+        {{}, true, {"removed 1", "removed 1", "removed 2"}},
+    };
+    Watched watched;
+    for (const auto &poll : polls)
+        EXPECT_EQ(watched.Poll(poll.rows, 1, poll.complete), poll.events) << &poll - polls;
+}
+
+TEST(Rsvpctl, ADurationIsANumberWithAUnit)
+{
+    const struct {
+        const char *text;
+        int64_t milliseconds; // -1: refused
+        const char *again;
+    } cases[] = {
+        {"500ms", 500, "500ms"}, {"2s", 2000, "2s"},       {"2", 2000, "2s"}, {"0.1", 100, "100ms"},
+        {"1.5m", 90000, "90s"},  {"24h", 86400000, "24h"}, {"", -1, ""},      {"s", -1, ""},
+        {"1 s", -1, ""},         {"-1s", -1, ""},          {"1d", -1, ""},    {"nan", -1, ""},
+        {"1e3", -1, ""},         {"infs", -1, ""},         {"9999h", -1, ""},
+    };
+    for (const auto &row : cases) {
+        const auto duration = manager::ParseDuration(row.text);
+        EXPECT_EQ(duration ? duration->count() : -1, row.milliseconds) << row.text;
+        EXPECT_EQ(duration ? manager::DurationText(*duration) : "", row.again);
     }
 }
 

@@ -3,13 +3,25 @@
 
 #include "manager/record/record.h"
 
+#include <algorithm>
 #include <arpa/inet.h>
 #include <array>
 #include <bit>
 #include <charconv>
+#include <cmath>
 #include <fmt/compile.h>
 
 namespace manager {
+namespace {
+
+struct Unit {
+    std::string_view name;
+    int64_t milliseconds;
+};
+
+constexpr Unit kUnits[] = {{"h", 3600000}, {"m", 60000}, {"s", 1000}, {"ms", 1}};
+
+} // namespace
 
 std::string DottedText(uint32_t address)
 {
@@ -36,6 +48,30 @@ std::optional<uint64_t> ParseNumber(std::string_view text)
     if (parsed.ec != std::errc{} || parsed.ptr != end)
         return std::nullopt;
     return number;
+}
+
+std::optional<std::chrono::milliseconds> ParseDuration(std::string_view text)
+{
+    double number = 0;
+    const char *end = text.data() + text.size();
+    const auto parsed = std::from_chars(text.data(), end, number, std::chars_format::fixed);
+    const std::string_view unit(parsed.ptr, static_cast<size_t>(end - parsed.ptr));
+    const auto *found = std::find_if(std::begin(kUnits), std::end(kUnits),
+                                     [&](const Unit &known) { return known.name == (unit.empty() ? "s" : unit); });
+    if (parsed.ec != std::errc{} || found == std::end(kUnits))
+        return std::nullopt;
+    const double milliseconds = std::round(number * static_cast<double>(found->milliseconds));
+    // The comparison refuses what is not a number as well.
+    if (std::signbit(milliseconds) || !(milliseconds <= static_cast<double>(kLongestDuration.count())))
+        return std::nullopt;
+    return std::chrono::milliseconds(static_cast<int64_t>(milliseconds));
+}
+
+std::string DurationText(std::chrono::milliseconds duration)
+{
+    const auto *unit = std::find_if(std::begin(kUnits), std::end(kUnits),
+                                    [&](const Unit &known) { return duration.count() % known.milliseconds == 0; });
+    return fmt::format("{}{}", duration.count() / unit->milliseconds, unit->name);
 }
 
 float NetFloat(const void *at)

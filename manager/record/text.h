@@ -3,6 +3,7 @@
 #ifndef MANAGER_RECORD_TEXT_H
 #define MANAGER_RECORD_TEXT_H
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -21,6 +22,15 @@ std::optional<uint32_t> ParseAddress(std::string_view text);
 
 /** A decimal or 0x number; nothing if the text is anything else, or no 64 bits hold it. */
 std::optional<uint64_t> ParseNumber(std::string_view text);
+
+inline constexpr std::chrono::milliseconds kLongestDuration = std::chrono::hours(24) * 365;
+
+/** A duration: "500ms", "2s", "1.5m", "1h", a plain number in seconds. Nothing if the text is anything else, or
+ * longer than the longest. */
+std::optional<std::chrono::milliseconds> ParseDuration(std::string_view text);
+
+/** The duration in the largest unit that leaves no fraction, as ParseDuration takes it. */
+std::string DurationText(std::chrono::milliseconds duration);
 
 /** The largest number that a field of so many bytes holds. */
 constexpr uint64_t MaximumOf(uint32_t width)

@@ -12,7 +12,7 @@ namespace rsvpctl {
 void AddCommands(CommandLine &line)
 {
     AddServiceCommands(line);
-    AddStatusCommand(line);
+    AddStatusCommand(line, line.Root());
     AddExplainCommand(line);
     AddSettingCommands(line);
     AddDebugCommands(line);

@@ -26,6 +26,8 @@ Exit RunProgram(const std::vector<std::string> &words)
     }
     Output out(line.ChosenStyle(), line.ChosenColor());
     const Pager pager(line.MayUsePager() && command->mayBeLong);
+    if (out.IsJson())
+        out.EndWholeOnInterrupt(command->name);
     return out.Finish(Run(out, *command));
 }
 

@@ -24,7 +24,8 @@ constexpr const char *kRootExamples = R"(Examples:
   rsvpctl help set dscp
 
 Exit status: 0 done; 1 the daemon refused; 2 wrong usage; 3 no session to the daemon; 4 the exchange failed,
-the reply was out of format or a walk was broken; 5 the service is not enabled; 7 the output could not be written.)";
+the reply was out of format or a walk was broken; 5 the service is not enabled; 7 the output could not be written;
+130 Ctrl-C ended it.)";
 
 [[noreturn]] void Refuse(const std::string &name, const std::string &problem)
 {

@@ -47,9 +47,9 @@ uint32_t Option::Address() const
     return IsGiven() ? ParseAddress(Text()).value() : 0;
 }
 
-double Option::SecondsOr(double value) const
+std::chrono::milliseconds Option::DurationOr(std::chrono::milliseconds value) const
 {
-    return IsGiven() ? option_->as<double>() : value;
+    return IsGiven() ? manager::ParseDuration(Text()).value() : value;
 }
 
 Option Option::Required(bool required) const
@@ -107,9 +107,17 @@ Option Node::AddAddress(const std::string &names, const std::string &help) const
     }));
 }
 
-Option Node::AddSeconds(const std::string &names, double min, double max, const std::string &help) const
+Option Node::AddDuration(const std::string &names, std::chrono::milliseconds min, std::chrono::milliseconds max,
+                         const std::string &help) const
 {
-    return Option(app_->add_option(names, help)->type_name("SECONDS")->check(CLI::Range(min, max)));
+    const std::string takes = fmt::format("takes a duration from {} to {} (500ms, 2s, 1m; a plain number is seconds)",
+                                          manager::DurationText(min), manager::DurationText(max));
+    const auto check = [min, max, takes](const std::string &text) {
+        const auto duration = manager::ParseDuration(text);
+        return duration && *duration >= min && *duration <= max ? std::string()
+                                                                : fmt::format("{}{}'{}'", takes, kButGiven, text);
+    };
+    return Option(app_->add_option(names, help)->type_name("DURATION")->check(check));
 }
 
 Option Node::AddChoice(const std::string &names, const std::string &type, const std::vector<std::string> &choices,

@@ -6,6 +6,7 @@
 
 #include "manager/record/record.h"
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -39,8 +40,8 @@ public:
     /** Of an option that AddAddress made; 0 if it is not given. */
     uint32_t Address() const;
 
-    /** Of an option that AddSeconds made. */
-    double SecondsOr(double value) const;
+    /** Of an option that AddDuration made. */
+    std::chrono::milliseconds DurationOr(std::chrono::milliseconds value) const;
 
     Option Required(bool required = true) const;
     Option Excludes(Option other) const;
@@ -72,7 +73,8 @@ public:
     Option AddNumber(const std::string &names, uint64_t max, const std::string &help,
                      const std::string &unit = {}) const;
     Option AddAddress(const std::string &names, const std::string &help) const;
-    Option AddSeconds(const std::string &names, double min, double max, const std::string &help) const;
+    Option AddDuration(const std::string &names, std::chrono::milliseconds min, std::chrono::milliseconds max,
+                       const std::string &help) const;
     Option AddChoice(const std::string &names, const std::string &type, const std::vector<std::string> &choices,
                      const std::string &help) const;
     /** A text that `check` takes; it gives an empty text, or says what is wrong. */

@@ -4,6 +4,8 @@
 
 #include "manager/exchange/exchange.h"
 #include "manager/record/text.h"
+#include "tools/rsvpctl/print/interrupt.h"
+#include "tools/rsvpctl/print/terminal.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -25,7 +27,7 @@ bool UseColor(Color color, FILE *stream)
     if (color != Color::Auto)
         return color == Color::Always;
     const char *off = std::getenv("NO_COLOR");
-    return (off == nullptr || *off == '\0') && isatty(fileno(stream)) == 1;
+    return (off == nullptr || *off == '\0') && TakesEscapes(fileno(stream));
 }
 
 size_t LineWidth(FILE *stream)
@@ -80,6 +82,22 @@ Reason BreakOf(const WalkResult &result, const manager::Exchange &exchange)
         text};
 }
 
+std::string MemberText(const char *name, const Json &value)
+{
+    return fmt::format(",\"{}\":{}", name, JsonText(value));
+}
+
+std::string EndText(uint32_t status, const char *name, Exit exit)
+{
+    return MemberText("status", status) + MemberText("statusName", name) +
+           MemberText("exitStatus", static_cast<int>(exit)) + "}\n";
+}
+
+std::string EndOfInterrupted()
+{
+    return EndText(RSVP_MOR_ERR_FAIL, Explain(RSVP_MOR_ERR_FAIL).name, Exit::Interrupted);
+}
+
 } // namespace
 
 Output::Output(Style style, Color color, FILE *document, FILE *messages)
@@ -88,8 +106,34 @@ Output::Output(Style style, Color color, FILE *document, FILE *messages)
 {
 }
 
+// What makes a whole document of what is written so far. A document without rows is written at once.
+std::string Output::Ending() const
+{
+    static const std::string end = EndOfInterrupted();
+    std::string text;
+    if (inList_) {
+        text += "]" + MemberText("count", rows_) + MemberText("complete", false);
+        if (table_ != nullptr)
+            text += MemberText("end", "interrupted") + MemberText("function", table_->next.function);
+        text += end;
+    }
+    if (inBatch_)
+        text += "]" + MemberText("count", batchDocuments_) + MemberText("complete", false) + end;
+    return text;
+}
+
+void Output::EndWholeOnInterrupt(const std::string &operation)
+{
+    OpenDocument(operation);
+    Member("error", "interrupted");
+    EndDocumentOnInterrupt(std::exchange(text_, {}) + EndOfInterrupted());
+}
+
 bool Output::Flush()
 {
+    DocumentWrite write;
+    if (IsJson())
+        write.SetEnding(Ending());
     if (writeError_ == 0 && !text_.empty() &&
         (std::fwrite(text_.data(), 1, text_.size(), document_) != text_.size() || std::fflush(document_) != 0))
         writeError_ = errno;
@@ -140,7 +184,7 @@ void Output::OpenDocument(const std::string &operation)
 
 void Output::Member(const char *name, const Json &value)
 {
-    text_ += fmt::format(",\"{}\":{}", name, JsonText(value));
+    text_ += MemberText(name, value);
 }
 
 void Output::CloseDocument(uint32_t status, Exit exit, const char *name)
@@ -149,12 +193,9 @@ void Output::CloseDocument(uint32_t status, Exit exit, const char *name)
         batchExit_ = exit;
         batchStatus_ = status;
     }
-    if (IsJson()) {
-        Member("status", status);
-        Member("statusName", name == nullptr ? Explain(status).name : name);
-        Member("exitStatus", static_cast<int>(exit));
-        text_ += "}\n";
-    }
+    if (IsJson())
+        text_ += EndText(status, name == nullptr ? Explain(status).name : name, exit);
+    inList_ = false;
     Flush();
 }
 
@@ -259,14 +300,19 @@ Exit Output::Report(const Outcome &outcome)
     return outcome.status == RSVP_MOR_OK ? Done(outcome.operation, outcome.asked) : Failed(outcome);
 }
 
-Exit Output::Broken(const std::string &operation, const std::string &problem)
+Exit Output::Wrong(const std::string &operation, const std::string &problem, uint32_t status, Exit exit)
 {
     Complain(fmt::format("{}: {}", operation, problem));
     OpenDocument(operation);
     if (IsJson())
         Member("error", problem);
-    CloseDocument(RSVP_MOR_ERR_FAIL, Exit::Exchange);
-    return Exit::Exchange;
+    CloseDocument(status, exit);
+    return exit;
+}
+
+Exit Output::Broken(const std::string &operation, const std::string &problem)
+{
+    return Wrong(operation, problem, RSVP_MOR_ERR_FAIL, Exit::Exchange);
 }
 
 Exit Output::WrongUsage(const std::string &operation, const UsageError &error)
@@ -287,6 +333,8 @@ Exit Output::WrongUsage(const std::string &operation, const UsageError &error)
 void Output::BeginList(const std::string &operation)
 {
     rows_ = 0;
+    inList_ = true;
+    table_ = nullptr;
     layout_.reset();
     OpenDocument(operation);
     if (IsJson())

@@ -69,6 +69,9 @@ public:
     /** An operation that gave the status 0 and yet is not known to be done. */
     Exit NotDone(const Outcome &outcome, const std::string &problem);
 
+    /** An answer that lacks what was asked for. */
+    Exit Wrong(const std::string &operation, const std::string &problem, uint32_t status, Exit exit);
+
     /** A command that the system did not let come to its end: no process, no memory. */
     Exit Broken(const std::string &operation, const std::string &problem);
 
@@ -102,6 +105,10 @@ public:
     /** A line on standard error. */
     void Message(const std::string &text);
 
+    /** From now on Ctrl-C ends the document as a whole one, and the process. It is a document of the operation even
+     * if nothing of one is written. */
+    void EndWholeOnInterrupt(const std::string &operation);
+
     /** The exit status after everything is written: a document that could not be written is a failure of its own,
      * but a reader that went away got what it wanted. */
     Exit Finish(Exit exit);
@@ -119,6 +126,7 @@ private:
     Exit Fail(const Outcome &failure, const std::string &headline, const Reason &reason);
     void MemberReason(const Reason &reason);
     void Member(const char *name, const manager::Json &value);
+    std::string Ending() const;
     void Write(const std::string &line);
     void Complain(const std::string &text);
     bool Flush();
@@ -136,6 +144,7 @@ private:
     const manager::Table *table_ = nullptr;
     std::optional<TableLayout> layout_;
     uint64_t rows_ = 0;
+    bool inList_ = false;
 
     std::string batchFile_;
     uint64_t batchLine_ = 0;

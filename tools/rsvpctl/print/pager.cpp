@@ -2,6 +2,8 @@
 // it: Ctrl-C ends the output and leaves the pager with what it has.
 #include "tools/rsvpctl/print/pager.h"
 
+#include "tools/rsvpctl/print/statuses.h"
+
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -13,7 +15,11 @@
 namespace rsvpctl {
 namespace {
 
-constexpr int kEndedByInterrupt = 128 + SIGINT;
+// A pager that could not run, or failed, left something unread: that is printed as it is. One that a person killed
+// with a signal did not fail. The trap keeps this shell until its pager ends, and is not handed on to the pager.
+constexpr const char *kRunPager =
+    R"(trap : INT; sh -c "$PAGER"; end=$?; [ $end -eq 0 ] || [ $end -gt 128 ] || exec cat)";
+constexpr const char *kShell = "/bin/sh";
 
 volatile sig_atomic_t pagerOfSignal = -1;
 
@@ -23,41 +29,42 @@ void WaitFor(pid_t child)
         continue;
 }
 
-// Only what a signal handler may do: the pager sees the end of its input, and the person leaves it when done.
-extern "C" void LeaveToPager(int)
-{
-    close(STDOUT_FILENO);
-    close(STDERR_FILENO);
-    WaitFor(static_cast<pid_t>(pagerOfSignal));
-    _exit(kEndedByInterrupt);
-}
-
-const char *Wanted()
+bool CanPage()
 {
     const char *pager = std::getenv("PAGER");
-    return pager == nullptr || *pager == '\0' || isatty(STDOUT_FILENO) != 1 ? nullptr : pager;
+    return pager != nullptr && *pager != '\0' && isatty(STDOUT_FILENO) == 1 && access(kShell, X_OK) == 0;
 }
 
-[[noreturn]] void BecomePager(const char *pager, int readEnd)
+[[noreturn]] void BecomePager(int readEnd)
 {
     (void)std::signal(SIGPIPE, SIG_DFL); // the tool ignores it, and an ignored signal stays ignored
     (void)setenv("LESS", "FRX", 0);      // end at once if one screen is enough, pass colours on
     if (dup2(readEnd, STDIN_FILENO) >= 0)
-        execl("/bin/sh", "sh", "-c", pager, static_cast<char *>(nullptr));
+        execl(kShell, "sh", "-c", kRunPager, static_cast<char *>(nullptr));
     _exit(127);
 }
 
 } // namespace
 
+// The pager sees the end of its input, and the person leaves it when done; Ctrl-C is for the pager from now on.
+void EndByInterrupt()
+{
+    (void)std::signal(SIGINT, SIG_IGN);
+    close(STDOUT_FILENO);
+    close(STDERR_FILENO);
+    if (pagerOfSignal > 0)
+        WaitFor(static_cast<pid_t>(pagerOfSignal));
+    _exit(static_cast<int>(Exit::Interrupted));
+}
+
 Pager::Pager(bool wanted)
 {
-    const char *pager = wanted ? Wanted() : nullptr;
     std::array<int, 2> ends{};
-    if (pager == nullptr || pipe2(ends.data(), O_CLOEXEC) != 0)
+    if (!wanted || !CanPage() || pipe2(ends.data(), O_CLOEXEC) != 0)
         return;
     child_ = fork();
     if (child_ == 0)
-        BecomePager(pager, ends[0]);
+        BecomePager(ends[0]);
     if (child_ > 0) {
         // Messages appear beside the rows that they belong to, unless they go to a file.
         for (const int stream : {STDOUT_FILENO, STDERR_FILENO}) {
@@ -67,7 +74,7 @@ Pager::Pager(bool wanted)
             (void)dup2(ends[1], stream);
         }
         pagerOfSignal = child_;
-        (void)std::signal(SIGINT, LeaveToPager);
+        (void)std::signal(SIGINT, [](int) { EndByInterrupt(); });
     }
     close(ends[0]);
     close(ends[1]);

@@ -20,6 +20,9 @@ private:
     std::array<int, 2> terminal_{-1, -1}; // what standard output and standard error were; -1 for one left alone
 };
 
+/** What Ctrl-C does: ends the process, after the pager if there is one. A signal handler may call it. */
+[[noreturn]] void EndByInterrupt();
+
 } // namespace rsvpctl
 
 #endif

@@ -3,6 +3,7 @@
 #include "tools/rsvpctl/print/progress.h"
 
 #include "manager/record/text.h"
+#include "tools/rsvpctl/print/terminal.h"
 
 #include <cstdio>
 #include <fmt/format.h>
@@ -17,7 +18,7 @@ constexpr auto kBetweenShown = std::chrono::milliseconds(250);
 } // namespace
 
 Progress::Progress()
-    : onTerminal_(isatty(STDERR_FILENO) == 1), rowsOnTerminal_(isatty(STDOUT_FILENO) == 1), start_(Clock::now()),
+    : onTerminal_(TakesEscapes(STDERR_FILENO)), rowsOnTerminal_(isatty(STDOUT_FILENO) == 1), start_(Clock::now()),
       next_(start_ + kFirstShown)
 {
 }

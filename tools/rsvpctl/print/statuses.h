@@ -20,6 +20,7 @@ enum class Exit : int {
     Exchange = 4,   // the exchange failed, the reply was out of format, a walk was broken, the state cannot be asked
     NotEnabled = 5, // the service does not run
     NotWritten = 7, // the output could not be written
+    Interrupted = 130, // Ctrl-C, as a shell counts it
 };
 
 struct StatusText {

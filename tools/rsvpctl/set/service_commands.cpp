@@ -109,8 +109,7 @@ void AddOptionsCheck(CommandLine &line)
     Command &command = line.Add(line.Root(), "options", "The values in the option file's first plug-in option",
                                 "  rsvpctl options refresh dscp");
     const Option names =
-        command.node.AddWords("names", "NAME...", "The options that may be there; others are refused")
-            .Required();
+        command.node.AddWords("names", "NAME...", "The options that may be there; others are refused").Required();
     command.run = [&command, names](Output &out) {
         manager::Json values = manager::Json::object();
         const uint32_t status = ReadOptions(names.Words(), values);

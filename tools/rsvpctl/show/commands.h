@@ -12,7 +12,7 @@ class CommandLine;
 void AddShowCommands(CommandLine &line, Node parent);
 
 void AddTreeCommand(CommandLine &line);
-void AddStatusCommand(CommandLine &line);
+void AddStatusCommand(CommandLine &line, Node parent);
 void AddExplainCommand(CommandLine &line);
 void AddSchemaCommand(CommandLine &line);
 

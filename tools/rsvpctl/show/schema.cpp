@@ -121,7 +121,9 @@ Json RecordSchema(const RecordDescription &description)
 
 Json StatusMembers()
 {
-    return {{"status", Integer(UINT32_MAX)}, {"statusName", Text()}, {"exitStatus", Integer(7)}};
+    return {{"status", Integer(UINT32_MAX)},
+            {"statusName", Text()},
+            {"exitStatus", {{"anyOf", {Integer(7), {{"const", static_cast<int>(Exit::Interrupted)}}}}}}};
 }
 
 const std::map<std::string, Json> &MembersOfAnswers()
@@ -145,7 +147,7 @@ const std::map<std::string, Json> &MembersOfAnswers()
         {"rows", ArrayOf({{"type", "object"}})},
         {"count", Integer(UINT64_MAX)},
         {"complete", {{"type", "boolean"}}},
-        {"end", OneOfTexts({"end of table", "stuck", "broken"})},
+        {"end", OneOfTexts({"end of table", "stuck", "broken", "interrupted"})},
         {"file", Text()},
     };
     return members;
@@ -167,7 +169,7 @@ Json Forms()
         Form("what a command would send", {"requests", "undo"}),
         Form("an operation that failed",
              {"function", "asked", "stage", "seconds", "whatHappened", "likelyCause", "whatToDo"}),
-        Form("arguments that cannot be taken", {"error"}),
+        Form("an error in words of its own", {"error"}),
         Form("the rows of a walk", {"rows", "count", "complete", "end", "function"}),
         Form("the rows of a walk that did not come to its end",
              {"rows", "count", "complete", "end", "function", "after", "whatHappened", "likelyCause", "whatToDo"}),
@@ -227,8 +229,8 @@ Json Event()
                                 {"after", scalar},
                                 {"perSecond", NullOr({{"type", "number"}, {"minimum", 0}})}});
     Json members{{"schemaVersion", {{"const", kSchemaVersion}}},
-                 {"operation", Pattern("^watch show ")},
-                 {"time", Pattern("^[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}Z$")}};
+                 {"operation", Pattern("^watch (show |status$)")},
+                 {"time", Pattern("^[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}[.][0-9]{3}Z$")}};
     Json rows = members;
     rows.update(
         {{"event", OneOfTexts({"added", "removed"})}, {"key", {{"type", "object"}}}, {"row", {{"type", "object"}}}});
@@ -241,10 +243,13 @@ Json Event()
     state.update(
         {{"event", OneOfTexts({"failed", "recovered"})}, {"status", Integer(UINT32_MAX)}, {"statusName", Text()}});
     Json rules = Json::array();
+    const auto add = [&rules](const std::string &operation, Json row) {
+        rules.push_back({{"if", {{"properties", {{"operation", {{"const", operation}}}}}}},
+                         {"then", {{"properties", {{"row", std::move(row)}}}}}});
+    };
     for (const ShowSpec &show : AllShows())
-        rules.push_back(
-            {{"if", {{"properties", {{"operation", {{"const", std::string("watch show ") + show.words}}}}}}},
-             {"then", {{"properties", {{"row", RecordOf(show)}}}}}});
+        add(std::string("watch show ") + show.words, RecordOf(show));
+    add("watch status", Reference("status"));
     return {{"anyOf", {Object(rows), Object(changed), Object(state)}}, {"allOf", std::move(rules)}};
 }
 

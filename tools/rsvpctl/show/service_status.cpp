@@ -53,13 +53,14 @@ Exit ShowStatus(Output &out, const std::string &operation)
 
 } // namespace
 
-void AddStatusCommand(CommandLine &line)
+void AddStatusCommand(CommandLine &line, Node parent)
 {
+    const std::string name = parent.Path().empty() ? "status" : parent.Path() + " status";
     Command &command =
-        line.Add(line.Root(), "status",
+        line.Add(parent, "status",
                  "Whether the service runs and on which nodes, the daemon answers, and LSPs are up. The "
                  "exit status says it too: 5 stopped, 3 or 4 runs and does not answer, 4 unknown",
-                 "  rsvpctl status\n  rsvpctl status --json");
+                 fmt::format("  rsvpctl {0}\n  rsvpctl {0} --json", name));
     command.run = [&command](Output &out) { return ShowStatus(out, command.name); };
 }
 

@@ -1,4 +1,5 @@
 // `tree`: a point-to-multipoint LSP as a tree of hops with its leaves.
+#include "manager/record/text.h"
 #include "tools/rsvpctl/command/command_line.h"
 #include "tools/rsvpctl/show/blocks.h"
 #include "tools/rsvpctl/show/commands.h"
@@ -60,9 +61,15 @@ void AddTreeCommand(CommandLine &line)
             throw UsageError("tree: --dot excludes --json");
         return WithBlock(out, command.name, show, options, [&](void *block) {
             auto &record = *static_cast<RSVP_MOR_P2mpCrlspInfo *>(block);
+            const size_t leaves = TreeOf(record).leafCount;
             if (leaf.IsGiven())
                 KeepLeaf(record, leaf.Address());
             const HopTree tree = TreeOf(record);
+            if (leaf.IsGiven() && tree.leafCount == 0)
+                return out.Wrong(
+                    command.name,
+                    fmt::format("the LSP has no leaf {} (leaves: {})", manager::DottedText(leaf.Address()), leaves),
+                    RSVP_MOR_ERR_NOT_EXIST, Exit::Refused);
             if (out.IsJson())
                 return out.Record(command.name, ToJson(tree));
             return out.Help(dot.IsGiven() ? DotOf(tree) : DrawTree(tree, ascii.IsGiven() || !LocaleIsUtf8()));

@@ -1,14 +1,14 @@
-// The child and what it says. Its document is read row by row, so that a long table is never there as a whole.
+// The child and what it says. Its document is taken apart by its lines, since parsing all of it costs many times more
+// than making it did.
 #include "tools/rsvpctl/watch/polling.h"
 
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
-#include <istream>
 #include <poll.h>
-#include <streambuf>
 #include <sys/prctl.h>
 #include <sys/signalfd.h>
+#include <sys/timerfd.h>
 #include <sys/wait.h>
 #include <system_error>
 #include <unistd.h>
@@ -23,34 +23,10 @@ using manager::Json;
     throw std::system_error(errno, std::generic_category(), what);
 }
 
-/** The child's document; ends early when a wait is cut short. */
-class PipeReader : public std::streambuf {
-public:
-    PipeReader(const Waiter &waiter, int fd) : waiter_(waiter), fd_(fd) {}
-
-    Wake End() const { return end_; }
-
-private:
-    int_type underflow() override
-    {
-        if (end_ != Wake::Ready || (end_ = waiter_.Wait(fd_, -1)) != Wake::Ready)
-            return traits_type::eof();
-        const ssize_t got = read(fd_, buffer_.data(), buffer_.size());
-        if (got <= 0)
-            return traits_type::eof();
-        setg(buffer_.data(), buffer_.data(), buffer_.data() + got);
-        return traits_type::to_int_type(buffer_.front());
-    }
-
-    const Waiter &waiter_;
-    int fd_;
-    Wake end_ = Wake::Ready;
-    std::array<char, 65536> buffer_{};
-};
-
 // People learn of a failure once, from the process that watches.
 [[noreturn]] void BeChild(const Waiter &waiter, int writeEnd, const std::function<Exit(Output &)> &run)
 {
+    (void)std::signal(SIGINT, SIG_IGN); // Ctrl-C goes to both; the process that watches answers it
     waiter.GiveSignalsBack();
     (void)prctl(PR_SET_PDEATHSIG, SIGTERM); // without it the child would end a wait later
     const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
@@ -63,28 +39,84 @@ private:
         exit = run(out);
     } catch (const UsageError &error) {
         exit = out.WrongUsage("watch", error);
+    } catch (const std::exception &error) {
+        exit = out.Broken("watch", error.what());
     }
     _exit(static_cast<int>(out.Finish(exit)));
 }
 
-Json ReadDocument(std::istream &input, const OnRow &onRow)
+/** The child and its document. Both end with the scope, whatever ends it. */
+class Child {
+public:
+    Child(const Waiter &waiter, const std::function<Exit(Output &)> &run)
+    {
+        std::array<int, 2> ends{};
+        if (pipe2(ends.data(), O_CLOEXEC) != 0)
+            Fail("pipe");
+        document_ = ends[0];
+        child_ = fork();
+        if (child_ == 0)
+            BeChild(waiter, ends[1], run);
+        const int error = errno;
+        close(ends[1]);
+        if (child_ < 0) {
+            close(document_);
+            throw std::system_error(error, std::generic_category(), "fork");
+        }
+    }
+    ~Child() { (void)End(true); }
+    Child(const Child &) = delete;
+    Child &operator=(const Child &) = delete;
+
+    int Document() const { return document_; }
+
+    /** Waits for its end, or makes it end `early`. Nothing if it has no exit status of its own. */
+    std::optional<Exit> End(bool early)
+    {
+        if (child_ < 0)
+            return std::nullopt;
+        close(document_);
+        if (early)
+            (void)kill(child_, SIGTERM);
+        int status = 0;
+        while (waitpid(child_, &status, 0) < 0 && errno == EINTR)
+            continue;
+        child_ = -1;
+        return WIFEXITED(status) ? std::optional(static_cast<Exit>(WEXITSTATUS(status))) : std::nullopt;
+    }
+
+private:
+    int document_;
+    pid_t child_;
+};
+
+/** Hands on whole lines until the input ends or the wait for it is cut short. */
+Wake ReadLines(const Waiter &waiter, int fd, const std::function<void(std::string_view)> &onLine)
 {
-    std::string member;
-    const auto take = [&](int depth, Json::parse_event_t event, Json &parsed) {
-        if (event == Json::parse_event_t::key && depth == 1)
-            member = parsed.get<std::string>();
-        const bool isRow = event == Json::parse_event_t::object_end &&
-                           ((depth == 2 && member == "rows") || (depth == 1 && member == "record"));
-        if (isRow)
-            onRow(parsed);
-        return !isRow;
-    };
-    return Json::parse(input, take, false);
+    std::string text;
+    std::array<char, 65536> chunk{};
+    for (;;) {
+        const Wake wake = waiter.Wait(fd, Waiter::kNoLimit);
+        if (wake != Wake::Ready)
+            return wake;
+        const ssize_t got = read(fd, chunk.data(), chunk.size());
+        if (got == 0)
+            return Wake::Ready;
+        if (got < 0)
+            Fail("read");
+        text.append(chunk.data(), static_cast<size_t>(got));
+        size_t begin = 0;
+        for (size_t end = text.find('\n'); end != std::string::npos; end = text.find('\n', begin)) {
+            onLine(std::string_view(text).substr(begin, end - begin));
+            begin = end + 1;
+        }
+        text.erase(0, begin);
+    }
 }
 
 } // namespace
 
-Waiter::Waiter()
+Waiter::Waiter(std::optional<std::chrono::milliseconds> duration)
 {
     sigset_t toEnd;
     sigemptyset(&toEnd);
@@ -93,6 +125,15 @@ Waiter::Waiter()
     signals_ = signalfd(-1, &toEnd, SFD_CLOEXEC | SFD_NONBLOCK);
     if (signals_ < 0)
         Fail("signalfd");
+    if (duration) {
+        const auto seconds = std::chrono::floor<std::chrono::seconds>(*duration);
+        itimerspec time{};
+        const auto rest = std::chrono::nanoseconds(*duration - seconds);
+        time.it_value = {static_cast<time_t>(seconds.count()), static_cast<long>(rest.count())};
+        end_ = timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC);
+        if (end_ < 0 || timerfd_settime(end_, 0, &time, nullptr) != 0)
+            Fail("timerfd");
+    }
     sigprocmask(SIG_BLOCK, &toEnd, &before_);
 }
 
@@ -104,6 +145,8 @@ Waiter::~Waiter()
         continue;
     sigprocmask(SIG_SETMASK, &before_, nullptr);
     close(signals_);
+    if (end_ >= 0)
+        close(end_);
 }
 
 void Waiter::GiveSignalsBack() const
@@ -112,12 +155,12 @@ void Waiter::GiveSignalsBack() const
 }
 
 // A pipe that nobody reads reports an error without being asked for anything.
-Wake Waiter::Wait(int fd, int milliseconds) const
+Wake Waiter::Wait(int fd, std::chrono::milliseconds limit) const
 {
-    std::array<pollfd, 3> waits{{{signals_, POLLIN, 0}, {STDOUT_FILENO, 0, 0}, {fd, POLLIN, 0}}};
+    std::array<pollfd, 4> waits{{{signals_, POLLIN, 0}, {STDOUT_FILENO, 0, 0}, {end_, POLLIN, 0}, {fd, POLLIN, 0}}};
     int ready = 0;
     do
-        ready = poll(waits.data(), waits.size(), milliseconds);
+        ready = poll(waits.data(), waits.size(), static_cast<int>(limit.count()));
     while (ready < 0 && errno == EINTR);
     if (ready < 0)
         Fail("poll");
@@ -125,35 +168,31 @@ Wake Waiter::Wait(int fd, int milliseconds) const
         return Wake::Interrupted;
     if ((waits[1].revents & (POLLERR | POLLHUP)) != 0)
         return Wake::ReaderGone;
-    return waits[2].revents != 0 ? Wake::Ready : Wake::TimeOut;
+    if (waits[2].revents != 0)
+        return Wake::Over;
+    return waits[3].revents != 0 ? Wake::Ready : Wake::TimeOut;
 }
 
+// A document has each row on a line of its own, with a comma in front of all but the first; what is before and behind
+// them is a document without rows.
 PollResult RunPoll(const Waiter &waiter, const std::function<Exit(Output &)> &run, const OnRow &onRow)
 {
-    std::array<int, 2> ends{};
-    if (pipe2(ends.data(), O_CLOEXEC) != 0)
-        Fail("pipe");
-    const pid_t child = fork();
-    if (child < 0)
-        Fail("fork");
-    if (child == 0)
-        BeChild(waiter, ends[1], run);
-    close(ends[1]);
-
+    Child child(waiter, run);
     PollResult result;
-    PipeReader reader(waiter, ends[0]);
-    std::istream input(&reader);
-    result.document = ReadDocument(input, onRow);
-    result.end = reader.End();
-    close(ends[0]);
-    if (result.end != Wake::Ready)
-        kill(child, SIGTERM);
-    int status = 0;
-    while (waitpid(child, &status, 0) < 0 && errno == EINTR)
-        continue;
-    if (WIFEXITED(status))
-        result.exit = static_cast<Exit>(WEXITSTATUS(status));
-    result.complete = result.exit == Exit::Done && result.document.is_object();
+    std::string around;
+    result.end = ReadLines(waiter, child.Document(), [&](std::string_view line) {
+        if (around.empty() || line.starts_with(']'))
+            around += line;
+        else
+            onRow(line.substr(line.starts_with(',') ? 1 : 0));
+    });
+    result.exit = child.End(result.end != Wake::Ready).value_or(Exit::Exchange);
+    result.document = Json::parse(around, nullptr, false);
+    if (!result.document.is_object())
+        return result;
+    result.complete = result.document.value("complete", result.document.contains("record"));
+    if (result.document.contains("record"))
+        onRow(result.document["record"].dump());
     return result;
 }
 

@@ -6,25 +6,30 @@
 
 #include "tools/rsvpctl/print/output.h"
 
+#include <chrono>
 #include <csignal>
 #include <functional>
 #include <nlohmann/json.hpp>
+#include <optional>
+#include <string_view>
 
 namespace rsvpctl {
 
 /** What ended a wait. */
-enum class Wake : uint8_t { Ready, TimeOut, Interrupted, ReaderGone };
+enum class Wake : uint8_t { Ready, TimeOut, Interrupted, ReaderGone, Over };
 
-/** Waits that a signal to end (Ctrl-C among them) or the end of the document's reader cuts short. */
+/** Waits that the end of the watch cuts short: a signal (Ctrl-C among them), a document that nobody reads any more,
+ * or the end of the time that the watch was given. */
 class Waiter {
 public:
-    Waiter();
+    explicit Waiter(std::optional<std::chrono::milliseconds> duration);
     ~Waiter();
     Waiter(const Waiter &) = delete;
     Waiter &operator=(const Waiter &) = delete;
 
-    /** Until `fd` (-1: none) can be read or the time is over (-1: no limit). */
-    Wake Wait(int fd, int milliseconds) const;
+    /** Until `fd` (-1: none) can be read or the time is over (kNoLimit: there is none). */
+    Wake Wait(int fd, std::chrono::milliseconds limit) const;
+    static constexpr std::chrono::milliseconds kNoLimit{-1};
 
     /** Lets signals end the calling process again. */
     void GiveSignalsBack() const;
@@ -32,19 +37,21 @@ public:
 private:
     sigset_t before_;
     int signals_;
+    int end_ = -1; // -1: no time was given
 };
 
 // NOLINTNEXTLINE(bugprone-exception-escape): the JSON library allocates where it destroys
 struct PollResult {
     Wake end = Wake::Ready; // other than Ready: the poll was cut short
     manager::Json document; // what was said beside the rows
-    bool complete = false;  // all rows were there
+    bool complete = false;  // all rows were there, or the record
     Exit exit = Exit::Exchange;
 };
 
-using OnRow = std::function<void(const manager::Json &row)>;
+using OnRow = std::function<void(std::string_view row)>;
 
-/** Runs the command in a child; each row, or the one record, goes to `onRow` as it comes. */
+/** Runs the command in a child; the text of each row, or of the one record, goes to `onRow` as it comes. Throws
+ * std::system_error if there is no child to be had or nothing to be heard of it. */
 PollResult RunPoll(const Waiter &waiter, const std::function<Exit(Output &)> &run, const OnRow &onRow);
 
 } // namespace rsvpctl

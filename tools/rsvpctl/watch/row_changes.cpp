@@ -1,4 +1,4 @@
-// Comparing rows. Most rows are as they were, so equal texts are found first, at no cost.
+// Comparing rows: by their texts, then by their keys, then field by field.
 #include "tools/rsvpctl/watch/row_changes.h"
 
 #include <utility>
@@ -65,37 +65,60 @@ Json RowChanges::KeyOf(const Json &row) const
     return key;
 }
 
-void RowChanges::BeginPoll()
+void RowChanges::Row(std::string_view text, double seconds)
 {
-    ++poll_;
+    const auto known = rows_.find(text);
+    if (known != rows_.end())
+        known->second = {seconds, poll_};
+    else
+        new_.push_back(&*rows_.emplace(text, Read{seconds, poll_}).first);
 }
 
-std::optional<RowEvent> RowChanges::Row(const Json &row, double seconds)
+RowChanges::ByKey RowChanges::MissingRows()
 {
-    Json key = KeyOf(row);
-    std::string text = row.dump();
-    const auto [at, isNew] = rows_.try_emplace(key.dump());
-    const Known before = std::exchange(at->second, {std::move(text), seconds, poll_});
-    if (isNew)
-        return RowEvent{RowEvent::Kind::Added, std::move(key), row, {}};
-    if (before.row == at->second.row)
-        return std::nullopt;
-    return RowEvent{RowEvent::Kind::Changed, std::move(key), row,
-                    Compare(Json::parse(before.row), row, seconds - before.seconds)};
-}
-
-std::vector<RowEvent> RowChanges::EndPoll(bool complete)
-{
-    std::vector<RowEvent> gone;
-    for (auto at = rows_.begin(); complete && at != rows_.end();) {
-        if (at->second.poll == poll_) {
-            ++at;
-            continue;
-        }
-        gone.push_back({RowEvent::Kind::Removed, Json::parse(at->first), Json::parse(at->second.row), {}});
-        at = rows_.erase(at);
+    ByKey missing;
+    for (KnownRow &row : rows_) {
+        if (row.second.poll != poll_)
+            missing.emplace(KeyOf(Json::parse(row.first)).dump(), &row);
     }
-    return gone;
+    return missing;
+}
+
+void RowChanges::Tell(bool complete, double seconds, const OnRowEvent &onEvent)
+{
+    ByKey missing = MissingRows();
+    for (const KnownRow *row : new_) {
+        const auto &[text, read] = *row;
+        Json now = Json::parse(text);
+        RowEvent event{RowEvent::Kind::Added, read.seconds, KeyOf(now), std::move(now), {}};
+        const auto found = missing.find(event.key.dump());
+        if (found != missing.end()) {
+            auto &[before, readBefore] = *found->second;
+            event.kind = RowEvent::Kind::Changed;
+            event.changes = Compare(Json::parse(before), event.row, read.seconds - readBefore.seconds);
+            readBefore.poll = kReplaced;
+            missing.erase(found);
+        }
+        if (!onEvent(event))
+            return;
+    }
+    if (!complete)
+        return;
+    for (const auto &[key, row] : missing) {
+        if (!onEvent({RowEvent::Kind::Removed, seconds, Json::parse(key), Json::parse(row->first), {}}))
+            return;
+    }
+}
+
+void RowChanges::EndPoll(bool complete, double seconds, const OnRowEvent &onEvent)
+{
+    if (onEvent && (complete || !new_.empty()))
+        Tell(complete, seconds, onEvent);
+    std::erase_if(rows_, [&](const KnownRow &row) {
+        return row.second.poll == kReplaced || (complete && row.second.poll != poll_);
+    });
+    new_.clear();
+    ++poll_;
 }
 
 } // namespace rsvpctl

@@ -1,5 +1,6 @@
-// What changed between two polls of the same `show`: rows by key, fields by path, counters as rates. It has no clock
-// and no input of its own, so tests can give it any rows at any time.
+// What changed between two polls of the same `show`: rows by key, fields by path, counters as rates. Most rows are as
+// they were, so rows are compared as texts first, and only those that differ are parsed. It has no clock and no input
+// of its own, so tests can give it any rows at any time.
 #ifndef TOOLS_RSVPCTL_WATCH_ROW_CHANGES_H
 #define TOOLS_RSVPCTL_WATCH_ROW_CHANGES_H
 
@@ -7,11 +8,14 @@
 #include "manager/table/table.h"
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace rsvpctl {
@@ -26,36 +30,53 @@ struct FieldChange {
 struct RowEvent {
     enum class Kind : uint8_t { Added, Changed, Removed };
     Kind kind;
+    double seconds;    // when the row was read, or the poll ended that did not see it
     manager::Json key; // the key fields of the row
     manager::Json row; // as it is now, or was last
     std::vector<FieldChange> changes;
 };
 
+/** Looks at an event; false if no other is wanted. */
+using OnRowEvent = std::function<bool(const RowEvent &event)>;
+
 class RowChanges {
 public:
     explicit RowChanges(std::span<const manager::KeyPart> keyParts);
 
-    void BeginPoll();
+    /** A row that the poll read at `seconds`, as the text of its JSON object. */
+    void Row(std::string_view text, double seconds);
 
-    /** A row that was read at `seconds`; an event unless it is as it was. */
-    std::optional<RowEvent> Row(const manager::Json &row, double seconds);
-
-    /** Rows that are gone. Only a poll that saw the whole table can tell. */
-    std::vector<RowEvent> EndPoll(bool complete);
+    /**
+     * Ends a poll and tells what changed since the one before. Only a poll that saw the whole table can tell what is
+     * gone. Without `onEvent` the rows become those that the next poll is compared with, and nothing is told.
+     */
+    void EndPoll(bool complete, double seconds, const OnRowEvent &onEvent);
 
     size_t Rows() const { return rows_.size(); }
 
 private:
-    struct Known {
-        std::string row; // its text, which is a fraction of the parsed row in memory
+    struct Read {
         double seconds;
-        uint64_t poll;
+        uint64_t poll; // kReplaced for a row that came again with other fields
     };
+    struct TextHash : std::hash<std::string_view> {
+        using is_transparent = void;
+    };
+    // What is kept of a table: a parsed row is many times larger than its text.
+    using KnownRows = std::unordered_map<std::string, Read, TextHash, std::equal_to<>>;
+    using KnownRow = KnownRows::value_type;
+    using ByKey = std::multimap<std::string, KnownRow *>;
+
+    static constexpr uint64_t kReplaced = 0;
+
     manager::Json KeyOf(const manager::Json &row) const;
+    ByKey MissingRows();
+    void Tell(bool complete, double seconds, const OnRowEvent &onEvent);
 
     std::vector<std::string> keyFields_;
-    std::map<std::string, Known, std::less<>> rows_;
-    uint64_t poll_ = 0;
+    KnownRows rows_;
+    std::vector<const KnownRow *> new_; // of this poll, in the order of the table
+    uint64_t poll_ = kReplaced + 1;
 };
 
 } // namespace rsvpctl

@@ -1,5 +1,5 @@
-// `watch show ...`: repeats a `show` and prints only what changed. It is a second `show` in the command tree, so that
-// each takes its own options there, and help and completion know them.
+// `watch show ...` and `watch status`: repeat a command that reads and print only what changed. They are second
+// commands of these names in the tree, so that each takes its own options there, and help and completion know them.
 #include "manager/record/text.h"
 #include "tools/rsvpctl/command/command_line.h"
 #include "tools/rsvpctl/print/usage_error.h"
@@ -19,13 +19,16 @@ namespace rsvpctl {
 namespace {
 
 using manager::Json;
-using SystemClock = std::chrono::system_clock;
+using std::chrono::milliseconds, std::chrono::system_clock;
 
-constexpr double kDefaultInterval = 2;
+constexpr milliseconds kDefaultInterval{2000};
+constexpr milliseconds kLeastInterval{100};
+constexpr milliseconds kMostInterval = std::chrono::hours(24);
 
 struct WatchOptions {
     Option interval;
     Option count;
+    Option duration;
     Option initial;
 };
 
@@ -41,14 +44,34 @@ const char *NameOf(RowEvent::Kind kind)
     }
 }
 
-std::string TimeForPrograms(SystemClock::time_point now)
+double SecondsNow()
 {
-    return fmt::format("{:%FT%T}Z", fmt::gmtime(std::chrono::floor<std::chrono::seconds>(now)));
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
-std::string TimeForPeople(SystemClock::time_point now)
+/** What the clock on the wall showed at a time of SecondsNow. */
+std::chrono::sys_time<milliseconds> WallTime(double seconds)
 {
-    return fmt::format("{:%T}", fmt::localtime(SystemClock::to_time_t(now)));
+    const std::chrono::duration<double> ago(SecondsNow() - seconds);
+    return std::chrono::floor<milliseconds>(system_clock::now() -
+                                            std::chrono::duration_cast<system_clock::duration>(ago));
+}
+
+int64_t MillisecondsOf(std::chrono::sys_time<milliseconds> time)
+{
+    return (time - std::chrono::floor<std::chrono::seconds>(time)).count();
+}
+
+std::string TimeForPrograms(double seconds)
+{
+    const auto time = WallTime(seconds);
+    return fmt::format("{:%FT%T}.{:03}Z", fmt::gmtime(system_clock::to_time_t(time)), MillisecondsOf(time));
+}
+
+std::string TimeForPeople(double seconds)
+{
+    const auto time = WallTime(seconds);
+    return fmt::format("{:%T}.{:03}", fmt::localtime(system_clock::to_time_t(time)), MillisecondsOf(time));
 }
 
 /** Prints the events of one watch. */
@@ -58,10 +81,11 @@ public:
 
     bool Report(const RowEvent &event)
     {
-        Json line = Head(NameOf(event.kind));
+        Json line = Head(NameOf(event.kind), event.seconds);
         line["key"] = event.key;
-        std::string text =
-            fmt::format("{} {:<8} {}\n", TimeForPeople(SystemClock::now()), NameOf(event.kind), KeyWords(event.key));
+        const std::string words = Words(event);
+        std::string text = fmt::format("{} {:<{}}{}\n", TimeForPeople(event.seconds), NameOf(event.kind),
+                                       words.empty() ? 0 : 8, words);
         if (event.kind == RowEvent::Kind::Changed) {
             line["changes"] = Json::array();
             for (const FieldChange &change : event.changes) {
@@ -79,40 +103,49 @@ public:
     /** Reports a failure when it begins and when it ends, not at each poll in between. */
     bool ReportState(const PollResult &poll)
     {
-        const uint32_t status =
-            poll.document.is_object() ? poll.document.value("status", RSVP_MOR_OK) : RSVP_MOR_ERR_FAIL;
+        uint32_t status = RSVP_MOR_OK; // also of a record that reports a fault
+        if (!poll.complete)
+            status = poll.document.is_object() ? poll.document.value("status", RSVP_MOR_ERR_FAIL) : RSVP_MOR_ERR_FAIL;
         if (status == std::exchange(lastStatus_, status))
             return true;
         const bool failed = status != RSVP_MOR_OK;
-        Json line = Head(failed ? "failed" : "recovered");
+        std::string name = Explain(status).name;
+        std::string cause = "the process that asked ended before it had the answer";
+        if (poll.document.is_object()) {
+            name = poll.document.value("statusName", name);
+            cause = poll.document.value("likelyCause", Explain(status).cause);
+        }
+        const double now = SecondsNow();
+        Json line = Head(failed ? "failed" : "recovered", now);
         line["status"] = status;
-        line["statusName"] = Explain(status).name;
+        line["statusName"] = name;
         if (!out_.IsJson())
-            out_.Message(failed ? fmt::format("{} failed   {:#010x} {}: {}", TimeForPeople(SystemClock::now()),
-                                              status, Explain(status).name, Explain(status).cause)
-                                : fmt::format("{} recovered", TimeForPeople(SystemClock::now())));
+            out_.Message(failed ? fmt::format("{} failed   {:#010x} {}: {}", TimeForPeople(now), status, name, cause)
+                                : fmt::format("{} recovered", TimeForPeople(now)));
         return out_.Line(line, "");
     }
 
 private:
-    Json Head(const char *event) const
+    Json Head(const char *event, double seconds) const
     {
         return {{"schemaVersion", kSchemaVersion},
                 {"operation", operation_},
-                {"time", TimeForPrograms(SystemClock::now())},
+                {"time", TimeForPrograms(seconds)},
                 {"event", event}};
     }
 
-    // "tunnelEndpoint=10.0.0.4 tunnelId=100": the last word of a path is enough inside a key.
-    static std::string KeyWords(const Json &key)
+    // " name=to-paris tunnelEndpoint=10.0.0.4 tunnelId=100": the last word of a path is enough inside a key.
+    static std::string Words(const RowEvent &event)
     {
         std::string text;
-        const Json flat = key.flatten();
-        for (const auto &[path, value] : flat.items()) {
+        const auto add = [&](std::string_view name, const Json &value) {
             if (!value.is_null())
-                text += fmt::format("{}{}={}", text.empty() ? "" : " ", path.substr(path.rfind('/') + 1),
-                                    ValueText(value));
-        }
+                text += fmt::format(" {}={}", name, ValueText(value));
+        };
+        add("name", event.row.value("name", Json()));
+        const Json flat = event.key.flatten();
+        for (const auto &[path, value] : flat.items())
+            add(std::string_view(path).substr(path.rfind('/') + 1), value);
         return text;
     }
 
@@ -135,77 +168,96 @@ private:
     uint32_t lastStatus_ = RSVP_MOR_OK;
 };
 
-double SecondsNow()
-{
-    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
-}
-
-// A show of one record has no key: it is one row.
-std::span<const manager::KeyPart> KeyPartsOf(const Command &command)
+// A command that gives one record has no key: the record is one row.
+std::span<const manager::KeyPart> KeyPartsOf(std::string_view command)
 {
     constexpr std::string_view kPrefix = "watch show ";
-    const ShowSpec &show = ShowNamed(std::string_view(command.name).substr(kPrefix.size()));
-    return show.table == nullptr ? std::span<const manager::KeyPart>() : show.table->keyParts;
+    const ShowSpec *show = command.starts_with(kPrefix) ? &ShowNamed(command.substr(kPrefix.size())) : nullptr;
+    return show == nullptr || show->table == nullptr ? std::span<const manager::KeyPart>() : show->table->keyParts;
 }
 
-Exit Watch(Output &out, const Command &command, const std::function<Exit(Output &)> &show,
+/** Tells whether nobody waits for more, as the end of the time that a watch was given does not say. */
+bool IsGivenUp(Wake wake)
+{
+    return wake == Wake::Interrupted || wake == Wake::ReaderGone;
+}
+
+Exit Watch(Output &out, const Command &command, const std::function<Exit(Output &)> &read,
            const WatchOptions &options)
 {
-    const double interval = options.interval.SecondsOr(kDefaultInterval);
-    const uint64_t last = options.count.Number();
-    const Waiter waiter;
-    RowChanges changes(KeyPartsOf(command));
+    const milliseconds interval = options.interval.DurationOr(kDefaultInterval);
+    const uint64_t lastPoll = options.count.Number();
+    const milliseconds duration = options.duration.DurationOr({});
+    const Waiter waiter(options.duration.IsGiven() ? std::optional(duration) : std::nullopt);
+    RowChanges changes(KeyPartsOf(command.name));
     Reporter reporter(out, command.name);
+    std::optional<Exit> exit;
     bool print = options.initial.IsGiven();
     for (uint64_t poll = 1;; ++poll) {
-        bool written = true;
-        changes.BeginPoll();
-        const PollResult result = RunPoll(waiter, show, [&](const Json &row) {
-            const auto event = changes.Row(row, SecondsNow());
-            if (event && print)
-                written = reporter.Report(*event) && written;
-        });
-        if (result.end != Wake::Ready)
-            return Exit::Done;
+        const PollResult result =
+            RunPoll(waiter, read, [&](std::string_view row) { changes.Row(row, SecondsNow()); });
         if (result.exit == Exit::Usage)
             throw UsageError(result.document.value("error", "the arguments cannot be taken"));
-        for (const RowEvent &event : changes.EndPoll(result.complete))
-            written = reporter.Report(event) && written;
+        // Many events take long on a slow terminal, and Ctrl-C ends that too.
+        const auto goesOn = [&] { return !IsGivenUp(waiter.Wait(-1, milliseconds(0))); };
+        bool written = true;
+        const OnRowEvent report = [&](const RowEvent &event) {
+            written = goesOn() && reporter.Report(event);
+            return written;
+        };
+        changes.EndPoll(result.complete, SecondsNow(), print ? report : nullptr);
+        if (!goesOn())
+            return Exit::Done;
+        if (result.end == Wake::Over)
+            break;
+        exit = result.exit;
         written = reporter.ReportState(result) && written;
-        if (!written || poll == last)
+        if (!written || poll == lastPoll)
             return result.exit;
         // Changes cannot be told from the rows of a poll that failed half way.
         if (!print && result.complete) {
             print = true;
             if (!out.IsJson())
-                out.Message(fmt::format("{}; what changes is printed every {} s, until Ctrl-C",
-                                        manager::CountText(changes.Rows(), "row"), interval));
+                out.Message(fmt::format("{}; what changes is printed every {}, until Ctrl-C",
+                                        manager::CountText(changes.Rows(), "row"), manager::DurationText(interval)));
         }
-        if (waiter.Wait(-1, static_cast<int>(interval * 1000)) != Wake::TimeOut)
+        const Wake wake = waiter.Wait(-1, interval);
+        if (IsGivenUp(wake))
             return Exit::Done;
+        if (wake == Wake::Over)
+            break;
     }
+    if (!exit)
+        out.Message(fmt::format("rsvpctl: {}: no poll came to its end within {}", command.name,
+                                manager::DurationText(duration)));
+    return exit.value_or(Exit::Exchange);
 }
 
 } // namespace
 
 void AddWatchCommands(CommandLine &line)
 {
-    const Node watch =
-        line.AddGroup(line.Root(), "watch", "Repeat a show and print rows that were added, changed or removed",
-                      "  rsvpctl watch show psb\n"
-                      "  rsvpctl watch show interfaces --interval 10       # counters as rates\n"
-                      "  rsvpctl watch show psb --initial --json           # one object a line");
-    const WatchOptions options{watch.AddSeconds("--interval", 0.1, 86400,
-                                                fmt::format("Seconds between polls (default {})", kDefaultInterval)),
-                               watch.AddNumber("--count", UINT32_MAX, "Polls after which it ends; 0 for no end"),
-                               watch.AddFlag("--initial", "Begin with the rows that are there, as added")};
+    const Node watch = line.AddGroup(line.Root(), "watch",
+                                     "Repeat a show, or the status, and print what was added, changed or removed",
+                                     "  rsvpctl watch show psb\n"
+                                     "  rsvpctl watch show interfaces --interval 10       # counters as rates\n"
+                                     "  rsvpctl watch status --interval 500ms --duration 1m\n"
+                                     "  rsvpctl watch show psb --initial --json           # one object a line");
+    const WatchOptions options{
+        watch.AddDuration("--interval", kLeastInterval, kMostInterval,
+                          fmt::format("Time between polls (default {})", manager::DurationText(kDefaultInterval))),
+        watch.AddNumber("--count", UINT32_MAX, "Polls after which it ends; 0 for no end"),
+        watch.AddDuration("--duration", milliseconds(1), manager::kLongestDuration,
+                          "Time after which it ends, with the exit status of the last poll"),
+        watch.AddFlag("--initial", "Begin with the rows that are there, as added")};
     AddShowCommands(line, watch);
+    AddStatusCommand(line, watch);
     for (Command *command : line.CommandsBelow(watch.Path())) {
         command->inBatch = false;
         command->mayBeLong = false;
         command->takesDetail = false;
-        command->run = [command, show = command->run, options](Output &out) {
-            return Watch(out, *command, show, options);
+        command->run = [command, read = command->run, options](Output &out) {
+            return Watch(out, *command, read, options);
         };
     }
 }
