@@ -47,7 +47,7 @@ void Measure(Run &run)
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
     pthread_attr_setstack(&attributes, stack.data(), kRoom);
-    size_t used[2];
+    size_t used[2] = {};
     for (const long count : {0L, run.count}) { // what a thread needs without the calls, and with them
         Run each = run;
         each.count = count;

@@ -320,7 +320,7 @@ struct Running {
         MakeRows(daemon.GetDevice(), "psb=10");
         daemon.Add(ParseFault(fault));
         address.sun_family = AF_UNIX;
-        bind(listener, reinterpret_cast<sockaddr *>(&address), sizeof(sa_family_t));
+        (void)bind(listener, reinterpret_cast<sockaddr *>(&address), sizeof(sa_family_t));
         listen(listener, 64);
         getsockname(listener, reinterpret_cast<sockaddr *>(&address), &length);
         thread = std::thread([this] { Server(listener, stop, daemon).Run(); });

@@ -68,6 +68,7 @@ constexpr uint32_t SizeOfParts(const Table &table)
     return size;
 }
 
+// NOLINTBEGIN(bugprone-macro-parentheses): types and initialisers take no brackets
 // TABLE(symbol, words, RowType, KeyType, fields...) defines a table; READ, PART and RELEASE are its fields' values.
 #define READ(function) ReadWith<Row, function>(#function, function)
 #define PART(field)                                                                                                  \
@@ -92,6 +93,8 @@ constexpr uint32_t SizeOfParts(const Table &table)
         using Row = RowType;                                                                                         \
         return Table{.name = words, .row = Describe<Row>, .key = nullptr, .get = READ(function)};                    \
     }();
+
+// NOLINTEND(bugprone-macro-parentheses)
 
 } // namespace manager
 

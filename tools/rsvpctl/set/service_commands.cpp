@@ -89,6 +89,7 @@ void AddCapability(CommandLine &line)
 uint32_t ReadOptions(const std::vector<std::string> &names, manager::Json &values)
 {
     std::vector<HostOption> table;
+    table.reserve(names.size() + 1);
     for (const std::string &name : names)
         table.push_back({name.c_str(), static_cast<uint32_t>(table.size() * sizeof(uint32_t))});
     table.push_back({nullptr, 0});

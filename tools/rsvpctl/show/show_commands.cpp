@@ -13,6 +13,7 @@
 #include "tools/rsvpctl/show/shows.h"
 
 #include <algorithm>
+#include <fmt/format.h>
 #include <map>
 
 namespace rsvpctl {
@@ -198,7 +199,8 @@ void AddShowCommands(CommandLine &line, Node parent)
         if (!groups.contains(group)) {
             const auto &spec = *std::find_if(std::begin(kGroups), std::end(kGroups),
                                              [&](const GroupSpec &one) { return one.word == group; });
-            groups[group] = line.AddGroup(shows, group, spec.help, GroupExamples(path + " " + group, spec.examples));
+            groups[group] = line.AddGroup(shows, group, spec.help,
+                                          GroupExamples(fmt::format("{} {}", path, group), spec.examples));
         }
         AddShow(line, groups[group], words.substr(space + 1), show);
     }

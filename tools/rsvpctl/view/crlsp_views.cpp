@@ -155,10 +155,10 @@ std::string P2mpCrlspDetail(const RSVP_MOR_P2mpCrlspInfo &record)
 
 } // namespace
 
-const RowView crlspView{CrlspHeader, ShowRow<RSVP_MOR_ReplyCrlsp, CrlspBrief>,
-                        ShowRow<RSVP_MOR_ReplyCrlsp, CrlspDetail>};
-const RowView p2mpPsbView{.detail = ShowRow<RSVP_MOR_P2mpPsbInfo, P2mpPsbDetail>};
-const RowView p2mpRsbView{.detail = ShowRow<RSVP_MOR_P2mpRsbInfo, P2mpRsbDetail>};
-const RowView p2mpCrlspView{.detail = ShowRow<RSVP_MOR_P2mpCrlspInfo, P2mpCrlspDetail>};
+const RowView kCrlspView{CrlspHeader, ShowRow<RSVP_MOR_ReplyCrlsp, CrlspBrief>,
+                         ShowRow<RSVP_MOR_ReplyCrlsp, CrlspDetail>};
+const RowView kP2mpPsbView{.detail = ShowRow<RSVP_MOR_P2mpPsbInfo, P2mpPsbDetail>};
+const RowView kP2mpRsbView{.detail = ShowRow<RSVP_MOR_P2mpRsbInfo, P2mpRsbDetail>};
+const RowView kP2mpCrlspView{.detail = ShowRow<RSVP_MOR_P2mpCrlspInfo, P2mpCrlspDetail>};
 
 } // namespace rsvpctl

@@ -177,8 +177,8 @@ std::string PhsbDetail(const RSVP_MOR_ReplyPhsb &block)
 
 } // namespace
 
-const RowView psbView{PsbHeader, ShowRow<RSVP_MOR_ReplyPsb, PsbBrief>, ShowRow<RSVP_MOR_ReplyPsb, PsbDetail>};
-const RowView rsbView{RsbHeader, ShowRow<RSVP_MOR_ReplyRsb, RsbBrief>, ShowRow<RSVP_MOR_ReplyRsb, RsbDetail>};
-const RowView phsbView{PhsbHeader, ShowRow<RSVP_MOR_ReplyPhsb, PhsbBrief>, ShowRow<RSVP_MOR_ReplyPhsb, PhsbDetail>};
+const RowView kPsbView{PsbHeader, ShowRow<RSVP_MOR_ReplyPsb, PsbBrief>, ShowRow<RSVP_MOR_ReplyPsb, PsbDetail>};
+const RowView kRsbView{RsbHeader, ShowRow<RSVP_MOR_ReplyRsb, RsbBrief>, ShowRow<RSVP_MOR_ReplyRsb, RsbDetail>};
+const RowView kPhsbView{PhsbHeader, ShowRow<RSVP_MOR_ReplyPhsb, PhsbBrief>, ShowRow<RSVP_MOR_ReplyPhsb, PhsbDetail>};
 
 } // namespace rsvpctl

@@ -19,13 +19,13 @@ template <typename Row, std::string (*Show)(const Row &)> std::string ShowRow(co
     return Show(*static_cast<const Row *>(row));
 }
 
-extern const RowView psbView;
-extern const RowView rsbView;
-extern const RowView phsbView;
-extern const RowView crlspView;
-extern const RowView p2mpPsbView;
-extern const RowView p2mpRsbView;
-extern const RowView p2mpCrlspView;
+extern const RowView kPsbView;
+extern const RowView kRsbView;
+extern const RowView kPhsbView;
+extern const RowView kCrlspView;
+extern const RowView kP2mpPsbView;
+extern const RowView kP2mpRsbView;
+extern const RowView kP2mpCrlspView;
 
 } // namespace rsvpctl
 
