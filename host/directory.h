@@ -38,6 +38,7 @@ inline constexpr std::string_view kNodesFile = "nodes";
 inline constexpr std::string_view kOptionFolder = "etc";
 inline constexpr std::string_view kOptionFile = "etc/te.conf";
 inline constexpr std::string_view kScenarioFile = "scenario.toml";
+inline constexpr std::string_view kDictionaryFile = "dictionary.toml";
 inline constexpr std::string_view kServiceFolder = "service"; // has a file for each standby node, named by its number
 inline constexpr std::string_view kServiceLockFile = "service/lock";
 inline constexpr std::string_view kSocketPrefix = "lipc-";       // then bytes 2 to 5 of the address, in hexadecimal

@@ -12,7 +12,14 @@
 namespace manager {
 namespace {
 
-// JSON cannot express NaN or an infinity, and a float turned into a double would show digits that it never had.
+Json SecretToJson(const void *at, uint32_t width)
+{
+    const auto *bytes = static_cast<const uint8_t *>(at);
+    return std::any_of(bytes, bytes + width, [](uint8_t byte) { return byte != 0; }) ? "hidden" : "";
+}
+
+} // namespace
+
 Json FloatToJson(float value)
 {
     if (std::isnan(value))
@@ -26,51 +33,19 @@ Json FloatToJson(float value)
     return sameDigits;
 }
 
-Json SecretToJson(const void *at, uint32_t width)
-{
-    const auto *bytes = static_cast<const uint8_t *>(at);
-    return std::any_of(bytes, bytes + width, [](uint8_t byte) { return byte != 0; }) ? "hidden" : "";
-}
-
-Json ElementToJson(const Field &field, const void *element)
-{
-    return field.kind == FieldKind::Record ? ToJson(*field.record, element) : ScalarToJson(field, element);
-}
-
-Json FieldToJson(const Field &field, const void *record)
-{
-    const std::byte *start = At(record, field.offset);
-    if (field.kind == FieldKind::List) {
-        Json out = Json::array();
-        const auto *entries = Load<const std::byte *>(start);
-        const auto count = entries == nullptr ? uint16_t{0} : Load<uint16_t>(At(record, field.countOffset));
-        for (uint32_t i = 0; i < count; ++i)
-            out.push_back(ToJson(*field.record, entries + size_t{i} * field.record->size));
-        return out;
-    }
-    if (field.kind == FieldKind::Chain) {
-        Json out = Json::array();
-        for (const void *node = Load<const void *>(start); node != nullptr; node = Load<const void *>(node))
-            out.push_back(ToJson(*field.record, node));
-        return out;
-    }
-    if (field.count == 0)
-        return ElementToJson(field, start);
-    Json out = Json::array();
-    for (uint32_t i = 0; i < field.count; ++i)
-        out.push_back(ElementToJson(field, start + size_t{i} * field.width));
-    return out;
-}
-
-} // namespace
-
 Json ScalarToJson(const Field &field, const void *element)
 {
     switch (field.kind) {
     case FieldKind::Number:
-        return LoadNumber(field, element);
+        if (field.width == sizeof(uint64_t))
+            return std::to_string(Load<uint64_t>(element));
+        return LoadNumber(element, field.width);
     case FieldKind::Address:
         return DottedText(Load<uint32_t>(element));
+    case FieldKind::NetNumber:
+        return NetNumber(element, field.width);
+    case FieldKind::NetAddress:
+        return DottedText(static_cast<uint32_t>(NetNumber(element, field.width)));
     case FieldKind::Rate:
         return FloatToJson(NetFloat(element));
     case FieldKind::Float:
@@ -78,26 +53,25 @@ Json ScalarToJson(const Field &field, const void *element)
     case FieldKind::Secret:
         return SecretToJson(element, field.width);
     case FieldKind::Text:
-        return Load<const char *>(element) == nullptr ? Json() : Json(PrintableText(Load<const char *>(element)));
+        return Load<const char *>(element) == nullptr ? Json() : Json(Load<const char *>(element));
     default:
         return HexText({static_cast<const std::byte *>(element), field.width});
+    }
+}
+
+bool IsUtf8(const char *text)
+{
+    try {
+        (void)Json(text).dump();
+        return true;
+    } catch (const Json::type_error &) {
+        return false;
     }
 }
 
 std::string JsonText(const Json &value)
 {
     return value.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
-
-Json ToJson(const RecordDescription &description, const void *record)
-{
-    Json::object_t out;
-    out.reserve(description.fields.size());
-    for (const Field &field : description.fields) {
-        if (IsPresent(field, record))
-            out.emplace_back(field.name, FieldToJson(field, record));
-    }
-    return out;
 }
 
 } // namespace manager

@@ -1,4 +1,4 @@
-// Records as JSON, under the names of their fields.
+// Single values of records as JSON, each kind in one form.
 #ifndef MANAGER_RECORD_JSON_H
 #define MANAGER_RECORD_JSON_H
 
@@ -10,15 +10,19 @@ namespace manager {
 
 using Json = nlohmann::ordered_json;
 
-/** One element of a number, address, bytes, rate, float, secret or text field that lies at `element`. */
+/** A number with the digits that a float has, or a text: JSON cannot express NaN or an infinity. */
+Json FloatToJson(float value);
+
+/** One element of a field that lies at `element`, of any kind that holds no records. A number of 64 bits is a text:
+ * programs that read numbers as doubles would drop its last digits. */
 Json ScalarToJson(const Field &field, const void *element);
+
+/** Whether a text can be written as it is. */
+bool IsUtf8(const char *text);
 
 /** The document as text on one line. Bytes that are not UTF-8 become the replacement character: what a user typed or
  * a file holds must not keep a document from being written. */
 std::string JsonText(const Json &value);
-
-/** The whole record with its lists. */
-Json ToJson(const RecordDescription &description, const void *record);
 
 } // namespace manager
 

@@ -62,6 +62,17 @@ void StoreLeaf(const Leaf &leaf, std::string_view text, void *record)
     StoreNumber(at, field.width, *number);
 }
 
+/** The fields that a key must have, in order. */
+std::vector<std::string> PlainFields(const RecordDescription &description)
+{
+    std::vector<std::string> fields;
+    for (const Leaf &leaf : Leaves(description)) {
+        if (!leaf.field->isQuiet)
+            fields.push_back(leaf.path);
+    }
+    return fields;
+}
+
 void Add(Values &values, std::string_view name, std::string_view value)
 {
     if (!values.emplace(name, value).second)
@@ -73,7 +84,7 @@ std::string Missing(const std::vector<Leaf> &leaves, const Values &values)
 {
     std::string missing;
     for (const Leaf &leaf : leaves) {
-        if (!values.contains(leaf.path))
+        if (!leaf.field->isQuiet && !values.contains(leaf.path))
             missing += (missing.empty() ? "" : ", ") + leaf.path;
     }
     return missing;
@@ -93,17 +104,26 @@ void Store(const RecordDescription &description, const Values &values, void *rec
         throw KeyError(fmt::format("no value for {}; the key is {}", missing, KeyShape(description)));
 }
 
+/** The field that a name stands for. */
+std::string FieldOf(const KeyAliases &aliases, std::string_view name)
+{
+    const auto alias = aliases.find(name);
+    return alias == aliases.end() ? std::string(name) : alias->second;
+}
+
 /** Adds the values of an object; those of an object inside it have its name in front: "session.tunnelId". */
-void AddObject(Values &values, const Json &object, const std::string &prefix)
+void AddObject(const KeyAliases &aliases, const Json &object, const std::string &prefix, Values &values)
 {
     for (const auto &[name, value] : object.items()) {
         const std::string path = prefix + name;
+        if (value.is_object() && name == "named")
+            continue;
         if (value.is_object())
-            AddObject(values, value, path + ".");
+            AddObject(aliases, value, path + ".", values);
         else if (value.is_string())
-            Add(values, path, value.get_ref<const std::string &>());
+            Add(values, FieldOf(aliases, path), value.get_ref<const std::string &>());
         else if (value.is_number_integer())
-            Add(values, path, value.dump());
+            Add(values, FieldOf(aliases, path), value.dump());
         else
             throw KeyError(fmt::format("{} takes a whole number or a text", path));
     }
@@ -137,51 +157,56 @@ Json ParseObject(std::string_view text)
 
 } // namespace
 
-void ReadKey(const RecordDescription &description, std::string_view text, void *record)
+void ReadKey(const RecordDescription &description, std::string_view text, void *record, const KeyAliases &aliases)
 {
+    const std::vector<std::string> plain = PlainFields(description);
     const std::vector<std::string_view> parts = Split(text, ',');
+    const auto hasName = [](std::string_view part) { return part.find('=') != std::string_view::npos; };
+    const auto named = std::find_if(parts.begin(), parts.end(), hasName);
+    const auto inOrder = static_cast<size_t>(named - parts.begin());
+    if (inOrder != 0 && inOrder != plain.size())
+        throw KeyError(fmt::format("takes {} ({}), got {}", CountText(plain.size(), "value"), KeyShape(description),
+                                   inOrder));
     Values values;
-    if (text.find('=') == std::string_view::npos) {
-        const std::vector<Leaf> leaves = Leaves(description);
-        if (parts.size() != leaves.size())
-            throw KeyError(fmt::format("takes {} ({}), got {}", CountText(leaves.size(), "value"),
-                                       KeyShape(description), parts.size()));
-        for (size_t i = 0; i < parts.size(); ++i)
-            Add(values, leaves[i].path, parts[i]);
-    } else {
-        for (const std::string_view part : parts) {
-            const size_t equals = part.find('=');
-            if (equals == std::string_view::npos)
-                throw KeyError(fmt::format("'{}' is not NAME=VALUE; the key is {}", part, KeyShape(description)));
-            Add(values, part.substr(0, equals), part.substr(equals + 1));
-        }
+    for (size_t i = 0; i < inOrder; ++i)
+        Add(values, plain[i], parts[i]);
+    for (auto part = named; part != parts.end(); ++part) {
+        if (!hasName(*part))
+            throw KeyError(fmt::format("'{}' is not NAME=VALUE; the key is {}", *part, KeyShape(description)));
+        const size_t equals = part->find('=');
+        Add(values, FieldOf(aliases, part->substr(0, equals)), part->substr(equals + 1));
     }
     Store(description, values, record);
 }
 
-void ReadJsonKey(const RecordDescription &description, std::string_view json, void *record)
+void ReadJsonKey(const RecordDescription &description, std::string_view json, void *record, const KeyAliases &aliases)
 {
     Values values;
-    AddObject(values, ParseObject(json), "");
+    AddObject(aliases, ParseObject(json), "", values);
     Store(description, values, record);
 }
 
 std::string KeyText(const RecordDescription &description, const void *record)
 {
     std::string text;
+    std::string quiet;
     for (const Leaf &leaf : Leaves(description)) {
-        const Json value = ScalarToJson(*leaf.field, At(record, leaf.offset));
-        text += (text.empty() ? "" : ",") + (value.is_string() ? value.get<std::string>() : value.dump());
+        const std::byte *at = At(record, leaf.offset);
+        if (leaf.field->isQuiet && std::all_of(at, at + leaf.field->width, [](auto byte) { return byte == std::byte{0}; }))
+            continue;
+        const Json value = ScalarToJson(*leaf.field, at);
+        const std::string word = value.is_string() ? value.get<std::string>() : value.dump();
+        if (leaf.field->isQuiet)
+            quiet += fmt::format(",{}={}", leaf.path, word);
+        else
+            text += (text.empty() ? "" : ",") + word;
     }
-    return text;
+    return text + quiet;
 }
 
 std::string KeyShape(const RecordDescription &description)
 {
-    std::string shape;
-    for (const Leaf &leaf : Leaves(description))
-        shape += (shape.empty() ? "" : ",") + leaf.path;
-    return shape;
+    return Joined(PlainFields(description), ",");
 }
 
 } // namespace manager

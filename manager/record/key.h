@@ -5,6 +5,7 @@
 
 #include "manager/record/record.h"
 
+#include <map>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -16,15 +17,22 @@ struct KeyError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+/** Further names under which the fields of a key may be given: alias to field. */
+using KeyAliases = std::map<std::string, std::string, std::less<>>;
+
 /**
  * Reads a key into a record: its fields in order, with commas between them ("5,1,10.0.0.1,10.0.0.9"), or as
- * name=value in any order. A 32-bit number may be written as an IPv4 address and an address as a number; bytes are
- * hex text. Throws KeyError, and then the record may be half filled.
+ * name=value in any order, or first the one and then the other. A 32-bit number may be written as an IPv4 address and
+ * an address as a number; bytes are hex text. Quiet fields have names alone, and are 0 if they are not given. Throws
+ * KeyError, and then the record may be half filled.
  */
-void ReadKey(const RecordDescription &description, std::string_view text, void *record);
+void ReadKey(const RecordDescription &description, std::string_view text, void *record,
+             const KeyAliases &aliases = {});
 
-/** Reads a key from a JSON object of field names with numbers or texts, as ToJson writes one. Throws KeyError. */
-void ReadJsonKey(const RecordDescription &description, std::string_view json, void *record);
+/** Reads a key from a JSON object of names with numbers or texts, as a document has it: `named`, which repeats what
+ * the fields say, is not looked at. Throws KeyError. */
+void ReadJsonKey(const RecordDescription &description, std::string_view json, void *record,
+                 const KeyAliases &aliases = {});
 
 /** The key as ReadKey takes it. */
 std::string KeyText(const RecordDescription &description, const void *record);

@@ -3,19 +3,22 @@
 
 namespace manager {
 
-// What a hop of another kind holds was not converted by the library, so it is shown as the bytes that it is.
-DESCRIBE(RSVP_MOR_HopEntry, NUMBER(kind), IfTag(ADDRESS(address), offsetof(Row, kind), RSVP_MOR_HOP_IPV4),
-         UnlessTag(BYTES(address), offsetof(Row, kind), RSVP_MOR_HOP_IPV4),
+// The library converts the address of an address hop and the label of a label hop, and leaves the other one as it
+// came.
+DESCRIBE(RSVP_MOR_HopEntry, NUMBER(kind), Quiet(BYTES(reserved0)),
+         IfTag(ADDRESS(address), offsetof(Row, kind), RSVP_MOR_HOP_IPV4),
+         UnlessTag(NET_ADDRESS(address), offsetof(Row, kind), RSVP_MOR_HOP_IPV4),
          IfTag(NUMBER(label), offsetof(Row, kind), RSVP_MOR_HOP_LABEL),
-         UnlessTag(BYTES(label), offsetof(Row, kind), RSVP_MOR_HOP_LABEL))
+         UnlessTag(NET_NUMBER(label), offsetof(Row, kind), RSVP_MOR_HOP_LABEL), Quiet(BYTES(reserved1)))
 
-DESCRIBE(RSVP_MOR_RouteEntry, NUMBER(value))
+DESCRIBE(RSVP_MOR_RouteEntry, Quiet(BYTES(reserved0)), NUMBER(value), Quiet(BYTES(reserved1)))
 
-DESCRIBE(RSVP_MOR_Session, ADDRESS(tunnelEndpoint), NUMBER(tunnelId), ADDRESS(extendedTunnelId))
+DESCRIBE(RSVP_MOR_Session, ADDRESS(tunnelEndpoint), Quiet(BYTES(reserved)), NUMBER(tunnelId),
+         ADDRESS(extendedTunnelId))
 
 DESCRIBE(RSVP_MOR_Hop, ADDRESS(hopAddress), NUMBER(logicalIfHandle))
 
-DESCRIBE(RSVP_MOR_Sender, ADDRESS(senderAddress), NUMBER(lspId))
+DESCRIBE(RSVP_MOR_Sender, ADDRESS(senderAddress), Quiet(BYTES(reserved)), NUMBER(lspId))
 
 DESCRIBE(RSVP_MOR_IfRef, BYTES(ifRefHead), NUMBER(ifRefNumber), BYTES(ifRefTail))
 
@@ -36,7 +39,7 @@ DESCRIBE(RSVP_MOR_Adspec, BYTES(msgHeader), NUMBER(msgLength), BYTES(generalHead
          NUMBER(guaranteedWord), RECORD(guaranteedOverrides), NUMBER(loadLead), BYTES(loadLeadTail),
          BYTES(loadHeader), NUMBER(loadLength), NUMBER(loadWord), RECORD(loadOverrides))
 
-DESCRIBE(RSVP_MOR_LabelRequest, NUMBER(kind), NUMBER(l3pid),
+DESCRIBE(RSVP_MOR_LabelRequest, NUMBER(kind), Quiet(BYTES(reserved0)), Quiet(NUMBER(reserved)), NUMBER(l3pid),
          IfTag(NUMBER(minVpi), offsetof(Row, kind), RSVP_MOR_LABEL_REQUEST_ATM),
          IfTag(NUMBER(minVci), offsetof(Row, kind), RSVP_MOR_LABEL_REQUEST_ATM),
          IfTag(NUMBER(maxVpi), offsetof(Row, kind), RSVP_MOR_LABEL_REQUEST_ATM),

@@ -3,9 +3,10 @@
 
 namespace manager {
 
-DESCRIBE(RSVP_MOR_P2mpSession, NUMBER(p2mpId), NUMBER(tunnelId), ADDRESS(extendedTunnelId))
+DESCRIBE(RSVP_MOR_P2mpSession, NUMBER(p2mpId), Quiet(NUMBER(reserved)), NUMBER(tunnelId), ADDRESS(extendedTunnelId))
 
-DESCRIBE(RSVP_MOR_P2mpSender, ADDRESS(senderAddress), NUMBER(lspId), ADDRESS(subGroupOriginator), NUMBER(subGroupId))
+DESCRIBE(RSVP_MOR_P2mpSender, ADDRESS(senderAddress), Quiet(BYTES(reserved)), NUMBER(lspId),
+         ADDRESS(subGroupOriginator), Quiet(NUMBER(subGroupReserved)), NUMBER(subGroupId))
 
 DESCRIBE(RSVP_MOR_P2mpPathState, RECORD(session), RECORD(ifRef), NUMBER(stateHalf1), RECORD(hop), NUMBER(stateWord2),
          NUMBER(stateWord0), NUMBER(stateWord4), RECORD(tspec), BYTES(leadBytes), RECORD(sessionAttr), RECORD(adspec),

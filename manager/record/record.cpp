@@ -2,6 +2,8 @@
 // lsp_records.cpp and p2mp_records.cpp.
 #include "manager/record/record.h"
 
+#include <algorithm>
+
 namespace manager {
 namespace {
 
@@ -35,6 +37,13 @@ bool IsPresent(const Field &field, const void *record)
     return equal == (field.condition.test == Condition::Test::Equal);
 }
 
+bool IsZero(const Field &field, const void *record)
+{
+    const std::byte *start = At(record, field.offset);
+    const size_t size = size_t{field.width} * std::max<uint32_t>(field.count, 1);
+    return std::all_of(start, start + size, [](std::byte byte) { return byte == std::byte{0}; });
+}
+
 std::vector<Leaf> Leaves(const RecordDescription &description)
 {
     std::vector<Leaf> out;
@@ -42,17 +51,29 @@ std::vector<Leaf> Leaves(const RecordDescription &description)
     return out;
 }
 
-uint64_t LoadNumber(const Field &field, const void *element)
+std::string PathAt(const RecordDescription &description, uint32_t offset, uint32_t size)
 {
-    switch (field.width) {
+    for (const Field &field : description.fields) {
+        if (field.offset == offset && field.width == size)
+            return field.name;
+        if (field.kind == FieldKind::Record && field.count == 0 && offset >= field.offset &&
+            offset + size <= field.offset + field.width)
+            return std::string(field.name) + "." + PathAt(*field.record, offset - field.offset, size);
+    }
+    return {};
+}
+
+uint64_t LoadNumber(const void *at, uint32_t width)
+{
+    switch (width) {
     case 1:
-        return Load<uint8_t>(element);
+        return Load<uint8_t>(at);
     case 2:
-        return Load<uint16_t>(element);
+        return Load<uint16_t>(at);
     case 4:
-        return Load<uint32_t>(element);
+        return Load<uint32_t>(at);
     default:
-        return Load<uint64_t>(element);
+        return Load<uint64_t>(at);
     }
 }
 

@@ -1,6 +1,6 @@
 // Every public record and key of the library described once as data. JSON, tables, the detail view and the keys that
 // users type all read this one description, so a field that is added to a record is added here and nowhere else.
-// Reserved fields are left out: they mean nothing to a reader.
+// Fields that are never written are left out; reserved ones that travel are quiet.
 #ifndef MANAGER_RECORD_RECORD_H
 #define MANAGER_RECORD_RECORD_H
 
@@ -17,6 +17,8 @@ namespace manager {
 enum class FieldKind : uint8_t {
     Number,  // unsigned, host order, 1 to 8 bytes
     Address, // IPv4 address as a number, shown dotted
+    NetNumber,  // a number that nobody converted: most significant byte first
+    NetAddress, // an address likewise
     Bytes,   // bytes in their order on the wire, shown as hex text
     Rate,    // IEEE single, most significant byte first
     Float,   // the machine's own float
@@ -46,6 +48,7 @@ struct Field {
     const RecordDescription *record; // what a Record, List or Chain consists of, else null
     uint32_t countOffset;            // of a List: where its count lies
     Condition condition;
+    bool isQuiet = false; // shown only if it is not 0, and not asked for in a key
 };
 
 struct RecordDescription {
@@ -132,6 +135,9 @@ std::span<const RecordDescription *const> AllRecords();
 /** Tells whether the record's tag lets the field be there. */
 bool IsPresent(const Field &field, const void *record);
 
+/** Whether all bytes of a field are 0. */
+bool IsZero(const Field &field, const void *record);
+
 /** A scalar of a record, found through the records inside it: what can be a table column or a part of a key. */
 struct Leaf {
     std::string path; // "session.tunnelEndpoint"
@@ -141,6 +147,9 @@ struct Leaf {
 
 /** The leaves of a record in its order. Arrays, lists and conditional fields are not among them. */
 std::vector<Leaf> Leaves(const RecordDescription &description);
+
+/** The path of the field that takes so many bytes from an offset: "session", "key.keyWord0". */
+std::string PathAt(const RecordDescription &description, uint32_t offset, uint32_t size);
 
 /** The value at an address of any alignment. */
 template <typename T> T Load(const void *at)
@@ -156,8 +165,30 @@ inline const std::byte *At(const void *record, uint32_t offset)
     return static_cast<const std::byte *>(record) + offset;
 }
 
-/** The number of a number or address field that lies at `element`. */
-uint64_t LoadNumber(const Field &field, const void *element);
+/** Calls `look` with each record of a List or a Chain. */
+template <typename Look> void ForEachElement(const Field &field, const void *record, const Look &look)
+{
+    const std::byte *start = At(record, field.offset);
+    if (field.kind == FieldKind::Chain) {
+        for (const void *node = Load<const void *>(start); node != nullptr; node = Load<const void *>(node))
+            look(node);
+        return;
+    }
+    const auto *entries = Load<const std::byte *>(start);
+    const auto count = entries == nullptr ? uint16_t{0} : Load<uint16_t>(At(record, field.countOffset));
+    for (uint32_t i = 0; i < count; ++i)
+        look(static_cast<const void *>(entries + size_t{i} * field.record->size));
+}
+
+/** The number of 1, 2, 4 or 8 bytes that lies at an address. */
+uint64_t LoadNumber(const void *at, uint32_t width);
+
+/** Where a part of a row's key lies, in the row and in the key. */
+struct KeyPart {
+    uint32_t offset = 0;
+    uint32_t size = 0; // 0 after the last part
+    uint32_t keyOffset = 0;
+};
 
 } // namespace manager
 

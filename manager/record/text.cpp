@@ -76,9 +76,15 @@ std::string DurationText(std::chrono::milliseconds duration)
 
 float NetFloat(const void *at)
 {
-    const auto bytes = Load<std::array<uint8_t, 4>>(at);
-    return std::bit_cast<float>(uint32_t{bytes[0]} << 24 | uint32_t{bytes[1]} << 16 | uint32_t{bytes[2]} << 8 |
-                                bytes[3]);
+    return std::bit_cast<float>(static_cast<uint32_t>(NetNumber(at, sizeof(float))));
+}
+
+uint64_t NetNumber(const void *at, uint32_t width)
+{
+    uint64_t number = 0;
+    for (uint32_t i = 0; i < width; ++i)
+        number = number << 8 | std::to_integer<uint8_t>(*At(at, i));
+    return number;
 }
 
 std::string HexText(std::span<const std::byte> bytes)
@@ -93,13 +99,13 @@ std::string HexText(std::span<const std::byte> bytes)
     return text;
 }
 
-std::string PrintableText(const char *text)
+std::string PrintableText(std::string_view text)
 {
     std::string out;
-    for (; *text != '\0'; ++text) {
-        const auto byte = static_cast<uint8_t>(*text);
+    for (const char c : text) {
+        const auto byte = static_cast<uint8_t>(c);
         if (byte >= 0x20 && byte < 0x7f)
-            out += *text;
+            out += c;
         else
             out += fmt::format("\\x{:02x}", byte);
     }

@@ -44,8 +44,11 @@ float NetFloat(const void *at);
 /** Two hex digits a byte. */
 std::string HexText(std::span<const std::byte> bytes);
 
+/** The number in so many bytes, most significant first. */
+uint64_t NetNumber(const void *at, uint32_t width);
+
 /** The daemon's names are bytes of any kind; what is not printable ASCII is written as \xNN. */
-std::string PrintableText(const char *text);
+std::string PrintableText(std::string_view text);
 
 /** "1 row", "2 rows". */
 std::string CountText(uint64_t count, std::string_view noun);

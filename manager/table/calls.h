@@ -60,10 +60,19 @@ constexpr RowRead ReadWith(const char *name, uint32_t (*)(Arguments...))
             }};
 }
 
+/** The parts of a key that a record holds, each placed after the one before it. */
+template <typename... Parts> constexpr std::array<KeyPart, 3> KeyOf(Parts... parts)
+{
+    std::array<KeyPart, 3> key{parts...};
+    for (size_t i = 1; i < sizeof...(parts); ++i)
+        key[i].keyOffset = key[i - 1].keyOffset + key[i - 1].size;
+    return key;
+}
+
 constexpr uint32_t SizeOfParts(const Table &table)
 {
     uint32_t size = 0;
-    for (const KeyPart &part : table.keyParts)
+    for (const KeyPart &part : table.ownKey)
         size += part.size;
     return size;
 }
@@ -74,7 +83,7 @@ constexpr uint32_t SizeOfParts(const Table &table)
 #define PART(field)                                                                                                  \
     KeyPart                                                                                                          \
     {                                                                                                                \
-#field, offsetof(Row, field), sizeof(Row::field)                                                             \
+        offsetof(Row, field), sizeof(Row::field)                                                                     \
     }
 #define RELEASE(function) [](void *row) { function(static_cast<Row *>(row)); }
 #define TABLE(symbol, words, RowType, KeyType, ...)                                                                  \
@@ -83,7 +92,7 @@ constexpr uint32_t SizeOfParts(const Table &table)
         using Key = KeyType;                                                                                         \
         static_assert(std::has_unique_object_representations_v<Key>, "keys are compared byte by byte");              \
         constexpr Table table{.name = words, .row = Describe<Row>, .key = Describe<Key>, __VA_ARGS__};               \
-        static_assert(table.next.function == nullptr || SizeOfParts(table) == sizeof(Key));                          \
+        static_assert(SizeOfParts(table) == (table.ownKey[0].size == 0 && table.next.keyed ? 0 : sizeof(Key)));      \
         return table;                                                                                                \
     }();
 

@@ -1,10 +1,10 @@
 // How one table of the daemon is read, as data: the library's functions for the first row, the next one and the one
-// with a key, and which fields of a row are the key of the next. Rows and keys are bytes that their descriptions
-// explain, so that one walk serves every table.
+// with a key. Rows and keys are bytes that their descriptions explain, so that one walk serves every table.
 #ifndef MANAGER_TABLE_TABLE_H
 #define MANAGER_TABLE_TABLE_H
 
-#include "manager/record/record.h"
+#include "manager/dictionary/dictionary.h"
+#include "manager/record/key.h"
 
 #include <array>
 
@@ -18,13 +18,6 @@ struct RowRead {
     uint32_t (*call)(int32_t fd, const void *key, void *row) = nullptr;
 };
 
-/** A field of a row, or a record inside it, that is a part of the row's key. */
-struct KeyPart {
-    const char *field = "";
-    uint32_t offset = 0;
-    uint32_t size = 0; // 0 after the last part
-};
-
 struct Table {
     const char *name; // the words by which users know it: "frr facility"
     const RecordDescription &(*row)();
@@ -32,7 +25,7 @@ struct Table {
     RowRead first = {};
     RowRead next = {};
     RowRead get = {};
-    std::array<KeyPart, 6> keyParts = {}; // in the order of the key; they fill it without a gap
+    std::array<KeyPart, 3> ownKey = {}; // where the record itself says what is the key of the next row; else empty
 
     /** Gives back what a row owns; null where it owns nothing. */
     void (*release)(void *row) = nullptr;
@@ -52,8 +45,17 @@ constexpr uint32_t kP2mpPathStateItem = 11;
 /** Reads a row into zeroed memory; `key` is null for the first one. */
 uint32_t ReadRow(const Table &table, const RowRead &read, int32_t fd, const void *key, void *row);
 
-/** Copies the key out of a row. */
-void CopyKey(const Table &table, const void *row, void *key);
+/**
+ * Where a row holds the key of the next one: what the dictionary says, else the record itself, else the first numbers
+ * of the row. Empty if none of these gives a key.
+ */
+std::vector<KeyPart> KeyPartsOf(const Table &table, const Dictionary &dictionary);
+
+/** Copies the key out of a row, into memory that is 0. */
+void CopyKey(std::span<const KeyPart> parts, const void *row, void *key);
+
+/** The names that the row and the dictionary give to the fields of the key. */
+KeyAliases AliasesOf(const Table &table, const Dictionary &dictionary);
 
 } // namespace manager
 

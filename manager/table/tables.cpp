@@ -1,5 +1,5 @@
-// The tables, one description each. Which fields of a row the daemon takes as the key of the next one is the daemon's
-// choice, so it is written down here and nowhere else.
+// The tables, one description each. Which fields of a row the daemon takes as the key of the next one stands here only
+// where the record itself says it; else a dictionary does.
 #include "manager/table/tables.h"
 
 #include "manager/record/describe.h"
@@ -95,10 +95,13 @@ constexpr AskFunction kAskP2mpCrLsp = [](int32_t fd, uint32_t, uint32_t operatio
                                  static_cast<RSVP_MOR_P2mpCrlspInfo *>(row));
 };
 
-template <AskFunction Ask> constexpr RowRead AskedRead(const char *function)
+// The key of a get-first is of the caller's own making; zeros do.
+template <AskFunction Ask, uint32_t Operation> constexpr RowRead AskedRead(const char *function)
 {
     return {.function = function, .held = true, .keyed = true, .call = [](int32_t fd, const void *key, void *row) {
-                return Ask(fd, kP2mpPathStateItem, kGetRow, key, row);
+                static constexpr std::array<std::byte, sizeof(RSVP_MOR_P2mpStateKey)> kZeros{};
+                static_assert(sizeof(kZeros) >= sizeof(RSVP_MOR_P2mpCrlspKey));
+                return Ask(fd, kP2mpPathStateItem, Operation, key == nullptr ? kZeros.data() : key, row);
             }};
 }
 
@@ -108,114 +111,125 @@ template <AskFunction Ask> constexpr RowRead AskedRead(const char *function)
 TABLE(kInterfaces, "interfaces", RSVP_MOR_IfInfo, InterfaceIndex,
       .first = READ(RSVP_MOR_GetFirstIfInfo),
       .next = READ(RSVP_MOR_GetNextIfInfo),
-      .get = READ(RSVP_MOR_GetIfInfo),
-      .keyParts = {PART(ifWord1)})
+      .get = READ(RSVP_MOR_GetIfInfo))
 
 TABLE(kInterfaceConfig, "interface-config", RSVP_MOR_IfConfig, InterfaceIndex,
       .first = READ(RSVP_GetFirstIfConfig),
       .next = READ(RSVP_GetNextIfConfig),
       .get = READ(RSVP_GetIfConfig),
-      .keyParts = {PART(ifIndex)})
+      .ownKey = KeyOf(PART(ifIndex)))
 
 TABLE(kNeighbours, "neighbours", RSVP_MOR_ReplyNbr, RSVP_MOR_NbrKey,
       .first = READ(RSVP_MOR_GetFirstNbr),
-      .next = READ(RSVP_MOR_GetNextNbr),
-      .keyParts = {PART(nbrWord0), PART(nbrWord1)})
+      .next = READ(RSVP_MOR_GetNextNbr))
 
 TABLE(kAuthentication, "auth", RSVP_MOR_ReplyAuth, RSVP_MOR_AuthWalkKey,
       .first = READ(RSVP_MOR_GetFirstAuth),
-      .next = READ(RSVP_MOR_GetNextAuth),
-      .keyParts = {PART(authEntryWord0), PART(authEntryWord1)})
+      .next = READ(RSVP_MOR_GetNextAuth))
 
 TABLE(kResources, "resources", RSVP_MOR_ReplyResource, ResourceIndex,
       .first = READ(RSVP_GetFirstResource),
       .next = READ(RSVP_GetNextResource),
       .get = READ(RSVP_GetResource),
-      .keyParts = {PART(resourceIndex)})
+      .ownKey = KeyOf(PART(resourceIndex)))
 
 TABLE(kTunnels, "tunnels", RSVP_MOR_ReplyTunnel, RSVP_MOR_TunnelKey,
       .first = READ(RSVP_GetFirstTunnel),
       .next = READ(RSVP_GetNextTunnel),
-      .get = READ(RSVP_GetTunnel),
-      .keyParts = {PART(tunnelWord0), PART(tunnelWord1), PART(tunnelWord2), PART(tunnelWord3)})
+      .get = READ(RSVP_GetTunnel))
 
 TABLE(kIngressTunnels, "ingress tunnels", RSVP_MOR_ReplyTunnel, RSVP_MOR_TunnelKey,
       .first = READ(RSVP_GetFirstIngressTunnel),
-      .next = READ(RSVP_GetNextIngressTunnel),
-      .keyParts = {PART(tunnelWord0), PART(tunnelWord1), PART(tunnelWord2), PART(tunnelWord3)})
+      .next = READ(RSVP_GetNextIngressTunnel))
 
 TABLE(kFrrFacility, "frr facility", RSVP_MOR_ReplyFrrFacility, FacilityIndex,
       .first = FacilityRead<kGetFirst>(),
       .next = FacilityRead<kGetNext>(),
-      .get = FacilityRead<kGetRow>(),
-      .keyParts = {PART(facilityWord0), PART(facilityWord1), PART(facilityWord2),
-                   PART(facilityWord3), PART(facilityWord4), PART(facilityWord5)})
+      .get = FacilityRead<kGetRow>())
 
 TABLE(kFrrGeneral, "frr general", RSVP_MOR_ReplyFrrGeneral, RSVP_MOR_FrrGeneralKey,
       .first = READ(RSVP_MOR_GetFirstFrrGeneralTbl),
       .next = READ(RSVP_MOR_GetNextFrrGeneralTbl),
-      .get = READ(RSVP_MOR_GetFrrGeneralTbl),
-      .keyParts = {PART(frrWord0), PART(frrWord1), PART(frrWord2)})
+      .get = READ(RSVP_MOR_GetFrrGeneralTbl))
 
 TABLE(kComputedHops, "hops computed", RSVP_MOR_ReplyCHop, HopIndex,
       .first = READ(RSVP_GetFirstCHop),
       .next = READ(RSVP_GetNextCHop),
       .get = READ(RSVP_GetCHop),
-      .keyParts = {PART(hopListIndex), PART(hopIndex)})
+      .ownKey = KeyOf(PART(hopListIndex), PART(hopIndex)))
 
 TABLE(kActualHops, "hops actual", RSVP_MOR_ReplyArHop, HopIndex,
       .first = READ(RSVP_GetFirstArHop),
       .next = READ(RSVP_GetNextArHop),
       .get = READ(RSVP_GetArHop),
-      .keyParts = {PART(hopListIndex), PART(hopIndex)})
+      .ownKey = KeyOf(PART(hopListIndex), PART(hopIndex)))
 
 TABLE(kExtendedHops, "hops extended", RSVP_MOR_ReplyExtArHop, HopIndex,
       .first = READ(RSVP_MOR_GetFirstExtArHop),
       .next = READ(RSVP_MOR_GetNextExtArHop),
-      .get = READ(RSVP_MOR_GetExtArHop),
-      .keyParts = {PART(extArHopWord0), PART(extArHopWord1)})
+      .get = READ(RSVP_MOR_GetExtArHop))
 
 TABLE(kPathState, "psb", RSVP_MOR_ReplyPsb, PsbKey,
       .first = READ(RSVP_MOR_GetFirstPsbInfo),
       .next = READ(RSVP_MOR_GetNextPsbInfo),
-      .keyParts = {PART(session), PART(sender)},
+      .ownKey = KeyOf(PART(session), PART(sender)),
       .release = RELEASE(RSVP_MOR_FreeReplyPsb))
 
 TABLE(kReservationState, "rsb", RSVP_MOR_ReplyRsb, RsbKey,
       .first = READ(RSVP_MOR_GetFirstRsbInfo),
       .next = READ(RSVP_MOR_GetNextRsbInfo),
-      .keyParts = {PART(session), PART(hop), PART(filter)},
+      .ownKey = KeyOf(PART(session), PART(hop), PART(filter)),
       .release = RELEASE(RSVP_MOR_FreeReplyRsb))
 
 TABLE(kPreviousHopState, "phsb", RSVP_MOR_ReplyPhsb, PhsbKey,
       .first = READ(RSVP_MOR_GetFirstPhsbInfo),
       .next = READ(RSVP_MOR_GetNextPhsbInfo),
-      .keyParts = {PART(session), PART(hop)},
+      .ownKey = KeyOf(PART(session), PART(hop)),
       .release = RELEASE(RSVP_MOR_FreeReplyPhsb))
 
 TABLE(kCrLsps, "crlsp", RSVP_MOR_ReplyCrlsp, RSVP_MOR_CrlspKey,
       .first = READ(RSVP_MOR_GetFirstCrlsp),
       .next = READ(RSVP_MOR_GetNextCrlsp),
-      .keyParts = {PART(key)},
+      .ownKey = KeyOf(PART(key)),
       .release = RELEASE(RSVP_MOR_FreeReplyCrlsp))
 
 SINGLE(kGlobalInfo, "global", RSVP_MOR_GlobalInfo, RSVP_MOR_GetGlobalInfo)
 SINGLE(kDebugSwitches, "debug", RSVP_MOR_DebugInfo, RSVP_MOR_GetRsvpDebug)
 
 TABLE(kP2mpPathState, "p2mp psb", RSVP_MOR_P2mpPsbInfo, RSVP_MOR_P2mpStateKey,
-      .get = AskedRead<kAskP2mpPathState>("RSVP_MOR_GetP2mpPsbInfo"),
+      .first = AskedRead<kAskP2mpPathState, kGetFirst>("RSVP_MOR_GetP2mpPsbInfo"),
+      .next = AskedRead<kAskP2mpPathState, kGetNext>("RSVP_MOR_GetP2mpPsbInfo"),
+      .get = AskedRead<kAskP2mpPathState, kGetRow>("RSVP_MOR_GetP2mpPsbInfo"),
       .release = RELEASE(RSVP_MOR_FreeP2mpPsbInfo),
       .ask = kAskP2mpPathState)
 
 TABLE(kP2mpReservationState, "p2mp rsb", RSVP_MOR_P2mpRsbInfo, RSVP_MOR_P2mpStateKey,
-      .get = AskedRead<kAskP2mpReservationState>("RSVP_MOR_GetP2mpRsbInfo"),
+      .first = AskedRead<kAskP2mpReservationState, kGetFirst>("RSVP_MOR_GetP2mpRsbInfo"),
+      .next = AskedRead<kAskP2mpReservationState, kGetNext>("RSVP_MOR_GetP2mpRsbInfo"),
+      .get = AskedRead<kAskP2mpReservationState, kGetRow>("RSVP_MOR_GetP2mpRsbInfo"),
       .release = RELEASE(RSVP_MOR_FreeP2mpRsbInfo),
       .ask = kAskP2mpReservationState)
 
 TABLE(kP2mpCrLsps, "p2mp crlsp", RSVP_MOR_P2mpCrlspInfo, RSVP_MOR_P2mpCrlspKey,
-      .get = AskedRead<kAskP2mpCrLsp>("RSVP_MOR_GetP2mpCrlsp"),
+      .first = AskedRead<kAskP2mpCrLsp, kGetFirst>("RSVP_MOR_GetP2mpCrlsp"),
+      .next = AskedRead<kAskP2mpCrLsp, kGetNext>("RSVP_MOR_GetP2mpCrlsp"),
+      .get = AskedRead<kAskP2mpCrLsp, kGetRow>("RSVP_MOR_GetP2mpCrlsp"),
       .release = RELEASE(RSVP_MOR_FreeP2mpCrlspInfo),
       .ask = kAskP2mpCrLsp)
 // clang-format on
+
+std::span<const TableShape> AllTableShapes()
+{
+    static const std::vector<TableShape> shapes = [] {
+        std::vector<TableShape> all;
+        for (const Table *table :
+             {&kInterfaces, &kInterfaceConfig, &kNeighbours, &kAuthentication, &kResources, &kTunnels, &kIngressTunnels,
+              &kFrrFacility, &kFrrGeneral, &kComputedHops, &kActualHops, &kExtendedHops, &kPathState,
+              &kReservationState, &kPreviousHopState, &kCrLsps, &kP2mpPathState, &kP2mpReservationState, &kP2mpCrLsps})
+            all.push_back({table->name, &table->row(), &table->key()});
+        return all;
+    }();
+    return shapes;
+}
 
 } // namespace manager

@@ -27,10 +27,13 @@ extern const Table kCrLsps;
 extern const Table kGlobalInfo;
 extern const Table kDebugSwitches;
 
-// One block by its key; which blocks there are, the daemon does not tell.
+// Point-to-multipoint state: a walk needs a dictionary that says what the key of the next block is.
 extern const Table kP2mpPathState;
 extern const Table kP2mpReservationState;
 extern const Table kP2mpCrLsps;
+
+/** All tables, for the dictionaries that say something of them. */
+std::span<const TableShape> AllTableShapes();
 
 } // namespace manager
 

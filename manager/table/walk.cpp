@@ -54,8 +54,9 @@ bool RepeatFinder::Repeats(const Bytes &key)
     return false;
 }
 
-WalkResult Walk(const Table &table, int32_t fd, const void *after, const OnRow &onRow)
+WalkResult Walk(const Table &table, const Dictionary &dictionary, int32_t fd, const void *after, const OnRow &onRow)
 {
+    const std::vector<KeyPart> parts = KeyPartsOf(table, dictionary);
     WalkResult result;
     RepeatFinder finder;
     RowBuffer row(table);
@@ -71,16 +72,20 @@ WalkResult Walk(const Table &table, int32_t fd, const void *after, const OnRow &
         result.status = row.Read(*read, fd, read == &table.first ? nullptr : key.data());
         if (result.status != RSVP_MOR_OK)
             break;
-        CopyKey(table, row.Row(), key.data());
-        const bool repeats = finder.Repeats(key);
+        CopyKey(parts, row.Row(), key.data());
+        const bool repeats = !parts.empty() && finder.Repeats(key);
         if (repeats || !onRow(row.Row())) {
             result.end = repeats ? WalkEnd::Stuck : WalkEnd::Stopped;
             return result;
         }
         ++result.rows;
+        if (parts.empty()) {
+            result.end = WalkEnd::NoKey;
+            return result;
+        }
         read = &table.next;
     }
-    if (result.status == RSVP_MOR_ERR_NOT_EXIST) {
+    if (dictionary.EndsTable(result.status)) {
         result.status = RSVP_MOR_OK;
         return result;
     }

@@ -1,5 +1,5 @@
-// Walking a table. The walk keeps one row and two keys, so that its memory does not grow with the table, and it has
-// three ends: the daemon said that there is no further row, something broke the walk, or the keys do not advance.
+// Walking a table. The walk keeps one row and two keys, so that its memory does not grow with the table, and it ends
+// when the daemon says that there is no further row, when something breaks it, or when the keys do not advance.
 #ifndef MANAGER_TABLE_WALK_H
 #define MANAGER_TABLE_WALK_H
 
@@ -24,7 +24,13 @@ private:
     uint64_t nextKept_ = 1;
 };
 
-enum class WalkEnd : uint8_t { EndOfTable, Broken, Stuck, Stopped };
+enum class WalkEnd : uint8_t {
+    EndOfTable,
+    Broken,
+    Stuck,
+    NoKey, // nobody says where a row holds the key of the next one
+    Stopped,
+};
 
 struct WalkResult {
     WalkEnd end = WalkEnd::EndOfTable;
@@ -38,7 +44,7 @@ struct WalkResult {
 using OnRow = std::function<bool(void *row)>;
 
 /** Walks a table from its first row, or from the row after the key in `after`, if that is not null. */
-WalkResult Walk(const Table &table, int32_t fd, const void *after, const OnRow &onRow);
+WalkResult Walk(const Table &table, const Dictionary &dictionary, int32_t fd, const void *after, const OnRow &onRow);
 
 } // namespace manager
 

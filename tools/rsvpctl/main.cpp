@@ -4,6 +4,7 @@
 #include "tools/rsvpctl/command/command_line.h"
 #include "tools/rsvpctl/command/run.h"
 #include "tools/rsvpctl/commands.h"
+#include "tools/rsvpctl/print/names.h"
 #include "tools/rsvpctl/print/pager.h"
 
 #include <csignal>
@@ -19,6 +20,7 @@ Exit RunProgram(const std::vector<std::string> &words)
     AddCommands(line);
     const Command *command = nullptr;
     try {
+        ChooseDictionary(words);
         command = &line.Parse(words);
     } catch (const UsageError &error) {
         Output out(WantsJson(words) ? Style::Json : Style::Table, Color::Auto);

@@ -3,9 +3,12 @@
 #define HOST_DAEMON_SCENARIO_ROWS_H
 
 #include "host/daemon/device/row.h"
-#include "host/daemon/scenario/document.h"
+#include "toml/document.h"
 
 namespace rsvpsimd {
+
+using rsvp_toml::Member, rsvp_toml::Mistake, rsvp_toml::Node, rsvp_toml::NumberIn, rsvp_toml::ParseDocument,
+    rsvp_toml::Refuse;
 
 // Both throw Mistake.
 Block ReadRow(const Node::Table &table, const RowKind &kind);

@@ -76,6 +76,7 @@ CommandLine::CommandLine() : root_(std::make_unique<CLI::App>("Configures and re
     detail_ = Root().AddFlag("--detail", "Every field of a row, one a line; for show and batch");
     color_ = Root().AddChoice("--color", "WHEN", {"auto", "always", "never"},
                               "Colour: auto (only on a terminal, and without NO_COLOR), always, never");
+    (void)Root().AddFile("--dictionary", "What the daemon means by its words; none for their numbers");
     noPager_ = Root().AddFlag("--no-pager", "Long output straight to the terminal, not through $PAGER");
 }
 

@@ -6,6 +6,7 @@
 #include "manager/record/key.h"
 #include "manager/record/text.h"
 #include "tools/rsvpctl/command/input_file.h"
+#include "tools/rsvpctl/print/names.h"
 #include "tools/rsvpctl/print/usage_error.h"
 
 #include <CLI/CLI.hpp>
@@ -19,6 +20,12 @@ using manager::ParseAddress, manager::ParseNumber, manager::RecordDescription;
 
 constexpr size_t kLongestKeyFile = 65536;
 constexpr int kMostWords = 1000;
+
+// The names of the dictionary are found when a key is read, not when its option is made.
+manager::KeyAliases AliasesOf(const KeySpec &key)
+{
+    return key.table == nullptr ? manager::KeyAliases() : manager::AliasesOf(*key.table, Names());
+}
 
 } // namespace
 
@@ -148,14 +155,14 @@ Option Node::AddFile(const std::string &names, const std::string &help) const
     return Option(app_->add_option(names, help)->type_name("FILE"));
 }
 
-Option Node::AddKey(const std::string &names, const RecordDescription &description, const std::string &help) const
+Option Node::AddKey(const std::string &names, const KeySpec &key, const std::string &help) const
 {
     return Option(app_->add_option(names, help)
-                      ->type_name(KeyShape(description))
-                      ->check([&description](const std::string &text) -> std::string {
-                          std::vector<std::byte> scratch(description.size);
+                      ->type_name(KeyShape(*key.description))
+                      ->check([key](const std::string &text) -> std::string {
+                          std::vector<std::byte> scratch(key.description->size);
                           try {
-                              ReadKey(description, text, scratch.data());
+                              ReadKey(*key.description, text, scratch.data(), AliasesOf(key));
                           } catch (const manager::KeyError &error) {
                               return error.what();
                           }
@@ -163,42 +170,42 @@ Option Node::AddKey(const std::string &names, const RecordDescription &descripti
                       }));
 }
 
-Option Node::AddKeyWords(const std::string &names, const RecordDescription &description,
-                         const std::string &help) const
+Option Node::AddKeyWords(const std::string &names, const KeySpec &key, const std::string &help) const
 {
     return Option(app_->add_option(names, help)
                       ->type_name("FIELD=VALUE...")
-                      ->expected(1, static_cast<int>(Leaves(description).size())));
+                      ->expected(1, static_cast<int>(Leaves(*key.description).size())));
 }
 
-void RequireKey(const RecordDescription &description, const std::string &text, void *record)
+void RequireKey(const KeySpec &key, const std::string &text, void *record)
 {
     try {
-        ReadKey(description, text, record);
+        ReadKey(*key.description, text, record, AliasesOf(key));
     } catch (const manager::KeyError &error) {
         throw UsageError(std::string("key: ") + error.what());
     }
 }
 
-KeyOptions AddKeyOptions(const Node &node, const RecordDescription &description)
+KeyOptions AddKeyOptions(const Node &node, const KeySpec &key)
 {
-    const Option words = node.AddKeyWords("--key", description,
+    const Option words = node.AddKeyWords("--key", key,
                                           "The key: every field, or all values in their order (" +
-                                              KeyShape(description) + "); a number may be written as an address");
+                                              KeyShape(*key.description) + "); a number may be written as an address");
     const Option file =
         node.AddFile("--key-file", "JSON file with the key: an object of field names with values").Excludes(words);
-    return {&description, words, file};
+    return {key, words, file};
 }
 
 void RequireKey(const KeyOptions &options, void *record)
 {
     if (options.words.IsGiven())
-        return RequireKey(*options.description, manager::Joined(options.words.Words(), ","), record);
+        return RequireKey(options.key, manager::Joined(options.words.Words(), ","), record);
     if (!options.file.IsGiven())
         throw UsageError("key: --key or --key-file is needed");
     const std::string file = options.file.Text();
     try {
-        ReadJsonKey(*options.description, ReadInput("--key-file", file, kLongestKeyFile), record);
+        ReadJsonKey(*options.key.description, ReadInput("--key-file", file, kLongestKeyFile), record,
+                    AliasesOf(options.key));
     } catch (const manager::KeyError &error) {
         throw UsageError(fmt::format("--key-file: {}: {}", file, error.what()));
     }

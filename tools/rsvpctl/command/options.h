@@ -4,7 +4,7 @@
 #ifndef TOOLS_RSVPCTL_COMMAND_OPTIONS_H
 #define TOOLS_RSVPCTL_COMMAND_OPTIONS_H
 
-#include "manager/record/record.h"
+#include "manager/table/table.h"
 
 #include <chrono>
 #include <cstdint>
@@ -51,6 +51,15 @@ private:
     CLI::Option *option_ = nullptr;
 };
 
+/** A key that a command takes: of a table's rows, or a record of its own. */
+struct KeySpec {
+    KeySpec(const manager::Table &of) : description(&of.key()), table(&of) {}
+    KeySpec(const manager::RecordDescription &of) : description(&of) {}
+
+    const manager::RecordDescription *description;
+    const manager::Table *table = nullptr;
+};
+
 /** The words that lead to a node, without the program's own. */
 std::string PathOf(const CLI::App &app);
 
@@ -82,12 +91,10 @@ public:
                    std::function<std::string(const std::string &)> check, const std::string &help) const;
     Option AddWords(const std::string &names, const std::string &type, const std::string &help) const;
     Option AddFile(const std::string &names, const std::string &help) const;
-    Option AddKey(const std::string &names, const manager::RecordDescription &description,
-                  const std::string &help) const;
+    Option AddKey(const std::string &names, const KeySpec &key, const std::string &help) const;
 
     /** A key whose parts may be separate words: it is checked when it is read. */
-    Option AddKeyWords(const std::string &names, const manager::RecordDescription &description,
-                       const std::string &help) const;
+    Option AddKeyWords(const std::string &names, const KeySpec &key, const std::string &help) const;
 
     CLI::App &App() const { return *app_; }
 
@@ -96,7 +103,7 @@ private:
 };
 
 /** Reads a key that a command line gave. Throws UsageError. */
-void RequireKey(const manager::RecordDescription &description, const std::string &text, void *record);
+void RequireKey(const KeySpec &key, const std::string &text, void *record);
 
 /** The same for a key of the type that it is read into. */
 template <typename Key> Key KeyOf(const Option &option)
@@ -108,11 +115,11 @@ template <typename Key> Key KeyOf(const Option &option)
 
 /** The two ways in which a command takes a key that is long: words or a JSON file. */
 struct KeyOptions {
-    const manager::RecordDescription *description;
+    KeySpec key;
     Option words;
     Option file;
 };
-KeyOptions AddKeyOptions(const Node &node, const manager::RecordDescription &description);
+KeyOptions AddKeyOptions(const Node &node, const KeySpec &key);
 
 /** Reads the key that the options give. Throws UsageError if they give none. */
 void RequireKey(const KeyOptions &options, void *record);

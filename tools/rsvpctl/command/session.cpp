@@ -2,6 +2,8 @@
 #include "tools/rsvpctl/command/session.h"
 
 #include "manager/table/session.h"
+#include "tools/rsvpctl/print/names.h"
+#include "tools/rsvpctl/view/record_view.h"
 
 #include <nlohmann/json.hpp>
 
@@ -34,7 +36,11 @@ Exit ShowRecord(Output &out, const std::string &operation, const manager::Table 
                 const std::string &asked)
 {
     return WithRecord(out, operation, table, key, asked,
-                      [&](void *record) { return out.Record(operation, ToJson(table.row(), record)); });
+                      [&](void *record) {
+                          return out.Record(operation, table.row(), record, [&](const void *row) {
+                              return RecordText(table.row(), row, Names().Of(table.row()));
+                          });
+                      });
 }
 
 } // namespace rsvpctl

@@ -2,9 +2,11 @@
 // end nor grow in memory; each piece comes from the JSON library, so that nothing is quoted by hand.
 #include "tools/rsvpctl/print/output.h"
 
+#include "manager/dictionary/document.h"
 #include "manager/exchange/exchange.h"
 #include "manager/record/text.h"
 #include "tools/rsvpctl/print/interrupt.h"
+#include "tools/rsvpctl/print/names.h"
 #include "tools/rsvpctl/print/terminal.h"
 
 #include <cerrno>
@@ -44,6 +46,8 @@ const char *EndName(WalkEnd end)
         return "end of table";
     case WalkEnd::Stuck:
         return "stuck";
+    case WalkEnd::NoKey:
+        return "no key";
     default:
         return "broken";
     }
@@ -71,6 +75,8 @@ Reason BreakOf(const WalkResult &result, const manager::Exchange &exchange)
 {
     if (result.end == WalkEnd::Stuck)
         return {"verify", fmt::format("{} gave a row that was there before", result.function), StuckText()};
+    if (result.end == WalkEnd::NoKey)
+        return {"verify", "no dictionary says which fields of a row are the key of the next", NoKeyText()};
     const manager::Fault fault = FaultOf(result.status, exchange);
     StatusText text = Explain(result.status, result.function, fault);
     // A table that is not all there is one exit status, whatever broke it; a daemon that is not there is another.
@@ -229,9 +235,9 @@ Exit Output::Record(const std::string &operation, const Json &record, const std:
 }
 
 Exit Output::Record(const std::string &operation, const manager::RecordDescription &description, const void *record,
-                    std::string (*view)(const void *record))
+                    const DetailView &view)
 {
-    return IsJson() ? Record(operation, ToJson(description, record)) : Help(view(record));
+    return IsJson() ? Record(operation, ToJson(description, record, Names().Of(description))) : Help(view(record));
 }
 
 Exit Output::Plan(const std::string &operation, const Json &requests, const std::string &undo,
@@ -373,26 +379,23 @@ Exit Output::EndList()
     return Exit::Done;
 }
 
-void Output::BeginRows(const std::string &operation, const manager::Table &table)
+void Output::BeginRows(const std::string &operation, const manager::Table &table, Columns columns,
+                       const DetailView &detail)
 {
     BeginList(operation);
     table_ = &table;
+    detail_ = detail;
+    if (style_ == Style::Table)
+        layout_.emplace(std::move(columns), lineWidth_);
 }
 
 bool Output::Row(const void *record)
 {
-    if (style_ == Style::Table) {
-        if (rows_ == 0)
-            text_ += Heading(layout_.emplace(*table_, lineWidth_).Header());
-        return ListRow(nullptr, layout_->Row(record));
-    }
-    const Json row = ToJson(table_->row(), record);
-    return ListRow(row, IsJson() ? "" : (rows_ == 0 ? "" : "\n") + DetailText(row));
-}
-
-bool Output::Row(const void *record, const std::string &text)
-{
-    return ListRow(IsJson() ? ToJson(table_->row(), record) : Json(), text);
+    if (style_ == Style::Table)
+        return ListRow(nullptr, (rows_ == 0 ? Heading(layout_->Header()) : "") + layout_->Row(record));
+    if (style_ == Style::Detail)
+        return ListRow(nullptr, (rows_ == 0 ? "" : "\n") + detail_(record));
+    return ListRow(ToJson(table_->row(), record, Names().Of(table_->row())), "");
 }
 
 Exit Output::EndRows(const WalkResult &result)
@@ -422,7 +425,7 @@ Exit Output::EndRows(const WalkResult &result)
 void Output::EndWholeTable(const WalkResult &result)
 {
     if (!IsJson()) {
-        const size_t hidden = layout_ ? layout_->HiddenFields() : 0;
+        const size_t hidden = layout_ ? layout_->Hidden() : 0;
         const std::string more =
             hidden == 0 ? "" : fmt::format("; --detail shows {} more of each", CountText(hidden, "field"));
         Message(CountText(result.rows, "row") + ", end of table" + more);

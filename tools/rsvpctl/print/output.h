@@ -10,6 +10,7 @@
 #include "tools/rsvpctl/print/usage_error.h"
 
 #include <cstdio>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -20,6 +21,9 @@ constexpr int kSchemaVersion = 1;
 
 enum class Style : uint8_t { Table, Detail, Json };
 enum class Color : uint8_t { Auto, Always, Never };
+
+/** Everything about one row. */
+using DetailView = std::function<std::string(const void *row)>;
 
 /** What a call of the library gave. */
 struct Outcome {
@@ -54,7 +58,7 @@ public:
 
     /** A record of the library's, where people want to read a view of it. */
     Exit Record(const std::string &operation, const manager::RecordDescription &description, const void *record,
-                std::string (*view)(const void *record));
+                const DetailView &view);
 
     /** What a command would send, and the command that takes it back; an empty text if there is none. */
     Exit Plan(const std::string &operation, const manager::Json &requests, const std::string &undo,
@@ -79,11 +83,8 @@ public:
     Exit WrongUsage(const std::string &operation, const UsageError &error);
 
     /** The rows of a walk: begin, any number of rows, end. Row gives false when the document cannot be written. */
-    void BeginRows(const std::string &operation, const manager::Table &table);
+    void BeginRows(const std::string &operation, const manager::Table &table, Columns columns, const DetailView &detail);
     bool Row(const void *record);
-
-    /** The same, where people read `text` in place of the fields. */
-    bool Row(const void *record, const std::string &text);
     Exit EndRows(const manager::WalkResult &result);
 
     /** A list whose rows are more than records: each is an object for programs and text for people. */
@@ -143,6 +144,7 @@ private:
     std::string operation_;
     const manager::Table *table_ = nullptr;
     std::optional<TableLayout> layout_;
+    DetailView detail_;
     uint64_t rows_ = 0;
     bool inList_ = false;
 

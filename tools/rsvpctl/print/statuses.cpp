@@ -81,6 +81,9 @@ constexpr Narrower kNarrower[] = {
 constexpr StatusText kStuck = {RSVP_MOR_ERR_FAIL, "RSVP_MOR_ERR_FAIL", Exit::Exchange,
                                "the table changed in mid-walk, or the daemon does not advance",
                                "try again; if it stays so, look at the daemon's log"};
+constexpr StatusText kNoKey = {RSVP_MOR_ERR_FAIL, "RSVP_MOR_ERR_FAIL", Exit::Exchange,
+                               "the dictionary of this run has no next-key for the table",
+                               "give the daemon's dictionary with --dictionary, or read single rows by their key"};
 constexpr StatusText kNotDone = {RSVP_MOR_OK, "RSVP_MOR_OK", Exit::Exchange,
                                  "a node of the device cannot be asked, or did not follow the service manager",
                                  "look at 'rsvpctl status' and at the service manager's log, then try again"};
@@ -122,6 +125,11 @@ StatusText Explain(uint32_t status, std::string_view function, manager::Fault fa
 const StatusText &StuckText()
 {
     return kStuck;
+}
+
+const StatusText &NoKeyText()
+{
+    return kNoKey;
 }
 
 const StatusText &NotDoneText()

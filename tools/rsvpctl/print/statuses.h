@@ -40,8 +40,10 @@ const StatusText &Explain(uint32_t status);
 /** The text of a status that a certain library function returned, and why: a code has a narrower meaning there. */
 StatusText Explain(uint32_t status, std::string_view function, manager::Fault fault);
 
-/** Of a walk whose rows come again, and of a change that is not known to be done. */
+/** Of a walk whose rows come again, of one that nobody knows how to go on with, and of a change that is not known to
+ * be done. */
 const StatusText &StuckText();
+const StatusText &NoKeyText();
 const StatusText &NotDoneText();
 
 /** What a status of the simulated daemon's own means. Another daemon may mean something else by the same number. */

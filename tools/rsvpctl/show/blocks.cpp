@@ -1,7 +1,7 @@
 // Reading of blocks with the numbers that the library leaves to its caller.
 #include "tools/rsvpctl/show/blocks.h"
 
-#include "manager/record/json.h"
+#include "manager/dictionary/document.h"
 #include "manager/record/key.h"
 #include "manager/table/tables.h"
 #include "tools/rsvpctl/command/session.h"
@@ -33,7 +33,7 @@ std::string BlockExamples(const std::string &command, const ShowSpec &show)
 
 BlockOptions AddBlockOptions(const Node &node, const ShowSpec &show)
 {
-    BlockOptions options{AddKeyOptions(node, show.table->key()),
+    BlockOptions options{AddKeyOptions(node, *show.table),
                          AddDefaultNumber(node, "--op", UINT8_MAX, manager::kGetRow, "Message operation"),
                          {}};
     if (show.table == &manager::kP2mpPathState)

@@ -6,6 +6,7 @@
 #include "manager/table/walk.h"
 #include "tools/rsvpctl/command/command_line.h"
 #include "tools/rsvpctl/command/session.h"
+#include "tools/rsvpctl/print/names.h"
 #include "tools/rsvpctl/print/progress.h"
 #include "tools/rsvpctl/show/blocks.h"
 #include "tools/rsvpctl/show/commands.h"
@@ -56,24 +57,14 @@ LspFilter FilterOf(const RowOptions &options)
     return filter;
 }
 
-/** One row of a view: a line below its heading, or a block of lines. */
-std::string ViewText(const Output &out, const RowView &view, bool isFirst, const void *row)
-{
-    if (out.IsJson())
-        return {};
-    if (out.ChosenStyle() == Style::Detail)
-        return (isFirst ? "" : "\n") + view.detail(row);
-    return (isFirst ? out.Heading(view.header()) : "") + view.brief(row);
-}
-
 Exit ShowRows(Output &out, const std::string &operation, const ShowSpec &show, const RowOptions &options)
 {
     const manager::Table &table = options.ingress.IsGiven() ? *show.ingressTable : *show.table;
     const LspFilter filter = FilterOf(options);
     std::vector<std::byte> after(table.key().size);
     if (options.after.IsGiven())
-        RequireKey(table.key(), options.after.Text(), after.data());
-    out.BeginRows(operation, table);
+        RequireKey(table, options.after.Text(), after.data());
+    out.BeginRows(operation, table, ColumnsOf(show), DetailOf(show));
     const manager::Session session(table.first.held);
     if (session.IsMissing())
         return out.EndRows({manager::WalkEnd::Broken, 0, RSVP_MOR_ERR_LIPC, "RSVP_MOR_LIPCOpen", ""});
@@ -83,12 +74,11 @@ Exit ShowRows(Output &out, const std::string &operation, const ShowSpec &show, c
         Progress progress;
         uint64_t rows = 0;
         const void *from = options.after.IsGiven() ? after.data() : nullptr;
-        result = Walk(table, session.Fd(), from, [&](void *row) {
+        result = Walk(table, Names(), session.Fd(), from, [&](void *row) {
             bool written = true;
             if (show.takes == nullptr || show.takes(filter, row)) {
                 progress.BeforeRow();
-                written =
-                    show.view == nullptr ? out.Row(row) : out.Row(row, ViewText(out, *show.view, shown == 0, row));
+                written = out.Row(row);
                 ++shown;
             }
             progress.AfterRow(++rows);
@@ -102,14 +92,15 @@ Exit ShowRows(Output &out, const std::string &operation, const ShowSpec &show, c
 Exit ShowRow(Output &out, const std::string &operation, const ShowSpec &show, const Option &keyOption)
 {
     std::vector<std::byte> key(show.table->key().size);
-    RequireKey(show.table->key(), keyOption.Text(), key.data());
-    return ShowRecord(out, operation, *show.table, key.data(), "key " + keyOption.Text());
+    RequireKey(*show.table, keyOption.Text(), key.data());
+    return WithRecord(out, operation, *show.table, key.data(), "key " + keyOption.Text(),
+                      [&](void *row) { return out.Record(operation, show.table->row(), row, DetailOf(show)); });
 }
 
 RowOptions AddRowOptions(const Node &node, const ShowSpec &show)
 {
     RowOptions options;
-    const manager::RecordDescription &key = show.table->key();
+    const manager::Table &key = *show.table;
     options.after = node.AddKey("--after", key, "Begin after the row with this key");
     if (show.HasRecord())
         options.key = node.AddKey("key,--key", key, "One row only").Excludes(options.after);
@@ -159,12 +150,14 @@ void AddShow(CommandLine &line, Node parent, const std::string &word, const Show
         const BlockOptions options = AddBlockOptions(command.node, show);
         command.run = [&command, &show, options](Output &out) {
             return WithBlock(out, command.name, show, options, [&](void *block) {
-                return out.Record(command.name, show.table->row(), block, show.view->detail);
+                return out.Record(command.name, show.table->row(), block, DetailOf(show));
             });
         };
     } else {
         command.run = [&command, &show](Output &out) {
-            return ShowRecord(out, command.name, *show.table, nullptr, "");
+            return WithRecord(out, command.name, *show.table, nullptr, "", [&](void *record) {
+                return out.Record(command.name, show.table->row(), record, DetailOf(show));
+            });
         };
     }
 }

@@ -2,6 +2,8 @@
 #include "tools/rsvpctl/show/shows.h"
 
 #include "manager/table/tables.h"
+#include "tools/rsvpctl/print/names.h"
+#include "tools/rsvpctl/view/record_view.h"
 
 #include <algorithm>
 
@@ -74,7 +76,6 @@ const ShowSpec kShows[] = {
     {.words = "crlsp",
      .help = "CR-LSPs: signalled LSPs with their routes",
      .table = &manager::kCrLsps,
-     .view = &kCrlspView,
      .takes = TakesRow<RSVP_MOR_ReplyCrlsp>,
      .keyExample = "10.0.0.4,10.0.0.1,10.0.0.1,100,1,00000000",
      .aliases = {"lsp"}},
@@ -91,12 +92,26 @@ const ShowSpec kShows[] = {
     {.words = "p2mp crlsp",
      .help = "A CR-LSP with all its sub-LSPs",
      .table = &manager::kP2mpCrLsps,
-     .view = &kP2mpCrlspView,
      .keyExample = kCrLspKeyExample,
      .aliases = {"lsp"}},
 };
 
 } // namespace
+
+Columns ColumnsOf(const ShowSpec &show)
+{
+    return show.view != nullptr && show.view->columns != nullptr ? show.view->columns()
+                                                                 : ColumnsOf(*show.table, Names());
+}
+
+DetailView DetailOf(const ShowSpec &show)
+{
+    const manager::RecordDescription &row = show.table->row();
+    const manager::RecordMeanings &meanings = Names().Of(row);
+    if (show.view == nullptr)
+        return [&](const void *record) { return RecordText(row, record, meanings); };
+    return [&show, &meanings](const void *record) { return show.view->detail(record, meanings); };
+}
 
 std::span<const ShowSpec> AllShows()
 {

@@ -1,42 +1,28 @@
-// The detail view of objects that several blocks share. Values have the names of RSVP; a
-// value that has none is shown under the name of its field.
+// The detail view of objects that several blocks share, in the words of RSVP.
 #include "tools/rsvpctl/view/detail_lines.h"
 
-#include "manager/record/json.h"
+#include "manager/dictionary/standard.h"
 #include "manager/record/text.h"
 #include "tools/rsvpctl/view/words.h"
 
-#include <algorithm>
 #include <bit>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
-#include <nlohmann/json.hpp>
+#include <span>
 
 namespace rsvpctl {
 namespace {
 
-using manager::DottedText, manager::Json, manager::NetFloat;
+using manager::BandwidthText, manager::DottedText, manager::NetFloat;
 
 constexpr size_t kNameWidth = 16;
 constexpr size_t kValueWidth = 96;
-constexpr uint32_t kUnknownLatency = 0xffffffff;
 
 // Bytes a second as they were signalled, and bits a second, by which bandwidth is sold.
 std::string RateText(const uint8_t (&bytes)[4])
 {
     const float rate = NetFloat(bytes);
-    return rate == 0 ? "0 B/s" : fmt::format("{} B/s ({})", rate, BandwidthText(rate));
-}
-
-template <typename Spec> std::string BucketText(const Spec &spec)
-{
-    return fmt::format("rate {}, peak {}", RateText(spec.tokenRate), RateText(spec.peakRate));
-}
-
-template <typename Spec> std::string SizesText(const Spec &spec)
-{
-    return fmt::format("bucket {} B, smallest unit {} B, largest packet {} B", NetFloat(spec.bucketSize),
-                       spec.minPolicedUnit, spec.maxPacketSize);
+    return rate == 0 ? "0 B/s" : fmt::format("{} B/s ({})", rate, BandwidthText(double{rate} * 8));
 }
 
 bool IsThere(const RSVP_MOR_AdspecParam &param)
@@ -44,64 +30,25 @@ bool IsThere(const RSVP_MOR_AdspecParam &param)
     return param.paramLength != 0 || param.paramValue != 0;
 }
 
-std::string ParamsText(std::span<const RSVP_MOR_AdspecParam, 4> params, std::span<const char *const, 4> names)
+// A parameter by its name, or by its number if no service defines it.
+std::string ParameterText(const RSVP_MOR_AdspecParam &parameter)
+{
+    const auto known = manager::ParameterOf(parameter);
+    if (!known)
+        return fmt::format("parameter {} {}", parameter.paramHeader[0], parameter.paramValue);
+    if (known->isSingle)
+        return fmt::format("{} {}", known->name, BandwidthText(double{std::bit_cast<float>(parameter.paramValue)} * 8));
+    return fmt::format("{} {}", known->name, parameter.paramValue);
+}
+
+std::string ParametersText(std::span<const RSVP_MOR_AdspecParam> parameters)
 {
     std::string text;
-    for (size_t i = 0; i < params.size(); ++i) {
-        if (IsThere(params[i]))
-            text += fmt::format("{}{} {}", text.empty() ? "" : ", ", names[i], params[i].paramValue);
+    for (const RSVP_MOR_AdspecParam &parameter : parameters) {
+        if (IsThere(parameter))
+            text += (text.empty() ? "" : ", ") + ParameterText(parameter);
     }
     return text;
-}
-
-// Bytes are hex text in a row; other text, such as a name, is not a number.
-bool IsHexText(const Json &value)
-{
-    return value.is_string() &&
-           value.get_ref<const std::string &>().find_first_not_of("0123456789abcdef") == std::string::npos;
-}
-
-bool HasNumbers(const Json &value)
-{
-    if (value.is_array())
-        return std::any_of(value.begin(), value.end(), HasNumbers);
-    if (IsHexText(value))
-        return value.get_ref<const std::string &>().find_first_not_of('0') != std::string::npos;
-    return value.is_number() && value != 0;
-}
-
-std::string NumbersText(const Json &value)
-{
-    if (!value.is_array())
-        return value.is_string() ? value.get<std::string>() : value.dump();
-    std::string text;
-    for (const auto &element : value)
-        text += (text.empty() ? "" : ",") + element.dump();
-    return text;
-}
-
-// Fields of the groups inside a record, and of the record itself, as one row: their names differ.
-Json Merged(const Json &row, std::span<const std::string_view> groups)
-{
-    Json merged = Json::object();
-    for (const std::string_view group : groups)
-        merged.update(row.at(std::string(group)));
-    merged.update(row);
-    return merged;
-}
-
-constexpr const char *const kErrorTerms[4] = {"Ctot", "Dtot", "Csum", "Dsum"};
-constexpr const char *const kOverrides[4] = {"override 1:", "override 2:", "override 3:", "override 4:"};
-
-// A service's fragment is left out if the sender did not put it there.
-void AddService(DetailLines &lines, const char *name, uint16_t length, const std::string &terms,
-                std::span<const RSVP_MOR_AdspecParam, 4> own)
-{
-    const std::string more = ParamsText(own, kOverrides);
-    if (length == 0 && terms.empty() && more.empty())
-        return;
-    lines.More(fmt::format("{}: {}{}{}", name, terms.empty() && more.empty() ? "no terms of its own" : terms,
-                           terms.empty() || more.empty() ? "" : ", ", more));
 }
 
 } // namespace
@@ -116,35 +63,66 @@ void DetailLines::Add(std::string_view name, std::string_view value)
     text_ += fmt::format("  {:<{}} {}\n", name, kNameWidth, value);
 }
 
+void DetailLines::AddSession(const RSVP_MOR_Session &session)
+{
+    Add("Session", fmt::format("end point {}, tunnel {}, extended tunnel {}", DottedText(Shown(session.tunnelEndpoint)),
+                               Shown(session.tunnelId), DottedText(Shown(session.extendedTunnelId))));
+}
+
+void DetailLines::AddSession(const RSVP_MOR_P2mpSession &session)
+{
+    Add("Session", fmt::format("P2MP {}, tunnel {}, extended tunnel {}", Shown(session.p2mpId), Shown(session.tunnelId),
+                               DottedText(Shown(session.extendedTunnelId))));
+}
+
+void DetailLines::AddSender(std::string_view name, const RSVP_MOR_Sender &sender)
+{
+    Add(name, fmt::format("{}, LSP {}", DottedText(Shown(sender.senderAddress)), Shown(sender.lspId)));
+}
+
+void DetailLines::AddSender(std::string_view name, const RSVP_MOR_P2mpSender &sender)
+{
+    Add(name, fmt::format("{}, LSP {}, sub-group {} of {}", DottedText(Shown(sender.senderAddress)), Shown(sender.lspId),
+                          Shown(sender.subGroupId), DottedText(Shown(sender.subGroupOriginator))));
+}
+
 void DetailLines::AddHop(std::string_view name, const RSVP_MOR_Hop &hop)
 {
+    Shown(hop);
     if (hop.hopAddress == 0 && hop.logicalIfHandle == 0)
         Add(name, "none");
     else
         Add(name, fmt::format("{}, logical interface {}", DottedText(hop.hopAddress), hop.logicalIfHandle));
 }
 
+// The number is a reference of the daemon's, and need not be the index of an interface.
 void DetailLines::AddInterface(const RSVP_MOR_IfRef &reference)
 {
+    Shown(reference);
     const bool plain = reference.ifRefHead[0] == 0 && reference.ifRefHead[1] == 0 && reference.ifRefTail[0] == 0 &&
                        reference.ifRefTail[1] == 0;
-    Add("Interface", plain ? fmt::format("{}", reference.ifRefNumber)
-                           : fmt::format("{}, head {:02x}, tail {:02x}", reference.ifRefNumber,
-                                         fmt::join(reference.ifRefHead, ""), fmt::join(reference.ifRefTail, "")));
+    Add("Interface ref.", plain ? fmt::format("{}", reference.ifRefNumber)
+                                : fmt::format("{}, head {:02x}, tail {:02x}", reference.ifRefNumber,
+                                              fmt::join(reference.ifRefHead, ""), fmt::join(reference.ifRefTail, "")));
+}
+
+template <typename Spec> void DetailLines::AddBucket(std::string_view name, const Spec &spec)
+{
+    Add(name, fmt::format("rate {}, peak {}", RateText(Shown(spec.tokenRate)), RateText(Shown(spec.peakRate))));
+    More(fmt::format("bucket {} B, smallest unit {} B, largest packet {} B", NetFloat(Shown(spec.bucketSize)),
+                     Shown(spec.minPolicedUnit), Shown(spec.maxPacketSize)));
 }
 
 void DetailLines::AddTspec(const RSVP_MOR_SenderTspec &tspec)
 {
-    Add("Sender Tspec", BucketText(tspec));
-    More(SizesText(tspec));
+    AddBucket("Sender Tspec", tspec);
 }
 
 void DetailLines::AddFlowSpec(const RSVP_MOR_FlowSpec &flowSpec)
 {
-    Add("Flow spec", BucketText(flowSpec));
-    More(SizesText(flowSpec));
+    AddBucket("Flow spec", flowSpec);
     if (flowSpec.rspecParamLength != 0 || NetFloat(flowSpec.rspecRate) != 0)
-        More(fmt::format("guaranteed {}, slack {} us", RateText(flowSpec.rspecRate), flowSpec.slackTerm));
+        More(fmt::format("guaranteed {}, slack {} us", RateText(Shown(flowSpec.rspecRate)), Shown(flowSpec.slackTerm)));
 }
 
 void DetailLines::AddAdspec(const RSVP_MOR_Adspec &adspec)
@@ -153,26 +131,33 @@ void DetailLines::AddAdspec(const RSVP_MOR_Adspec &adspec)
         Add("Adspec", "none");
         return;
     }
-    const auto bandwidth = std::bit_cast<float>(adspec.pathBandwidth.paramValue);
-    const uint32_t latency = adspec.minPathLatency.paramValue;
-    Add("Adspec",
-        fmt::format("hops {}, path bandwidth {}, least latency {}, MTU {}", adspec.hopCount.paramValue,
-                    BandwidthText(bandwidth), latency == kUnknownLatency ? "unknown" : fmt::format("{} us", latency),
-                    adspec.composedMtu.paramValue));
-    AddService(*this, "guaranteed service", adspec.guaranteedLength, ParamsText(adspec.guaranteedParams, kErrorTerms),
-               adspec.guaranteedOverrides);
-    AddService(*this, "controlled load", adspec.loadLength, "", adspec.loadOverrides);
+    const auto bandwidth = std::bit_cast<float>(Shown(adspec.pathBandwidth.paramValue));
+    const uint32_t latency = Shown(adspec.minPathLatency.paramValue);
+    Add("Adspec", fmt::format("hops {}, path bandwidth {}, least latency {}, MTU {}", Shown(adspec.hopCount.paramValue),
+                              BandwidthText(double{bandwidth} * 8),
+                              latency == manager::kUnknownLatency ? "unknown" : fmt::format("{} us", latency),
+                              Shown(adspec.composedMtu.paramValue)));
+    // A service's fragment is left out if the sender did not put it there.
+    const std::string terms = ParametersText(adspec.guaranteedParams);
+    const std::string ofGuaranteed = ParametersText(adspec.guaranteedOverrides);
+    const std::string ofLoad = ParametersText(adspec.loadOverrides);
+    const char *const noTerms = "no terms of its own";
+    if (adspec.guaranteedLength != 0 || !terms.empty() || !ofGuaranteed.empty())
+        More(fmt::format("guaranteed service: {}{}{}", terms.empty() && ofGuaranteed.empty() ? noTerms : terms,
+                         terms.empty() || ofGuaranteed.empty() ? "" : ", ", ofGuaranteed));
+    if (adspec.loadLength != 0 || !ofLoad.empty())
+        More(fmt::format("controlled load: {}", ofLoad.empty() ? noTerms : ofLoad));
 }
 
 void DetailLines::AddSessionAttribute(const RSVP_MOR_SessionAttr &attribute)
 {
     const bool affinities = attribute.kind == RSVP_MOR_SESSION_ATTR_AFFINITY;
-    const RSVP_MOR_SessionAttrAffinity &full = attribute.affinityForm;
-    const RSVP_MOR_SessionAttrShort &brief = attribute.shortForm;
+    const RSVP_MOR_SessionAttrAffinity &full = Shown(attribute.affinityForm);
+    const RSVP_MOR_SessionAttrShort &brief = Shown(attribute.shortForm);
     const uint8_t flags = affinities ? full.flags : brief.flags;
     Add("Priorities", fmt::format("setup {}, holding {}", affinities ? full.setupPriority : brief.setupPriority,
                                   affinities ? full.holdingPriority : brief.holdingPriority));
-    Add("Attributes", flags == 0 ? "none" : fmt::format("{} ({:#04x})", SessionFlagsText(flags), flags));
+    Add("Attributes", flags == 0 ? "none" : fmt::format("{}", fmt::join(manager::SessionFlagWords(flags), ", ")));
     if (affinities)
         Add("Affinities", fmt::format("exclude any {:#010x}, include any {:#010x}, include all {:#010x}",
                                       full.excludeAny, full.includeAny, full.includeAll));
@@ -180,68 +165,49 @@ void DetailLines::AddSessionAttribute(const RSVP_MOR_SessionAttr &attribute)
 
 void DetailLines::AddLabelRequest(const RSVP_MOR_LabelRequest &request)
 {
-    std::string text = request.l3pid == 0x0800 ? "IPv4" : fmt::format("protocol {:#06x}", request.l3pid);
+    std::string text = manager::ProtocolText(Shown(request.l3pid));
     if (request.kind == RSVP_MOR_LABEL_REQUEST_ATM)
-        text += fmt::format(", ATM VPI {} to {}, VCI {} to {}", request.minVpi, request.maxVpi, request.minVci,
-                            request.maxVci);
+        text += fmt::format(", ATM VPI {} to {}, VCI {} to {}", manager::VpiOf(request.minVpi),
+                            manager::VpiOf(request.maxVpi), request.minVci, request.maxVci);
     else if (request.kind == RSVP_MOR_LABEL_REQUEST_FRAME_RELAY)
-        text += fmt::format(", frame relay DLCI {} to {}", request.minDlci, request.maxDlci);
+        text += fmt::format(", frame relay DLCI {} to {}", manager::DlciOf(request.minDlci),
+                            manager::DlciOf(request.maxDlci));
     Add("Label request", text);
+}
+
+void DetailLines::AddStyle(const uint32_t &style)
+{
+    Add("Style", fmt::format("{} ({})", manager::StyleText(style), Shown(style)));
 }
 
 void DetailLines::AddHops(std::string_view name, const RSVP_MOR_HopList &list)
 {
+    Shown(list);
+    for (const std::string &hop : HopTexts(list))
+        Add(std::exchange(name, ""), hop);
+}
+
+void DetailLines::AddOthers(const manager::RecordDescription &description, const void *record,
+                            const manager::RecordMeanings &meanings)
+{
+    Lines others;
+    AddRecord(description, record, meanings, "", shown_, others);
+    std::string_view name = "Other fields";
     std::string line;
     const auto flush = [&] {
         if (!line.empty())
             Add(std::exchange(name, ""), line);
         line.clear();
     };
-    for (const RSVP_MOR_HopEntry &hop : std::span(list.entries, list.entries == nullptr ? 0 : list.count)) {
-        if (hop.kind == RSVP_MOR_HOP_LABEL) {
-            line += fmt::format("{}label {}", line.empty() ? "" : "  ", LabelText(hop.label));
+    for (auto &[path, value] : others) {
+        std::replace(value.begin(), value.end(), '\n', ' ');
+        std::erase(value, '\t');
+        const std::string text = fmt::format("{}={}", path, value);
+        if (!line.empty() && line.size() + text.size() > kValueWidth)
             flush();
-            continue;
-        }
-        flush();
-        line = hop.kind == RSVP_MOR_HOP_IPV4 ? DottedText(hop.address) : fmt::format("hop of kind {}", hop.kind);
+        line += (line.empty() ? "" : "  ") + text;
     }
     flush();
-}
-
-void DetailLines::AddRoute(std::string_view name, const RSVP_MOR_RouteList &list)
-{
-    std::string line;
-    for (const RSVP_MOR_RouteEntry &hop : std::span(list.entries, list.entries == nullptr ? 0 : list.count)) {
-        if (line.size() > kValueWidth) {
-            Add(std::exchange(name, ""), line);
-            line.clear();
-        }
-        line += fmt::format("{}{}", line.empty() ? "" : " ", DottedText(hop.value));
-    }
-    if (!line.empty())
-        Add(name, line);
-}
-
-void DetailLines::AddOthers(const manager::RecordDescription &description, const void *record,
-                            std::span<const std::string_view> shown, std::span<const std::string_view> groups)
-{
-    std::string_view name = "Other numbers";
-    std::string line;
-    const auto add = [&](const std::string &text) {
-        if (!line.empty() && line.size() + text.size() > kValueWidth) {
-            Add(std::exchange(name, ""), line);
-            line.clear();
-        }
-        line += (line.empty() ? "" : " ") + text;
-    };
-    const Json row = Merged(ToJson(description, record), groups);
-    for (const auto &[field, value] : row.items()) {
-        if (std::find(shown.begin(), shown.end(), field) == shown.end() && HasNumbers(value))
-            add(field + "=" + NumbersText(value));
-    }
-    if (!line.empty())
-        Add(name, line);
 }
 
 } // namespace rsvpctl

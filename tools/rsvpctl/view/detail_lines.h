@@ -1,11 +1,12 @@
 // The lines of a detail view, with the objects of RSVP that several blocks share: hops, flow specifications, adspecs.
+// What a view shows in words of its own is noted, so that the rest of the record follows under the names of the
+// dictionary and of its fields: nothing that a row holds is left out.
 #ifndef TOOLS_RSVPCTL_VIEW_DETAIL_LINES_H
 #define TOOLS_RSVPCTL_VIEW_DETAIL_LINES_H
 
-#include "manager/record/record.h"
+#include "tools/rsvpctl/view/record_view.h"
 
 #include <rsvp_mor.h>
-#include <span>
 #include <string>
 #include <string_view>
 
@@ -21,6 +22,10 @@ public:
     /** A line below the value of the one before. */
     void More(std::string_view value) { Add("", value); }
 
+    void AddSession(const RSVP_MOR_Session &session);
+    void AddSession(const RSVP_MOR_P2mpSession &session);
+    void AddSender(std::string_view name, const RSVP_MOR_Sender &sender);
+    void AddSender(std::string_view name, const RSVP_MOR_P2mpSender &sender);
     void AddHop(std::string_view name, const RSVP_MOR_Hop &hop);
     void AddInterface(const RSVP_MOR_IfRef &reference);
     void AddTspec(const RSVP_MOR_SenderTspec &tspec);
@@ -28,20 +33,33 @@ public:
     void AddAdspec(const RSVP_MOR_Adspec &adspec);
     void AddSessionAttribute(const RSVP_MOR_SessionAttr &attribute);
     void AddLabelRequest(const RSVP_MOR_LabelRequest &request);
+    void AddStyle(const uint32_t &style);
 
     /** The hops, one a line, a label after its address; nothing for an empty list. */
     void AddHops(std::string_view name, const RSVP_MOR_HopList &list);
-    void AddRoute(std::string_view name, const RSVP_MOR_RouteList &list);
 
-    /** Numbers that have no word of their own, by the names of their fields and without those that are 0. The fields
-     * in `shown` appear elsewhere in the view; those of the records in `groups` count as the record's own. */
-    void AddOthers(const manager::RecordDescription &description, const void *record,
-                   std::span<const std::string_view> shown, std::span<const std::string_view> groups = {});
+    /** Notes that the view shows a part of the record, and gives it back. */
+    template <typename Part> const Part &Shown(const Part &part)
+    {
+        shown_.Note(&part, sizeof(part));
+        return part;
+    }
+
+    /** All of the record that was not shown. */
+    template <typename Record> void AddOthers(const Record &record, const manager::RecordMeanings &meanings)
+    {
+        AddOthers(manager::Describe<Record>(), &record, meanings);
+    }
 
     const std::string &Text() const { return text_; }
 
 private:
+    void AddOthers(const manager::RecordDescription &description, const void *record,
+                   const manager::RecordMeanings &meanings);
+    template <typename Spec> void AddBucket(std::string_view name, const Spec &spec);
+
     std::string text_;
+    ShownParts shown_;
 };
 
 } // namespace rsvpctl

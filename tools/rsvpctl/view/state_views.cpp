@@ -1,5 +1,5 @@
-// Path, reservation and previous hop state for people. Columns are as wide as their widest value, an address or a
-// number, and what may be longer comes last.
+// Path, reservation and previous hop state for people.
+#include "manager/dictionary/standard.h"
 #include "manager/record/text.h"
 #include "tools/rsvpctl/view/detail_lines.h"
 #include "tools/rsvpctl/view/views.h"
@@ -10,47 +10,50 @@
 namespace rsvpctl {
 namespace {
 
-using manager::Describe, manager::DottedText, manager::NetFloat;
+using manager::DottedText, manager::NetFloat;
 
-constexpr auto kSessionColumns = "{:<15}  {:>6}  {:<15}";
-
-std::string SessionHeader()
+template <typename Row> void AddSessionColumns(Columns &columns)
 {
-    return fmt::format(kSessionColumns, "END POINT", "TUNNEL", "EXTENDED ID");
+    columns.all.push_back(ViewColumn<Row>(
+        "endPoint", kAddressWidth, [](const Row &row) { return AddressText(row.session.tunnelEndpoint); }));
+    columns.all.push_back(
+        ViewColumn<Row>("tunnel", 5, [](const Row &row) { return fmt::format("{}", row.session.tunnelId); }, true));
 }
 
-std::string SessionCells(const RSVP_MOR_Session &session)
+template <typename Row> Column ExtendedIdColumn()
 {
-    return fmt::format(kSessionColumns, AddressText(session.tunnelEndpoint), session.tunnelId,
-                       AddressText(session.extendedTunnelId));
+    return ViewColumn<Row>("extendedId", kAddressWidth,
+                         [](const Row &row) { return AddressText(row.session.extendedTunnelId); });
 }
 
-std::string SessionText(const RSVP_MOR_Session &session)
+template <typename Row, RSVP_MOR_Sender Row::*Member> void AddSenderColumns(Columns &columns)
 {
-    return fmt::format("end point {}, tunnel {}, extended tunnel {}", DottedText(session.tunnelEndpoint),
-                       session.tunnelId, DottedText(session.extendedTunnelId));
+    columns.all.push_back(
+        ViewColumn<Row>("sender", kAddressWidth, [](const Row &row) { return AddressText((row.*Member).senderAddress); }));
+    columns.all.push_back(
+        ViewColumn<Row>("lsp", 5, [](const Row &row) { return fmt::format("{}", (row.*Member).lspId); }, true));
 }
 
-std::string SenderText(const RSVP_MOR_Sender &sender)
+template <typename Row> Column HopColumn(const char *name)
 {
-    return fmt::format("{}, LSP {}", DottedText(sender.senderAddress), sender.lspId);
+    return ViewColumn<Row>(name, kAddressWidth, [](const Row &row) { return AddressText(row.hop.hopAddress); });
 }
 
-bool IsThere(const RSVP_MOR_Sender &sender)
+template <typename Row> Column StyleColumn()
 {
-    return sender.senderAddress != 0 || sender.lspId != 0;
+    return ViewColumn<Row>("style", 5, [](const Row &row) { return manager::StyleText(row.style); });
 }
 
-bool IsThere(const RSVP_MOR_PsbSlot &slot)
+std::string BandwidthOf(const uint8_t (&rate)[4])
 {
-    return IsThere(slot.slotSender) || slot.slotByte != 0 || slot.slotWords[0] != 0 || slot.slotWords[1] != 0 ||
-           slot.slotWords[2] != 0;
+    return manager::BandwidthText(double{NetFloat(rate)} * 8);
 }
 
 void AddFilters(DetailLines &lines, const RSVP_MOR_ReplyFSInfo *filter)
 {
     for (; filter != nullptr; filter = filter->next) {
-        lines.Add("Filter", fmt::format("{}, label {}", SenderText(filter->filter), LabelText(filter->label)));
+        lines.Add("Filter", fmt::format("{}, LSP {}, label {}", DottedText(filter->filter.senderAddress),
+                                        filter->filter.lspId, manager::LabelText(filter->label)));
         lines.AddHops("  RRO", filter->rro);
     }
 }
@@ -63,122 +66,122 @@ std::string LabelsText(const RSVP_MOR_ReplyFSInfo *filter)
     return text.empty() ? "-" : text;
 }
 
-std::string PsbHeader()
-{
-    return fmt::format("{}  {:<15}  {:>5}  {:<15}  {:<4}  {}", SessionHeader(), "SENDER", "LSP", "PREVIOUS HOP",
-                       "PRIO", "BANDWIDTH");
-}
-
-std::string PsbBrief(const RSVP_MOR_ReplyPsb &block)
+// A block without the object has no priorities, and its zeros are none.
+std::string PrioritiesText(const RSVP_MOR_ReplyPsb &block)
 {
     const RSVP_MOR_SessionAttr &attribute = block.sessionAttr;
+    if (attribute.kind == 0)
+        return "-";
     const bool full = attribute.kind == RSVP_MOR_SESSION_ATTR_AFFINITY;
-    return fmt::format(
-        "{}  {:<15}  {:>5}  {:<15}  {:<4}  {}\n", SessionCells(block.session),
-        AddressText(block.sender.senderAddress), block.sender.lspId, AddressText(block.hop.hopAddress),
-        fmt::format("{}/{}", full ? attribute.affinityForm.setupPriority : attribute.shortForm.setupPriority,
-                    full ? attribute.affinityForm.holdingPriority : attribute.shortForm.holdingPriority),
-        BandwidthText(NetFloat(block.tspec.tokenRate)));
+    return fmt::format("{}/{}", full ? attribute.affinityForm.setupPriority : attribute.shortForm.setupPriority,
+                       full ? attribute.affinityForm.holdingPriority : attribute.shortForm.holdingPriority);
 }
 
-std::string PsbDetail(const RSVP_MOR_ReplyPsb &block)
+Columns PsbColumns()
+{
+    using Row = RSVP_MOR_ReplyPsb;
+    Columns columns;
+    AddSessionColumns<Row>(columns);
+    AddSenderColumns<Row, &Row::sender>(columns);
+    columns.all.push_back(HopColumn<Row>("previousHop"));
+    columns.all.push_back(ViewColumn<Row>("bandwidth", kBandwidthWidth,
+                                        [](const Row &row) { return BandwidthOf(row.tspec.tokenRate); }));
+    columns.all.push_back(ViewColumn<Row>("priorities", 3, PrioritiesText));
+    columns.all.push_back(ExtendedIdColumn<Row>());
+    return columns;
+}
+
+std::string PsbDetail(const RSVP_MOR_ReplyPsb &block, const manager::RecordMeanings &meanings)
 {
     DetailLines lines(fmt::format("Path state of tunnel {} to {}, LSP {}", block.session.tunnelId,
                                   DottedText(block.session.tunnelEndpoint), block.sender.lspId));
-    lines.Add("Session", SessionText(block.session));
-    lines.Add("Sender", SenderText(block.sender));
-    if (IsThere(block.secondSender))
-        lines.Add("Second sender", SenderText(block.secondSender));
+    lines.AddSession(block.session);
+    lines.AddSender("Sender", block.sender);
     lines.AddHop("Previous hop", block.hop);
     lines.AddInterface(block.ifRef);
     lines.AddLabelRequest(block.labelRequest);
     lines.AddSessionAttribute(block.sessionAttr);
     lines.AddTspec(block.tspec);
     lines.AddAdspec(block.adspec);
-    lines.AddRoute("ERO received", block.routeList3);
-    lines.AddRoute("ERO sent", block.routeList4);
-    lines.AddRoute("Computed route", block.routeList5);
-    lines.AddRoute("Bypass route", block.routeList6);
     lines.AddHops("RRO", block.hopList);
-    for (const RSVP_MOR_PsbSlot &slot : block.slots) {
-        if (IsThere(slot))
-            lines.Add("Sender slot",
-                      fmt::format("{}, numbers {} {} {}, byte {}", SenderText(slot.slotSender), slot.slotWords[0],
-                                  slot.slotWords[1], slot.slotWords[2], slot.slotByte));
-    }
-    lines.AddOthers(Describe<RSVP_MOR_ReplyPsb>(), &block, {});
+    lines.AddOthers(block, meanings);
     return lines.Text();
 }
 
-std::string RsbHeader()
+Columns RsbColumns()
 {
-    return fmt::format("{}  {:<15}  {:>5}  {:<15}  {:<5}  {:<10}  {}", SessionHeader(), "SENDER", "LSP", "NEXT HOP",
-                       "STYLE", "BANDWIDTH", "LABEL");
+    using Row = RSVP_MOR_ReplyRsb;
+    Columns columns;
+    AddSessionColumns<Row>(columns);
+    AddSenderColumns<Row, &Row::filter>(columns);
+    columns.all.push_back(HopColumn<Row>("nextHop"));
+    columns.all.push_back(ViewColumn<Row>("bandwidth", kBandwidthWidth,
+                                        [](const Row &row) { return BandwidthOf(row.flowSpec.tokenRate); }));
+    columns.all.push_back(StyleColumn<Row>());
+    columns.all.push_back(ViewColumn<Row>("label", 7, [](const Row &row) { return LabelsText(row.fsList); }));
+    columns.all.push_back(ExtendedIdColumn<Row>());
+    return columns;
 }
 
-std::string RsbBrief(const RSVP_MOR_ReplyRsb &block)
-{
-    return fmt::format("{}  {:<15}  {:>5}  {:<15}  {:<5}  {:<10}  {}\n", SessionCells(block.session),
-                       AddressText(block.filter.senderAddress), block.filter.lspId, AddressText(block.hop.hopAddress),
-                       StyleText(block.style), BandwidthText(NetFloat(block.flowSpec.tokenRate)),
-                       LabelsText(block.fsList));
-}
-
-constexpr std::string_view kStyleField[] = {"style"};
-
-std::string RsbDetail(const RSVP_MOR_ReplyRsb &block)
+std::string RsbDetail(const RSVP_MOR_ReplyRsb &block, const manager::RecordMeanings &meanings)
 {
     DetailLines lines(fmt::format("Reservation state of tunnel {} to {}, LSP {}", block.session.tunnelId,
                                   DottedText(block.session.tunnelEndpoint), block.filter.lspId));
-    lines.Add("Session", SessionText(block.session));
-    lines.Add("Sender", SenderText(block.filter));
+    lines.AddSession(block.session);
+    lines.AddSender("Sender", block.filter);
     lines.AddHop("Next hop", block.hop);
     lines.AddInterface(block.ifRef);
-    lines.Add("Style", fmt::format("{} ({})", StyleText(block.style), block.style));
+    lines.AddStyle(block.style);
     lines.AddFlowSpec(block.flowSpec);
-    AddFilters(lines, block.fsList);
-    lines.AddOthers(Describe<RSVP_MOR_ReplyRsb>(), &block, kStyleField);
+    AddFilters(lines, lines.Shown(block.fsList));
+    lines.AddOthers(block, meanings);
     return lines.Text();
 }
 
-std::string PhsbHeader()
-{
-    return fmt::format("{}  {:<15}  {:<5}  {:<10}  {}", SessionHeader(), "PREVIOUS HOP", "STYLE", "BANDWIDTH",
-                       "LABEL");
-}
-
 // A block may have many flow descriptors: the line shows the first one's bandwidth and the labels of all.
-std::string PhsbBrief(const RSVP_MOR_ReplyPhsb &block)
+std::string LabelsOfAll(const RSVP_MOR_ReplyPhsb &block)
 {
     std::string labels;
     for (const RSVP_MOR_ReplyFDInfo *flow = block.fdList; flow != nullptr; flow = flow->next)
         labels += (labels.empty() ? "" : ";") + LabelsText(flow->fsList);
-    return fmt::format("{}  {:<15}  {:<5}  {:<10}  {}\n", SessionCells(block.session),
-                       AddressText(block.hop.hopAddress), StyleText(block.style),
-                       block.fdList == nullptr ? "-" : BandwidthText(NetFloat(block.fdList->flowSpec.tokenRate)),
-                       labels.empty() ? "-" : labels);
+    return labels.empty() ? "-" : labels;
 }
 
-std::string PhsbDetail(const RSVP_MOR_ReplyPhsb &block)
+Columns PhsbColumns()
+{
+    using Row = RSVP_MOR_ReplyPhsb;
+    Columns columns;
+    AddSessionColumns<Row>(columns);
+    columns.all.push_back(HopColumn<Row>("previousHop"));
+    columns.all.push_back(ViewColumn<Row>("bandwidth", kBandwidthWidth, [](const Row &row) {
+        return row.fdList == nullptr ? "-" : BandwidthOf(row.fdList->flowSpec.tokenRate);
+    }));
+    columns.all.push_back(StyleColumn<Row>());
+    columns.all.push_back(ViewColumn<Row>("label", 7, LabelsOfAll));
+    columns.all.push_back(ExtendedIdColumn<Row>());
+    return columns;
+}
+
+std::string PhsbDetail(const RSVP_MOR_ReplyPhsb &block, const manager::RecordMeanings &meanings)
 {
     DetailLines lines(fmt::format("Previous hop state of tunnel {} to {}", block.session.tunnelId,
                                   DottedText(block.session.tunnelEndpoint)));
-    lines.Add("Session", SessionText(block.session));
+    lines.AddSession(block.session);
     lines.AddHop("Previous hop", block.hop);
     lines.AddInterface(block.ifRef);
-    lines.Add("Style", fmt::format("{} ({})", StyleText(block.style), block.style));
-    for (const RSVP_MOR_ReplyFDInfo *flow = block.fdList; flow != nullptr; flow = flow->next) {
+    lines.AddStyle(block.style);
+    for (const RSVP_MOR_ReplyFDInfo *flow = lines.Shown(block.fdList); flow != nullptr; flow = flow->next) {
         lines.AddFlowSpec(flow->flowSpec);
         AddFilters(lines, flow->fsList);
     }
-    lines.AddOthers(Describe<RSVP_MOR_ReplyPhsb>(), &block, kStyleField);
+    lines.AddOthers(block, meanings);
     return lines.Text();
 }
 
 } // namespace
 
-const RowView kPsbView{PsbHeader, ShowRow<RSVP_MOR_ReplyPsb, PsbBrief>, ShowRow<RSVP_MOR_ReplyPsb, PsbDetail>};
-const RowView kRsbView{RsbHeader, ShowRow<RSVP_MOR_ReplyRsb, RsbBrief>, ShowRow<RSVP_MOR_ReplyRsb, RsbDetail>};
-const RowView kPhsbView{PhsbHeader, ShowRow<RSVP_MOR_ReplyPhsb, PhsbBrief>, ShowRow<RSVP_MOR_ReplyPhsb, PhsbDetail>};
+const RowView kPsbView{PsbColumns, ShowRow<RSVP_MOR_ReplyPsb, PsbDetail>};
+const RowView kRsbView{RsbColumns, ShowRow<RSVP_MOR_ReplyRsb, RsbDetail>};
+const RowView kPhsbView{PhsbColumns, ShowRow<RSVP_MOR_ReplyPhsb, PhsbDetail>};
 
 } // namespace rsvpctl

@@ -49,18 +49,18 @@ std::vector<FieldChange> Compare(const Json &before, const Json &after, double s
 
 } // namespace
 
-RowChanges::RowChanges(std::span<const manager::KeyPart> keyParts)
+RowChanges::RowChanges(const std::vector<std::string> &keyFields)
 {
-    for (const manager::KeyPart &part : keyParts) {
-        if (part.size != 0)
-            keyFields_.emplace_back(part.field);
+    for (std::string path : keyFields) {
+        std::replace(path.begin(), path.end(), '.', '/');
+        keyFields_.emplace_back("/" + path);
     }
 }
 
 Json RowChanges::KeyOf(const Json &row) const
 {
     Json key = Json::object();
-    for (const std::string &field : keyFields_)
+    for (const auto &field : keyFields_)
         key[field] = row.at(field);
     return key;
 }

@@ -41,7 +41,8 @@ using OnRowEvent = std::function<bool(const RowEvent &event)>;
 
 class RowChanges {
 public:
-    explicit RowChanges(std::span<const manager::KeyPart> keyParts);
+    /** `keyFields` are the paths of the fields that are a row's key: "session", "key.keyWord0". */
+    explicit RowChanges(const std::vector<std::string> &keyFields);
 
     /** A row that the poll read at `seconds`, as the text of its JSON object. */
     void Row(std::string_view text, double seconds);
@@ -73,7 +74,7 @@ private:
     ByKey MissingRows();
     void Tell(bool complete, double seconds, const OnRowEvent &onEvent);
 
-    std::vector<std::string> keyFields_;
+    std::vector<manager::Json::json_pointer> keyFields_;
     KnownRows rows_;
     std::vector<const KnownRow *> new_; // of this poll, in the order of the table
     uint64_t poll_ = kReplaced + 1;

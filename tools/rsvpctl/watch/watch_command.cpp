@@ -2,6 +2,7 @@
 // commands of these names in the tree, so that each takes its own options there, and help and completion know them.
 #include "manager/record/text.h"
 #include "tools/rsvpctl/command/command_line.h"
+#include "tools/rsvpctl/print/names.h"
 #include "tools/rsvpctl/print/usage_error.h"
 #include "tools/rsvpctl/show/commands.h"
 #include "tools/rsvpctl/show/shows.h"
@@ -169,11 +170,16 @@ private:
 };
 
 // A command that gives one record has no key: the record is one row.
-std::span<const manager::KeyPart> KeyPartsOf(std::string_view command)
+std::vector<std::string> KeyFieldsOf(std::string_view command)
 {
     constexpr std::string_view kPrefix = "watch show ";
     const ShowSpec *show = command.starts_with(kPrefix) ? &ShowNamed(command.substr(kPrefix.size())) : nullptr;
-    return show == nullptr || show->table == nullptr ? std::span<const manager::KeyPart>() : show->table->keyParts;
+    std::vector<std::string> fields;
+    if (show == nullptr || show->table == nullptr)
+        return fields;
+    for (const manager::KeyPart &part : KeyPartsOf(*show->table, Names()))
+        fields.push_back(PathAt(show->table->row(), part.offset, part.size));
+    return fields;
 }
 
 /** Tells whether nobody waits for more, as the end of the time that a watch was given does not say. */
@@ -189,7 +195,7 @@ Exit Watch(Output &out, const Command &command, const std::function<Exit(Output 
     const uint64_t lastPoll = options.count.Number();
     const milliseconds duration = options.duration.DurationOr({});
     const Waiter waiter(options.duration.IsGiven() ? std::optional(duration) : std::nullopt);
-    RowChanges changes(KeyPartsOf(command.name));
+    RowChanges changes(KeyFieldsOf(command.name));
     Reporter reporter(out, command.name);
     std::optional<Exit> exit;
     bool print = options.initial.IsGiven();

@@ -1,22 +1,22 @@
 // Copies the parser's tree, so that nothing else depends on the parser.
-#include "host/daemon/scenario/document.h"
+#include "toml/document.h"
 
-#include "host/daemon/scenario/toml.h"
+#include "toml/parser.h"
 
 #include <fmt/format.h>
 
-namespace rsvpsimd {
+namespace rsvp_toml {
 
 namespace {
 
-// The parser does not define what it makes of every other character, and a scenario needs none of them.
+// The parser does not define what it makes of every other character, and no file of ours needs them.
 void RefuseOtherThanText(std::string_view text)
 {
     size_t line = 1;
     for (const char c : text) {
         line += c == '\n' ? 1 : 0;
         if ((c < ' ' && c != '\t' && c != '\n' && c != '\r') || c > '~')
-            throw Mistake(line, fmt::format("a scenario is plain ASCII text, and here is a byte 0x{:02x}",
+            throw Mistake(line, fmt::format("the file must be plain ASCII text, and here is a byte 0x{:02x}",
                                             static_cast<unsigned char>(c)));
     }
 }
@@ -74,4 +74,4 @@ uint64_t NumberIn(const Member &member, uint64_t most)
     return static_cast<uint64_t>(*number);
 }
 
-} // namespace rsvpsimd
+} // namespace rsvp_toml

@@ -1,6 +1,7 @@
-// A scenario's text as a tree that knows its line numbers, so that only one source deals with the TOML parser.
-#ifndef HOST_DAEMON_SCENARIO_DOCUMENT_H
-#define HOST_DAEMON_SCENARIO_DOCUMENT_H
+// The text of a TOML file, a scenario's or a dictionary's, as a tree that knows its line numbers, so that only one
+// source deals with the TOML parser.
+#ifndef TOML_DOCUMENT_H
+#define TOML_DOCUMENT_H
 
 #include <cstddef>
 #include <cstdint>
@@ -10,7 +11,7 @@
 #include <variant>
 #include <vector>
 
-namespace rsvpsimd {
+namespace rsvp_toml {
 
 struct Member;
 
@@ -31,7 +32,7 @@ struct Member {
     Node node;
 };
 
-// What is wrong with a scenario, and on which line (0 if unknown).
+// What is wrong with a file, and on which line (0 if unknown).
 class Mistake : public std::runtime_error {
 public:
     Mistake(size_t line, const std::string &what) : std::runtime_error(what), line_(line) {}
@@ -49,6 +50,6 @@ Node ParseDocument(std::string_view text);
 // A whole number from 0 to `most`; throws Mistake for anything else.
 uint64_t NumberIn(const Member &member, uint64_t most);
 
-} // namespace rsvpsimd
+} // namespace rsvp_toml
 
 #endif

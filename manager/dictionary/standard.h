@@ -1,0 +1,49 @@
+// What the objects of the standards mean: they need no dictionary, since RFC 2205, RFC 2210, RFC 2215, RFC 3209 and
+// RFC 4090 settle it for every daemon.
+#ifndef MANAGER_DICTIONARY_STANDARD_H
+#define MANAGER_DICTIONARY_STANDARD_H
+
+#include "manager/record/json.h"
+
+#include <optional>
+
+namespace manager {
+
+/** "SE" for the option vector of a STYLE object, or its number. */
+std::string StyleText(uint32_t style);
+
+/** The flags of a SESSION_ATTRIBUTE that are set, in words; one without a word as its number. */
+std::vector<std::string> SessionFlagWords(uint8_t flags);
+
+/** "3 (implicit null)": reserved labels are better known by name. */
+std::string LabelText(uint32_t label);
+
+/** The protocol of a LABEL_REQUEST: "IPv4", or its number. */
+std::string ProtocolText(uint16_t l3pid);
+
+// What a word of a LABEL_REQUEST holds beside reserved bits.
+constexpr uint16_t VpiOf(uint16_t word)
+{
+    return word & 0x0fff;
+}
+constexpr uint32_t DlciOf(uint32_t word)
+{
+    return word & 0x7fffff;
+}
+
+/** A parameter of an ADSPEC by its number; nothing for a number that no service defines. */
+struct AdspecParameter {
+    const char *name;
+    const char *unit;
+    bool isSingle; // its value is the bits of an IEEE single
+};
+std::optional<AdspecParameter> ParameterOf(const RSVP_MOR_AdspecParam &parameter);
+
+inline constexpr uint32_t kUnknownLatency = 0xffffffff;
+
+/** Adds what a standard says of a record, without the records inside it, to an object. */
+void AddStandardNames(const RecordDescription &description, const void *record, Json &named);
+
+} // namespace manager
+
+#endif

@@ -1,0 +1,58 @@
+// Point-to-multipoint state for people.
+#include "tools/rsvpctl/view/detail_lines.h"
+#include "tools/rsvpctl/view/views.h"
+
+#include <fmt/format.h>
+
+namespace rsvpctl {
+namespace {
+
+void AddPathSide(DetailLines &lines, const RSVP_MOR_P2mpPathState &path, const RSVP_MOR_P2mpSubGroup &subGroup)
+{
+    lines.AddSession(path.session);
+    lines.AddSender("Sender", subGroup.sender);
+    lines.AddHop("Previous hop", path.hop);
+    lines.AddInterface(path.ifRef);
+    lines.AddSessionAttribute(path.sessionAttr);
+    lines.AddTspec(path.tspec);
+    lines.AddAdspec(path.adspec);
+}
+
+void AddResvSide(DetailLines &lines, const RSVP_MOR_P2mpResvState &resv)
+{
+    lines.AddSender("Filter", resv.filter);
+    lines.AddFlowSpec(resv.flowSpec);
+}
+
+std::string P2mpTitle(const char *what, const RSVP_MOR_P2mpPathState &path, const RSVP_MOR_P2mpSubGroup &subGroup)
+{
+    return fmt::format("{} of P2MP {}, tunnel {}, LSP {}, sub-group {}", what, path.session.p2mpId,
+                       path.session.tunnelId, subGroup.sender.lspId, subGroup.sender.subGroupId);
+}
+
+std::string P2mpPsbDetail(const RSVP_MOR_P2mpPsbInfo &block, const manager::RecordMeanings &meanings)
+{
+    DetailLines lines(P2mpTitle("Path state", block.pathState, block.subGroup));
+    AddPathSide(lines, block.pathState, block.subGroup);
+    AddResvSide(lines, block.resvState);
+    lines.AddHops("RRO", block.hopList);
+    lines.AddOthers(block, meanings);
+    return lines.Text();
+}
+
+std::string P2mpRsbDetail(const RSVP_MOR_P2mpRsbInfo &block, const manager::RecordMeanings &meanings)
+{
+    DetailLines lines(P2mpTitle("Reservation state", block.pathState, block.subGroup));
+    AddPathSide(lines, block.pathState, block.subGroup);
+    AddResvSide(lines, block.resvState);
+    lines.AddHops("RRO", block.hopList);
+    lines.AddOthers(block, meanings);
+    return lines.Text();
+}
+
+} // namespace
+
+const RowView kP2mpPsbView{.detail = ShowRow<RSVP_MOR_P2mpPsbInfo, P2mpPsbDetail>};
+const RowView kP2mpRsbView{.detail = ShowRow<RSVP_MOR_P2mpRsbInfo, P2mpRsbDetail>};
+
+} // namespace rsvpctl
