@@ -87,6 +87,13 @@ std::string WithUnit(const std::string &number, double value, const std::string 
 
 } // namespace
 
+const char *NameOf(Form form)
+{
+    static constexpr const char *kNames[] = {"number", "signed", "hex",    "address", "bytes", "bool",
+                                             "bits",   "words",  "single", "rate",    "text"};
+    return kNames[static_cast<size_t>(form)];
+}
+
 uint64_t NumberOf(const Meaning &meaning, const void *record)
 {
     if (meaning.width > sizeof(uint64_t))

@@ -25,6 +25,9 @@ enum class Form : uint8_t {
     Text,        // characters up to the first zero
 };
 
+/** The name by which a dictionary asks for a form. */
+const char *NameOf(Form form);
+
 struct Meaning {
     std::string name;
     std::string field; // where it is, from the record: "tunnelWord0", "settingBytes[2]"

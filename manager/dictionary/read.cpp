@@ -17,15 +17,9 @@ using rsvp_toml::Member, rsvp_toml::Mistake, rsvp_toml::Node, rsvp_toml::NumberI
 
 constexpr uint64_t kVersion = 1;
 
-struct FormName {
-    std::string_view name;
-    Form form;
-};
-constexpr FormName kForms[] = {
-    {"number", Form::Number}, {"signed", Form::Signed}, {"hex", Form::Hex},       {"address", Form::Address},
-    {"bytes", Form::Bytes},   {"bool", Form::Bool},     {"single", Form::Single}, {"rate", Form::Rate},
-    {"text", Form::Text},
-};
+// Those that a dictionary asks for by name; words make the other two.
+constexpr Form kForms[] = {Form::Number, Form::Signed, Form::Hex,  Form::Address, Form::Bytes,
+                           Form::Bool,   Form::Single, Form::Rate, Form::Text};
 constexpr std::string_view kUnits[] = {"s", "ms", "us", "B", "B/s", "bit/s", "kbit/s", "count"};
 
 template <typename Wanted> const Wanted &Require(const Member &member, std::string_view what)
@@ -166,13 +160,12 @@ void ReadForm(const Member &member, Meaning &meaning)
         return;
     }
     const std::string &name = TextOf(member);
-    const auto form =
-        std::find_if(std::begin(kForms), std::end(kForms), [&](const FormName &one) { return one.name == name; });
+    const auto *form = std::find_if(std::begin(kForms), std::end(kForms), [&](Form one) { return name == NameOf(one); });
     if (form == std::end(kForms))
         Refuse(member.node.line, member.name, fmt::format("there is no form '{}'", name));
-    if (const std::string problem = Misfit(form->form, meaning); !problem.empty())
+    if (const std::string problem = Misfit(*form, meaning); !problem.empty())
         Refuse(member.node.line, member.name, fmt::format("the form '{}' {}", name, problem));
-    meaning.form = form->form;
+    meaning.form = *form;
 }
 
 void ReadUnit(const Member &member, Meaning &meaning)

@@ -20,6 +20,7 @@ void AddCommands(CommandLine &line)
     AddTreeCommand(line);
     AddWatchCommands(line);
     AddBatchCommand(line);
+    AddDictionaryCommand(line);
     AddSchemaCommand(line);
     AddCompletionCommands(line);
     AddHelpCommands(line);

@@ -186,9 +186,9 @@ void RequireKey(const KeySpec &key, const std::string &text, void *record)
     }
 }
 
-KeyOptions AddKeyOptions(const Node &node, const KeySpec &key)
+KeyOptions AddKeyOptions(const Node &node, const KeySpec &key, bool isLong)
 {
-    const Option words = node.AddKeyWords("--key", key,
+    const Option words = !isLong ? node.AddKey("key,--key", key, "One row only") : node.AddKeyWords("--key", key,
                                           "The key: every field, or all values in their order (" +
                                               KeyShape(*key.description) + "); a number may be written as an address");
     const Option file =
@@ -199,13 +199,13 @@ KeyOptions AddKeyOptions(const Node &node, const KeySpec &key)
 void RequireKey(const KeyOptions &options, void *record)
 {
     if (options.words.IsGiven())
-        return RequireKey(options.key, manager::Joined(options.words.Words(), ","), record);
+        return RequireKey(*options.key, manager::Joined(options.words.Words(), ","), record);
     if (!options.file.IsGiven())
         throw UsageError("key: --key or --key-file is needed");
     const std::string file = options.file.Text();
     try {
-        ReadJsonKey(*options.key.description, ReadInput("--key-file", file, kLongestKeyFile), record,
-                    AliasesOf(options.key));
+        ReadJsonKey(*options.key->description, ReadInput("--key-file", file, kLongestKeyFile), record,
+                    AliasesOf(*options.key));
     } catch (const manager::KeyError &error) {
         throw UsageError(fmt::format("--key-file: {}: {}", file, error.what()));
     }

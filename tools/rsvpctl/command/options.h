@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -115,11 +116,12 @@ template <typename Key> Key KeyOf(const Option &option)
 
 /** The two ways in which a command takes a key that is long: words or a JSON file. */
 struct KeyOptions {
-    KeySpec key;
+    std::optional<KeySpec> key; // nothing: the command takes none
     Option words;
     Option file;
 };
-KeyOptions AddKeyOptions(const Node &node, const KeySpec &key);
+/** With `isLong`, a key on the command line may be many words. */
+KeyOptions AddKeyOptions(const Node &node, const KeySpec &key, bool isLong);
 
 /** Reads the key that the options give. Throws UsageError if they give none. */
 void RequireKey(const KeyOptions &options, void *record);

@@ -237,6 +237,7 @@ Exit Output::Record(const std::string &operation, const Json &record, const std:
 Exit Output::Record(const std::string &operation, const manager::RecordDescription &description, const void *record,
                     const DetailView &view)
 {
+    TellMissingNames();
     return IsJson() ? Record(operation, ToJson(description, record, Names().Of(description))) : Help(view(record));
 }
 
@@ -292,6 +293,13 @@ Exit Output::Failed(const Outcome &failure)
 Exit Output::NotDone(const Outcome &outcome, const std::string &problem)
 {
     return Fail(outcome, "not known to be done, though ", {"verify", problem, NotDoneText()});
+}
+
+// Once is enough, also for a batch.
+void Output::TellMissingNames()
+{
+    if (Names().Daemon().empty() && !std::exchange(toldMissingNames_, true))
+        Message("rsvpctl: no dictionary: words have no names");
 }
 
 void Output::MemberReason(const Reason &reason)
@@ -382,6 +390,7 @@ Exit Output::EndList()
 void Output::BeginRows(const std::string &operation, const manager::Table &table, Columns columns,
                        const DetailView &detail)
 {
+    TellMissingNames();
     BeginList(operation);
     table_ = &table;
     detail_ = detail;

@@ -125,6 +125,7 @@ private:
     void EndWholeTable(const manager::WalkResult &result);
     void CloseRows(const manager::WalkResult &result);
     Exit Fail(const Outcome &failure, const std::string &headline, const Reason &reason);
+    void TellMissingNames();
     void MemberReason(const Reason &reason);
     void Member(const char *name, const manager::Json &value);
     std::string Ending() const;
@@ -154,6 +155,7 @@ private:
     Exit batchExit_ = Exit::Done; // the highest of the lines, and the status of the first line that has it
     uint32_t batchStatus_ = RSVP_MOR_OK;
     bool inBatch_ = false;
+    bool toldMissingNames_ = false;
 };
 
 } // namespace rsvpctl

@@ -33,12 +33,13 @@ std::string BlockExamples(const std::string &command, const ShowSpec &show)
 
 BlockOptions AddBlockOptions(const Node &node, const ShowSpec &show)
 {
-    BlockOptions options{AddKeyOptions(node, *show.table),
-                         AddDefaultNumber(node, "--op", UINT8_MAX, manager::kGetRow, "Message operation"),
-                         {}};
+    BlockOptions options{AddKeyOptions(node, *show.table, show.IsBlock()), {}, {}};
+    if (show.IsBlock())
+        options.operation =
+            AddDefaultNumber(node, "--op", UINT8_MAX, manager::kGetRow, "Message operation of the read by a key");
     if (show.table == &manager::kP2mpPathState)
         options.itemType = AddDefaultNumber(node, "--item-type", UINT16_MAX, manager::kP2mpPathStateItem,
-                                            "Item type of the request");
+                                            "Item type of the read by a key");
     return options;
 }
 
@@ -48,14 +49,18 @@ Exit WithBlock(Output &out, const std::string &operation, const ShowSpec &show, 
     const manager::Table &table = *show.table;
     std::vector<std::byte> key(table.key().size);
     RequireKey(options.key, key.data());
-    return WithSession(out, operation, true, [&](int32_t fd) {
+    return WithSession(out, operation, table.get.held, [&](int32_t fd) {
         std::vector<std::byte> block(table.row().size);
-        const uint32_t status = table.ask(fd, options.itemType.NumberOr(manager::kP2mpPathStateItem),
-                                          options.operation.NumberOr(manager::kGetRow), key.data(), block.data());
+        const uint32_t status =
+            table.ask == nullptr
+                ? ReadRow(table, table.get, fd, key.data(), block.data())
+                : table.ask(fd, options.itemType.NumberOr(manager::kP2mpPathStateItem),
+                            options.operation.NumberOr(manager::kGetRow), key.data(), block.data());
         if (status != RSVP_MOR_OK)
             return out.Failed({operation, table.get.function, "key " + KeyText(table.key(), key.data()), status});
         const Exit exit = print(block.data());
-        table.release(block.data());
+        if (table.release != nullptr)
+            table.release(block.data());
         return exit;
     });
 }

@@ -1,5 +1,5 @@
-// Blocks that are read by their key alone: point-to-multipoint state. The message operation and the item type of a
-// request are the daemon's numbers, so that they can be given for a daemon with other ones.
+// Reading of one row by its key. Where the library leaves the message operation and the item type of a request to its
+// caller, they are the daemon's numbers, and can be given for a daemon with other ones.
 #ifndef TOOLS_RSVPCTL_SHOW_BLOCKS_H
 #define TOOLS_RSVPCTL_SHOW_BLOCKS_H
 
@@ -15,6 +15,11 @@ struct BlockOptions {
     KeyOptions key;
     Option operation;
     Option itemType;
+
+    bool IsGiven() const
+    {
+        return key.words.IsGiven() || key.file.IsGiven() || operation.IsGiven() || itemType.IsGiven();
+    }
 };
 
 /** The help's examples of a command that takes such a key. */

@@ -14,6 +14,7 @@ void AddShowCommands(CommandLine &line, Node parent);
 void AddTreeCommand(CommandLine &line);
 void AddStatusCommand(CommandLine &line, Node parent);
 void AddExplainCommand(CommandLine &line);
+void AddDictionaryCommand(CommandLine &line);
 void AddSchemaCommand(CommandLine &line);
 
 } // namespace rsvpctl

@@ -29,13 +29,13 @@ struct GroupSpec {
 constexpr GroupSpec kGroups[] = {
     {"frr", "Fast reroute tables", "facility\ngeneral --key 100,1,10.0.0.1"},
     {"hops", "Hops of tunnels", "computed\nactual --key 100,1\nextended"},
-    {"p2mp", "Point-to-multipoint state, one block by its key", "crlsp --key 500,10.0.0.1,10.0.0.1,50,1,0,0,0,0,0,0"},
+    {"p2mp", "Point-to-multipoint state", "crlsp\npsb --detail\ncrlsp --key 500,10.0.0.1,10.0.0.1,50,1,0,0,0,0,0,0"},
 };
 
 /** The options of a walk; those that a table does not have are never given. */
 struct RowOptions {
     Option after;
-    Option key;
+    BlockOptions one; // row, by its key
     Option ingress;
     Option tunnelId;
     Option lspId;
@@ -89,12 +89,11 @@ Exit ShowRows(Output &out, const std::string &operation, const ShowSpec &show, c
     return out.EndRows(result);
 }
 
-Exit ShowRow(Output &out, const std::string &operation, const ShowSpec &show, const Option &keyOption)
+Exit ShowRow(Output &out, const std::string &operation, const ShowSpec &show, const BlockOptions &options)
 {
-    std::vector<std::byte> key(show.table->key().size);
-    RequireKey(*show.table, keyOption.Text(), key.data());
-    return WithRecord(out, operation, *show.table, key.data(), "key " + keyOption.Text(),
-                      [&](void *row) { return out.Record(operation, show.table->row(), row, DetailOf(show)); });
+    return WithBlock(out, operation, show, options, [&](void *row) {
+        return out.Record(operation, show.table->row(), row, DetailOf(show));
+    });
 }
 
 RowOptions AddRowOptions(const Node &node, const ShowSpec &show)
@@ -102,11 +101,14 @@ RowOptions AddRowOptions(const Node &node, const ShowSpec &show)
     RowOptions options;
     const manager::Table &key = *show.table;
     options.after = node.AddKey("--after", key, "Begin after the row with this key");
-    if (show.HasRecord())
-        options.key = node.AddKey("key,--key", key, "One row only").Excludes(options.after);
+    if (show.HasRecord()) {
+        options.one = AddBlockOptions(node, show);
+        options.one.key.words.Excludes(options.after);
+        options.one.key.file.Excludes(options.after);
+    }
     if (show.ingressTable != nullptr)
         options.ingress =
-            node.AddFlag("--ingress", "Only tunnels that begin here; not with a key").Excludes(options.key);
+            node.AddFlag("--ingress", "Only tunnels that begin here; not with a key").Excludes(options.one.key.words);
     if (show.takes != nullptr) {
         options.tunnelId = node.AddNumber("--tunnel-id", UINT16_MAX, "Only LSPs of this tunnel");
         options.lspId = node.AddNumber("--lsp-id", UINT16_MAX, "Only LSPs with this identifier");
@@ -120,7 +122,7 @@ std::string Examples(const std::string &name, const ShowSpec &show)
 {
     const std::string command = "  rsvpctl " + name;
     if (show.IsBlock())
-        return BlockExamples(name, show);
+        return command + "\n" + BlockExamples(name, show);
     if (!show.HasRows())
         return command + "\n" + command + " --json";
     const std::string after = "\n" + command + " --after " + show.keyExample;
@@ -143,15 +145,8 @@ void AddShow(CommandLine &line, Node parent, const std::string &word, const Show
     } else if (show.HasRows()) {
         const RowOptions options = AddRowOptions(command.node, show);
         command.run = [&command, &show, options](Output &out) {
-            return options.key.IsGiven() ? ShowRow(out, command.name, show, options.key)
+            return options.one.IsGiven() ? ShowRow(out, command.name, show, options.one)
                                          : ShowRows(out, command.name, show, options);
-        };
-    } else if (show.IsBlock()) {
-        const BlockOptions options = AddBlockOptions(command.node, show);
-        command.run = [&command, &show, options](Output &out) {
-            return WithBlock(out, command.name, show, options, [&](void *block) {
-                return out.Record(command.name, show.table->row(), block, DetailOf(show));
-            });
         };
     } else {
         command.run = [&command, &show](Output &out) {

@@ -1,6 +1,8 @@
 // Point-to-multipoint state for people.
+#include "manager/record/text.h"
 #include "tools/rsvpctl/view/detail_lines.h"
 #include "tools/rsvpctl/view/views.h"
+#include "tools/rsvpctl/view/words.h"
 
 #include <fmt/format.h>
 
@@ -50,9 +52,32 @@ std::string P2mpRsbDetail(const RSVP_MOR_P2mpRsbInfo &block, const manager::Reco
     return lines.Text();
 }
 
+template <typename Row> Columns StateColumns()
+{
+    Columns columns;
+    columns.all = {
+        ViewColumn<Row>(
+            "p2mpId", 10, [](const Row &row) { return fmt::format("{}", row.pathState.session.p2mpId); }, true),
+        ViewColumn<Row>(
+            "tunnel", 5, [](const Row &row) { return fmt::format("{}", row.pathState.session.tunnelId); }, true),
+        ViewColumn<Row>("sender", kAddressWidth,
+                        [](const Row &row) { return AddressText(row.subGroup.sender.senderAddress); }),
+        ViewColumn<Row>("lsp", 5, [](const Row &row) { return fmt::format("{}", row.subGroup.sender.lspId); }, true),
+        ViewColumn<Row>(
+            "subGroup", 5, [](const Row &row) { return fmt::format("{}", row.subGroup.sender.subGroupId); }, true),
+        ViewColumn<Row>("hop", kAddressWidth, [](const Row &row) { return AddressText(row.pathState.hop.hopAddress); }),
+        ViewColumn<Row>("bandwidth", kBandwidthWidth,
+                        [](const Row &row) {
+                            return manager::BandwidthText(double{manager::NetFloat(row.pathState.tspec.tokenRate)} * 8);
+                        }),
+        ViewColumn<Row>("extendedId", kAddressWidth,
+                        [](const Row &row) { return AddressText(row.pathState.session.extendedTunnelId); })};
+    return columns;
+}
+
 } // namespace
 
-const RowView kP2mpPsbView{.detail = ShowRow<RSVP_MOR_P2mpPsbInfo, P2mpPsbDetail>};
-const RowView kP2mpRsbView{.detail = ShowRow<RSVP_MOR_P2mpRsbInfo, P2mpRsbDetail>};
+const RowView kP2mpPsbView{StateColumns<RSVP_MOR_P2mpPsbInfo>, ShowRow<RSVP_MOR_P2mpPsbInfo, P2mpPsbDetail>};
+const RowView kP2mpRsbView{StateColumns<RSVP_MOR_P2mpRsbInfo>, ShowRow<RSVP_MOR_P2mpRsbInfo, P2mpRsbDetail>};
 
 } // namespace rsvpctl

@@ -114,7 +114,7 @@ void AddRecord(const RecordDescription &description, const void *record, const R
 {
     for (const Field &field : description.fields) {
         const bool isAbsent = !IsPresent(field, record) || (field.isQuiet && IsZero(field, record));
-        if (isAbsent || shown.Contain(At(record, field.offset)))
+        if (isAbsent || shown.Contain(At(record, field.offset), field.width))
             continue;
         if (field.kind == FieldKind::Record && IsZero(field, record)) {
             lines.emplace_back(prefix + field.name, "all 0");
@@ -142,11 +142,12 @@ void ShownParts::Note(const void *part, size_t size)
     parts_.emplace_back(static_cast<const std::byte *>(part), size);
 }
 
-bool ShownParts::Contain(const void *part) const
+bool ShownParts::Contain(const void *part, size_t size) const
 {
     const auto *at = static_cast<const std::byte *>(part);
-    return std::any_of(parts_.begin(), parts_.end(),
-                       [&](const auto &one) { return at >= one.first && at < one.first + one.second; });
+    return std::any_of(parts_.begin(), parts_.end(), [&](const auto &one) {
+        return at >= one.first && at + size <= one.first + one.second;
+    });
 }
 
 std::vector<std::string> HopTexts(const RSVP_MOR_HopList &list)

@@ -30,7 +30,7 @@ void AddValues(const manager::Json &value, const std::string &path, Lines &lines
 class ShownParts {
 public:
     void Note(const void *part, size_t size);
-    bool Contain(const void *part) const;
+    bool Contain(const void *part, size_t size) const;
 
 private:
     std::vector<std::pair<const std::byte *, size_t>> parts_;
