@@ -84,7 +84,8 @@ expect_end "watch, interrupted between polls"
 expect_documents "$events" '[(event["event"], event["key"]) for event in documents] == [
   ("added", {"ifIndex": 3}), ("changed", {"ifIndex": 3}), ("removed", {"ifIndex": 3})
 ] and documents[1]["changes"] == [
-  {"field": "/ifConfig", "before": 1, "after": 3, "perSecond": None}]'
+  {"field": "/ifConfig", "before": 1, "after": 3, "perSecond": None},
+  {"field": "/named/switches", "before": "rsvp", "after": "rsvp, hello", "perSecond": None}]'
 
 echo "-- the daemon goes, and comes back"
 "$rsvpctl" watch show interface-config --json --interval 0.1 >"$events" &

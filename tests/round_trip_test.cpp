@@ -5,8 +5,8 @@
 #include "host/daemon/device/row_kinds.h"
 #include "host/daemon/wire/layout.h"
 #include "host/directory.h"
+#include "manager/dictionary/document.h"
 #include "manager/record/describe.h"
-#include "manager/record/json.h"
 #include "tests/support/program.h"
 
 #include <algorithm>
@@ -66,30 +66,18 @@ using rsvpsimd::Shape;
 
 // ---- The side of the records ----
 
-// Fields that the tool does not show but the wire has; some of them are parts of keys.
+// A range of labels as the bytes that it is, where the tool shows its numbers or nothing.
 std::vector<manager::Field> Unshown(const RecordDescription &description)
 {
-    using manager::Elements, manager::Whole;
-    const std::string_view name = description.name;
-#define UNSHOWN(Type, ...)                                                                                           \
-    if (name == #Type) {                                                                                             \
-        using Row = Type;                                                                                            \
-        return {__VA_ARGS__};                                                                                        \
-    }
-    UNSHOWN(RSVP_MOR_Session, BYTES(reserved))
-    UNSHOWN(RSVP_MOR_Sender, BYTES(reserved))
-    UNSHOWN(RSVP_MOR_HopEntry, BYTES(reserved0), BYTES(reserved1))
-    UNSHOWN(RSVP_MOR_RouteEntry, BYTES(reserved0), BYTES(reserved1))
-    UNSHOWN(RSVP_MOR_P2mpSession, NUMBER(reserved))
-    UNSHOWN(RSVP_MOR_P2mpSender, BYTES(reserved), NUMBER(subGroupReserved))
-    UNSHOWN(RSVP_MOR_LabelRequest, BYTES(reserved0), NUMBER(reserved),
-            manager::UnlessTag(Whole<uint8_t[8]>("rangeBytes", FieldKind::Bytes, offsetof(Row, minVpi)),
-                               offsetof(Row, kind), RSVP_MOR_LABEL_REQUEST_ATM))
-#undef UNSHOWN
-    return {};
+    using Row = RSVP_MOR_LabelRequest;
+    if (&description != &Describe<Row>())
+        return {};
+    const manager::Field bytes = manager::Whole<uint8_t[8]>("rangeBytes", FieldKind::Bytes, offsetof(Row, minVpi));
+    return {manager::UnlessTag(bytes, offsetof(Row, kind), RSVP_MOR_LABEL_REQUEST_ATM)};
 }
 
-// The tool's description with nothing left out, nothing hidden and every address as a plain number.
+// The tool's description with nothing left out, nothing hidden, every address as a plain number, and as bytes what was
+// not converted.
 const RecordDescription &Whole(const RecordDescription &shown)
 {
     struct Made {
@@ -109,8 +97,9 @@ const RecordDescription &Whole(const RecordDescription &shown)
             field.record = &Whole(*field.record);
         if (field.kind == FieldKind::Address)
             field.kind = FieldKind::Number;
-        if (field.kind == FieldKind::Secret)
+        if (field.kind == FieldKind::Secret || field.kind == FieldKind::NetNumber || field.kind == FieldKind::NetAddress)
             field.kind = FieldKind::Bytes;
+        field.isQuiet = false;
     }
     Made &kept = all.emplace_back(std::move(made));
     kept.description.fields = kept.fields;
@@ -122,6 +111,9 @@ json RecordToJson(const RecordDescription &description, const void *record)
     json all = json(manager::ToJson(Whole(description), record));
     if (all.contains("labelRequest") && all["labelRequest"]["kind"] == RSVP_MOR_LABEL_REQUEST_FRAME_RELAY)
         all["labelRequest"].erase("rangeBytes"); // the bytes of the two numbers
+    for (const manager::Field &field : description.fields)
+        if (field.kind == FieldKind::Number && field.width == sizeof(uint64_t))
+            all[field.name] = std::stoull(all[field.name].get<std::string>()); // a text in documents
     return all;
 }
 

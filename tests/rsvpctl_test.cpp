@@ -114,13 +114,13 @@ TEST(Rsvpctl, SaysWhatItDidAndWhyNot)
         {"enable", 0, "done", ""},
         {"status", 0, "running", ""},
         {"set interface 3", 0, "set interface 3: done", ""},
-        {"show interfaces 3 --detail", 0, "ifWord1", ""},
+        {"show interfaces 3 --detail", 0, "retransmissionInterval", ""},
         {"show interfaces 99", 1, "", "0x40010005 RSVP_MOR_ERR_NOT_EXIST"},
         {"undo interface 3", 0, "done", ""},
         {"show interfaces 3", 1, "", "likely cause"},
         {"set peer 10.0.0.9", 0, "done", ""},
-        {"show neighbours", 0, "nbrWord0", "3 rows, end of table"},
-        {"show neighbor", 0, "nbrWord0", "3 rows, end of table"},
+        {"show neighbours", 0, "ADDRESS", "3 rows, end of table"},
+        {"show neighbor", 0, "ADDRESS", "3 rows, end of table"},
         {"show nieghbors", 2, "", "did you mean 'neighbours'?"},
         {"show psb --tunel-id 3", 2, "", "'--tunel-id' is not expected here; did you mean '--tunnel-id'?"},
         {"set dscp 5", 1, "", "set dscp: RSVP_MOR_SetDscpValue for 5 gave 0x60010006"},
@@ -140,7 +140,11 @@ TEST(Rsvpctl, SaysWhatItDidAndWhyNot)
         {"debug set 16 --endpoint 10.0.0.4 --tunnel-id 7 --extended-tunnel-id 10.0.0.1", 0, "type 16", ""},
         {"debug show --detail", 0, "10.0.0.4", ""},
         {"debug undo 16 --endpoint 10.0.0.4 --tunnel-id 65536 --extended-tunnel-id 10.0.0.1", 2, "", "65535"},
-        {"show tunnels", 0, "tunnelWord0", "3 rows, end of table"},
+        {"show tunnels", 0, "INGRESS", "3 rows, end of table"},
+        {"show tunnels --dictionary none", 0, "tunnelWord2", "words have no names"},
+        {"show tunnels --dictionary nothing.toml", 2, "", "nothing.toml: No such file"},
+        {"show tunnels index=1,instance=2,tunnelWord2=3,egress=0.0.0.4", 0, "0.0.0.3", ""},
+        {"dictionary check", 2, "", "takes a file"},
         {"show tunnels 1,2", 2, "", "tunnelIndex,tunnelInstance,ingressLsrId,egressLsrId"},
         {"show tunnels --key tunnelIndex=1,size=2,ingressLsrId=3,egressLsrId=4", 2, "", "'size'"},
         {"show tunnels --after 4294967295,0,0.0.0.0,0", 0, "", "0 rows, end of table"},
@@ -788,8 +792,7 @@ public:
     }
 
 private:
-    static constexpr manager::KeyPart kKeys[] = {{"row", 0, 4}};
-    rsvpctl::RowChanges changes_{kKeys};
+    rsvpctl::RowChanges changes_{std::vector<std::string>{"row"}};
 };
 
 TEST(Rsvpctl, AWatchedCounterIsARateUntilItIsCleared)

@@ -34,6 +34,19 @@ std::vector<PlacedMeaning> AllMeanings(const RecordDescription &record, const Re
     return all;
 }
 
+NamedValue::NamedValue(const RecordDescription &record, const RecordMeanings &meanings, std::string_view name)
+{
+    for (const PlacedMeaning &placed : AllMeanings(record, meanings)) {
+        if (placed.meaning->name == name)
+            placed_ = placed;
+    }
+}
+
+uint64_t NamedValue::NumberIn(const void *record) const
+{
+    return placed_.meaning == nullptr ? 0 : NumberOf(*placed_.meaning, At(record, placed_.base));
+}
+
 const Meaning *MeaningAt(const RecordDescription &record, const RecordMeanings &meanings, uint32_t offset)
 {
     for (const PlacedMeaning &placed : AllMeanings(record, meanings)) {

@@ -35,6 +35,20 @@ struct PlacedMeaning {
  * among them. */
 std::vector<PlacedMeaning> AllMeanings(const RecordDescription &record, const RecordMeanings &meanings);
 
+/** What a name stands for in one kind of record; where the dictionary has no such name, it stands for nothing. */
+class NamedValue {
+public:
+    NamedValue(const RecordDescription &record, const RecordMeanings &meanings, std::string_view name);
+
+    explicit operator bool() const { return placed_.meaning != nullptr; }
+
+    /** The number in a record; 0 if the name stands for nothing. */
+    uint64_t NumberIn(const void *record) const;
+
+private:
+    PlacedMeaning placed_{nullptr, 0};
+};
+
 /** The meaning of what lies at an offset of a record; null if it has none. */
 const Meaning *MeaningAt(const RecordDescription &record, const RecordMeanings &meanings, uint32_t offset);
 

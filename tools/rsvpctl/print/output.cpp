@@ -298,7 +298,7 @@ Exit Output::NotDone(const Outcome &outcome, const std::string &problem)
 // Once is enough, also for a batch.
 void Output::TellMissingNames()
 {
-    if (Names().Daemon().empty() && !std::exchange(toldMissingNames_, true))
+    if (!IsJson() && Names().Daemon().empty() && !std::exchange(toldMissingNames_, true))
         Message("rsvpctl: no dictionary: words have no names");
 }
 

@@ -95,8 +95,9 @@ void AddDictionaryCommand(CommandLine &line)
     Command &command = line.Add(line.Root(), "dictionary",
                                 "What the daemon means by the words of its records, or whether a file says it well",
                                 "  rsvpctl dictionary\n"
-                                "  rsvpctl dictionary check my-daemon.toml\n"
-                                "  rsvpctl --dictionary my-daemon.toml show tunnels");
+                                "  printf 'dictionary = 1\\ndaemon = \"mine\"\\nend-of-table = [1]\\n' > mine.toml\n"
+                                "  rsvpctl dictionary check mine.toml\n"
+                                "  rsvpctl --dictionary none show global");
     const Option verb = command.node.AddChoice("verb", "VERB", {"check"}, "check: read a file and say what is wrong");
     const Option file = command.node.AddFile("file,--file", "The file to check");
     command.mayBeLong = true;

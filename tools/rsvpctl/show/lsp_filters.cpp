@@ -2,6 +2,13 @@
 // functions do not follow links.
 #include "tools/rsvpctl/show/lsp_filters.h"
 
+#include "tools/rsvpctl/print/names.h"
+#include "tools/rsvpctl/print/usage_error.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <vector>
+
 namespace rsvpctl {
 namespace {
 
@@ -22,6 +29,26 @@ template <typename Node, typename Keep> void Prune(Node **link, void (*release)(
         *link = node->next;
         release(node);
     }
+}
+
+/** What a CR-LSP can be chosen by, and the name by which a dictionary has it. */
+struct CrlspName {
+    std::optional<uint32_t> LspFilter::*wanted;
+    const char *name;
+    manager::NamedValue value;
+};
+
+const std::vector<CrlspName> &CrlspNames()
+{
+    const auto named = [](const char *name) {
+        const auto &record = manager::Describe<RSVP_MOR_ReplyCrlsp>();
+        return manager::NamedValue(record, Names().Of(record), name);
+    };
+    static const std::vector<CrlspName> names{{&LspFilter::tunnelId, "tunnelId", named("tunnelId")},
+                                              {&LspFilter::lspId, "lspId", named("lspId")},
+                                              {&LspFilter::endPoint, "endPoint", named("endPoint")},
+                                              {&LspFilter::sender, "sender", named("sender")}};
+    return names;
 }
 
 void PruneFilterSpecs(const LspFilter &filter, RSVP_MOR_ReplyFSInfo **list)
@@ -71,8 +98,18 @@ bool Takes(const LspFilter &filter, RSVP_MOR_ReplyPhsb &row)
 
 bool Takes(const LspFilter &filter, RSVP_MOR_ReplyCrlsp &row)
 {
-    return Matches(filter.tunnelId, row.key.keyShort0) && Matches(filter.lspId, row.key.keyShort1) &&
-           Matches(filter.endPoint, row.key.keyWord0) && Matches(filter.sender, row.key.keyWord2);
+    return std::all_of(CrlspNames().begin(), CrlspNames().end(), [&](const CrlspName &one) {
+        const auto &wanted = filter.*one.wanted;
+        return !wanted || *wanted == one.value.NumberIn(&row);
+    });
+}
+
+void LspFilter::CheckNames() const
+{
+    for (const CrlspName &one : CrlspNames()) {
+        if (this->*one.wanted && !one.value)
+            throw UsageError(fmt::format("the dictionary has no name '{}' for CR-LSPs", one.name));
+    }
 }
 
 } // namespace rsvpctl

@@ -18,13 +18,16 @@ struct LspFilter {
     bool TakesSession(const RSVP_MOR_Session &session) const;
     bool TakesSender(const RSVP_MOR_Sender &which) const;
     bool AsksForSender() const { return lspId || sender; }
+
+    /** Throws UsageError if CR-LSPs are to be chosen by something that the dictionary has no name for. */
+    void CheckNames() const;
 };
 
 /** Whether the row is wanted. Filter specs that are not wanted are taken out of the row and released. */
 bool Takes(const LspFilter &filter, RSVP_MOR_ReplyPsb &row);
 bool Takes(const LspFilter &filter, RSVP_MOR_ReplyRsb &row);
 bool Takes(const LspFilter &filter, RSVP_MOR_ReplyPhsb &row);
-bool Takes(const LspFilter &filter, RSVP_MOR_ReplyCrlsp &row);
+bool Takes(const LspFilter &filter, RSVP_MOR_ReplyCrlsp &row); // by the names of the dictionary
 
 /** The same for a row whose type a description knows. */
 using RowFilter = bool (*)(const LspFilter &filter, void *row);

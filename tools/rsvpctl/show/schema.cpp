@@ -70,8 +70,10 @@ Json ElementSchema(const Field &field)
 {
     switch (field.kind) {
     case FieldKind::Number:
-        return Integer(manager::MaximumOf(field.width));
+    case FieldKind::NetNumber:
+        return field.width == sizeof(uint64_t) ? Pattern("^[0-9]{1,20}$") : Integer(manager::MaximumOf(field.width));
     case FieldKind::Address:
+    case FieldKind::NetAddress:
         return Reference("address");
     case FieldKind::Bytes:
         return Pattern("^[0-9a-f]{" + std::to_string(field.width * 2) + "}$");
@@ -100,22 +102,28 @@ Json FieldSchema(const Field &field)
 }
 
 // A field may be described twice, once for records with a certain tag and once for all others; then it is always
-// there. If it is described for one of the two alone, it may be missing.
+// there. If it is described for one of the two alone, it may be missing, as may quiet fields and what is said beside
+// the fields.
 Json RecordSchema(const RecordDescription &description)
 {
     Json members = Json::object();
     std::map<std::string, int> conditions;
     for (const Field &field : description.fields) {
         conditions[field.name] += field.condition.test == Condition::Test::Always ? 2 : 1;
-        Json schema = FieldSchema(field);
-        members[field.name] =
-            members.contains(field.name) ? Json{{"anyOf", {members[field.name], schema}}} : std::move(schema);
+        members[field.name] = FieldSchema(field);
+        if (field.isQuiet)
+            conditions[field.name] = 0;
+        if (field.kind == FieldKind::Text) {
+            conditions[field.name + std::string("Bytes")] = 0;
+            members[field.name + std::string("Bytes")] = Pattern("^([0-9a-f]{2})+$");
+        }
     }
-    std::vector<std::string> optional;
+    std::vector<std::string> optional{"named"};
     for (const auto &[name, seen] : conditions) {
         if (seen < 2)
             optional.push_back(name);
     }
+    members["named"] = Reference("named");
     return Object(members, optional);
 }
 
@@ -147,7 +155,7 @@ const std::map<std::string, Json> &MembersOfAnswers()
         {"rows", ArrayOf({{"type", "object"}})},
         {"count", Integer(UINT64_MAX)},
         {"complete", {{"type", "boolean"}}},
-        {"end", OneOfTexts({"end of table", "stuck", "broken", "interrupted"})},
+        {"end", OneOfTexts({"end of table", "stuck", "no key", "broken", "interrupted"})},
         {"file", Text()},
     };
     return members;
@@ -202,6 +210,7 @@ Json Rules()
         rules.push_back(Rule("completion " + std::string(shell), Reference("completion"), false));
     for (const char *name : {"help", "version"})
         rules.push_back(Rule(name, Reference(name), false));
+    rules.push_back(Rule("dictionary", Reference("dictionaryFile"), Reference("dictionaryRow")));
     rules.push_back(Rule("explain", Reference("statusText"), Reference("statusText")));
     rules.push_back(Rule("batch", false, {{"allOf", {Reference("answer"), {{"required", {"line"}}}}}}));
     return rules;
@@ -258,6 +267,22 @@ void AddOwnRecords(Json &definitions)
 {
     definitions["address"] = {{"type", "string"}, {"format", "ipv4"}};
     definitions["rate"] = {{"anyOf", {{{"type", "number"}}, OneOfTexts({"nan", "inf", "-inf"})}}};
+    // What a value is called and what form it has is the dictionary's; 'rsvpctl dictionary --json' tells them.
+    definitions["named"] = {{"type", "object"},
+                            {"additionalProperties",
+                             {{"type", {"number", "string", "boolean", "array"}}, {"items", {{"type", "string"}}}}}};
+    const Json textOrNull = NullOr(Text());
+    definitions["dictionaryFile"] = Object({{"file", Text()}, {"daemon", Text()}});
+    definitions["dictionaryRow"] =
+        Object({{"record", Text()},
+                {"field", Text()},
+                {"name", Text()},
+                {"form", Text()},
+                {"words", NullOr({{"type", "object"}, {"additionalProperties", Text()}})},
+                {"unit", textOrNull},
+                {"counter", {{"type", "boolean"}}},
+                {"mib", textOrNull},
+                {"setting", textOrNull}});
     definitions["request"] = Object({{"class", Integer(UINT8_MAX)},
                                      {"op", Integer(UINT8_MAX)},
                                      {"items", ArrayOf(Object({{"type", Integer(UINT16_MAX)},

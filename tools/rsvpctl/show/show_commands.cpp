@@ -3,6 +3,7 @@
 #include "manager/record/key.h"
 #include "manager/record/text.h"
 #include "manager/table/session.h"
+#include "manager/table/tables.h"
 #include "manager/table/walk.h"
 #include "tools/rsvpctl/command/command_line.h"
 #include "tools/rsvpctl/command/session.h"
@@ -29,7 +30,7 @@ struct GroupSpec {
 constexpr GroupSpec kGroups[] = {
     {"frr", "Fast reroute tables", "facility\ngeneral --key 100,1,10.0.0.1"},
     {"hops", "Hops of tunnels", "computed\nactual --key 100,1\nextended"},
-    {"p2mp", "Point-to-multipoint state", "crlsp\npsb --detail\ncrlsp --key 500,10.0.0.1,10.0.0.1,50,1,0,0,0,0,0,0"},
+    {"p2mp", "Point-to-multipoint state", "crlsp\npsb --json\ncrlsp --key 500,10.0.0.1,10.0.0.1,50,1,0,0,0,0,0,0"},
 };
 
 /** The options of a walk; those that a table does not have are never given. */
@@ -61,6 +62,8 @@ Exit ShowRows(Output &out, const std::string &operation, const ShowSpec &show, c
 {
     const manager::Table &table = options.ingress.IsGiven() ? *show.ingressTable : *show.table;
     const LspFilter filter = FilterOf(options);
+    if (show.table == &manager::kCrLsps)
+        filter.CheckNames();
     std::vector<std::byte> after(table.key().size);
     if (options.after.IsGiven())
         RequireKey(table, options.after.Text(), after.data());

@@ -1,6 +1,7 @@
 // `tree`: a point-to-multipoint LSP as a tree of hops with its leaves.
 #include "manager/record/text.h"
 #include "tools/rsvpctl/command/command_line.h"
+#include "tools/rsvpctl/print/names.h"
 #include "tools/rsvpctl/show/blocks.h"
 #include "tools/rsvpctl/show/commands.h"
 #include "tools/rsvpctl/view/hop_tree.h"
@@ -16,12 +17,12 @@ namespace rsvpctl {
 namespace {
 
 /** Keeps the sub-LSPs to one leaf; the others are unlinked and released. */
-void KeepLeaf(RSVP_MOR_P2mpCrlspInfo &record, uint32_t leaf)
+void KeepLeaf(RSVP_MOR_P2mpCrlspInfo &record, const manager::RecordMeanings &meanings, uint32_t leaf)
 {
     record.rroTail = nullptr;
     for (RSVP_MOR_P2mpRro **link = &record.rroHead; *link != nullptr;) {
         RSVP_MOR_P2mpRro *node = *link;
-        if (node->path.pathWord0 == leaf) {
+        if (LeafOf(*node, meanings) == leaf) {
             record.rroTail = node;
             link = &node->next;
         } else {
@@ -61,10 +62,11 @@ void AddTreeCommand(CommandLine &line)
             throw UsageError("tree: --dot excludes --json");
         return WithBlock(out, command.name, show, options, [&](void *block) {
             auto &record = *static_cast<RSVP_MOR_P2mpCrlspInfo *>(block);
-            const size_t leaves = TreeOf(record).leafCount;
+            const manager::RecordMeanings &meanings = Names().Of(show.table->row());
+            const size_t leaves = TreeOf(record, meanings).leafCount;
             if (leaf.IsGiven())
-                KeepLeaf(record, leaf.Address());
-            const HopTree tree = TreeOf(record);
+                KeepLeaf(record, meanings, leaf.Address());
+            const HopTree tree = TreeOf(record, meanings);
             if (leaf.IsGiven() && tree.leafCount == 0)
                 return out.Wrong(
                     command.name,

@@ -102,20 +102,29 @@ Json NodeToJson(const HopNode &node)
 
 } // namespace
 
-HopTree TreeOf(const RSVP_MOR_P2mpCrlspInfo &record)
+uint32_t LeafOf(const RSVP_MOR_P2mpRro &subLsp, const manager::RecordMeanings &meanings)
 {
+    const manager::NamedValue leaf(manager::Describe<RSVP_MOR_P2mpRro>(), meanings.Inside("rroHead"), "leaf");
+    return static_cast<uint32_t>(leaf.NumberIn(&subLsp));
+}
+
+HopTree TreeOf(const RSVP_MOR_P2mpCrlspInfo &record, const manager::RecordMeanings &meanings)
+{
+    const auto named = [&](const char *name) {
+        return manager::NamedValue(manager::Describe<RSVP_MOR_P2mpCrlspInfo>(), meanings, name).NumberIn(&record);
+    };
     HopTree tree;
-    tree.root.address = record.key.keyWord1;
+    tree.root.address = static_cast<uint32_t>(named("sender"));
     for (const RSVP_MOR_P2mpRro *sub = record.rroHead; sub != nullptr; sub = sub->next) {
         HopNode *node = &tree.root;
         for (const Hop &hop : HopsOf(sub->hopList))
             node = &ChildOf(*node, hop);
-        node->leaves.push_back(sub->path.pathWord0);
+        node->leaves.push_back(LeafOf(*sub, meanings));
         ++tree.leafCount;
     }
     tree.title = fmt::format("{}P2MP {}, tunnel {}, LSP {}: {} {}",
                              record.name == nullptr ? "" : manager::PrintableText(record.name) + ", ",
-                             record.key.keyWord0, record.key.keyShort0, record.key.keyShort1, tree.leafCount,
+                             named("p2mpId"), named("tunnelId"), named("lspId"), tree.leafCount,
                              tree.leafCount == 1 ? "leaf" : "leaves");
     return tree;
 }

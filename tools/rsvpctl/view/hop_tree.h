@@ -3,7 +3,7 @@
 #ifndef TOOLS_RSVPCTL_VIEW_HOP_TREE_H
 #define TOOLS_RSVPCTL_VIEW_HOP_TREE_H
 
-#include "manager/record/json.h"
+#include "manager/dictionary/dictionary.h"
 
 #include <cstdint>
 #include <memory>
@@ -29,7 +29,10 @@ struct HopTree {
 
 /** The tree of all sub-LSPs, in the order of the reply. Two hops are one if address and label agree, as traffic of
  * two labels travels twice. */
-HopTree TreeOf(const RSVP_MOR_P2mpCrlspInfo &record);
+HopTree TreeOf(const RSVP_MOR_P2mpCrlspInfo &record, const manager::RecordMeanings &meanings);
+
+/** The end point of a sub-LSP, as the dictionary has it under "leaf". */
+uint32_t LeafOf(const RSVP_MOR_P2mpRro &subLsp, const manager::RecordMeanings &meanings);
 
 /** Lines with box characters or, if wanted, ASCII ones. */
 std::string DrawTree(const HopTree &tree, bool ascii);

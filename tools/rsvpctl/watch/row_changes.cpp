@@ -1,6 +1,8 @@
 // Comparing rows: by their texts, then by their keys, then field by field.
 #include "tools/rsvpctl/watch/row_changes.h"
 
+#include "manager/record/text.h"
+
 #include <utility>
 
 namespace rsvpctl {
@@ -23,11 +25,28 @@ std::optional<double> Rate(const Json &before, const Json &after, double seconds
     return up > INT32_MAX ? std::nullopt : std::optional(up / seconds);
 }
 
+// Words that stand for bits change as one value.
+void JoinWords(Json &value)
+{
+    if (value.is_array() && !value.empty() && value.front().is_string())
+        value = manager::Joined(value.get<std::vector<std::string>>(), ", ");
+    else if (value.is_structured()) {
+        for (Json &inside : value)
+            JoinWords(inside);
+    }
+}
+
+Json Values(Json row)
+{
+    JoinWords(row);
+    return row.flatten();
+}
+
 std::vector<FieldChange> Compare(const Json &before, const Json &after, double seconds)
 {
     std::vector<FieldChange> changes;
-    const Json old = before.flatten();
-    const Json now = after.flatten();
+    const Json old = Values(before);
+    const Json now = Values(after);
     std::map<std::string_view, const Json *> left;
     for (const auto &[field, value] : old.items())
         left.emplace(field, &value);
