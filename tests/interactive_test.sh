@@ -229,7 +229,7 @@ offers "facility general" rsvpctl --json show frr ""
 offers "--tunnel-id" rsvpctl show psb --t
 offers "auto always never" rsvpctl show --color ""
 offers "--after" rsvpctl show neighbor --a
-offers "--dry-run" rsvpctl enable --d
+offers "--dry-run" rsvpctl enable --dr
 offers "facility general" rsvpctl help show frr ""
 
 echo "-- the tree as a graph"
