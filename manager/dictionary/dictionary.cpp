@@ -5,6 +5,11 @@
 
 namespace manager {
 
+bool RecordMeanings::IsEmpty() const
+{
+    return own.empty() && std::all_of(inside.begin(), inside.end(), [](const auto &one) { return one.second.name.empty(); });
+}
+
 const Meaning *RecordMeanings::Find(std::string_view name) const
 {
     const auto found = std::find_if(own.begin(), own.end(), [&](const Meaning &one) { return one.name == name; });

@@ -19,6 +19,9 @@ struct RecordMeanings {
     std::vector<Meaning> own;
     std::map<std::string, RecordMeanings, std::less<>> inside;
 
+    /** Whether none of the record's own fields has a meaning, and none of its lists. */
+    bool IsEmpty() const;
+
     const Meaning *Find(std::string_view name) const;
     const RecordMeanings &Inside(std::string_view field) const; // without a meaning where there is none
 };

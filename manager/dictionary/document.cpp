@@ -1,98 +1,215 @@
-// One walk over a record for both forms of a document.
+// Documents are written as text at once: a walk prints one for each row, and building each as a tree of values first
+// took longer than the call that read it. Texts that need care go through the JSON library; names of fields, names of a
+// dictionary and its words need none.
 #include "manager/dictionary/document.h"
 
 #include "manager/dictionary/standard.h"
 #include "manager/record/text.h"
 
+#include <cstring>
+#include <fmt/compile.h>
+#include <iterator>
 #include <nlohmann/json.hpp>
 
 namespace manager {
 namespace {
 
-// Null in place of meanings: the document has no `named`, not even what the standards say.
-Json Document(const RecordDescription &description, const void *record, const RecordMeanings *meanings);
+/** The members of one object or the elements of one array, with commas between them. */
+class Members {
+public:
+    Members(std::string &out, char open, char close) : out_(out), close_(close) { out_ += open; }
+    ~Members() { out_ += close_; }
+    Members(const Members &) = delete;
+    Members &operator=(const Members &) = delete;
 
-Json ElementToJson(const Field &field, const void *element, const RecordMeanings *inside)
+    void Next()
+    {
+        if (!isFirst_)
+            out_ += ',';
+        isFirst_ = false;
+    }
+
+    void Next(std::string_view name)
+    {
+        Next();
+        out_ += '"';
+        out_ += name;
+        out_ += "\":";
+    }
+
+private:
+    std::string &out_;
+    char close_;
+    bool isFirst_ = true;
+};
+
+void AppendNumber(std::string &out, uint64_t number)
 {
-    return field.kind == FieldKind::Record ? Document(*field.record, element, inside) : ScalarToJson(field, element);
+    fmt::format_to(std::back_inserter(out), FMT_COMPILE("{}"), number);
 }
 
-Json FieldToJson(const Field &field, const void *record, const RecordMeanings *inside)
+// Texts of hex digits, dotted addresses, words of a dictionary.
+void AppendPlain(std::string &out, std::string_view text)
+{
+    out += '"';
+    out += text;
+    out += '"';
+}
+
+void AppendScalar(std::string &out, const Field &field, const std::byte *element)
+{
+    switch (field.kind) {
+    case FieldKind::Number:
+        if (field.width < sizeof(uint64_t))
+            return AppendNumber(out, LoadNumber(element, field.width));
+        break;
+    case FieldKind::Address:
+        return AppendPlain(out, DottedText(Load<uint32_t>(element)));
+    case FieldKind::Bytes:
+        return AppendPlain(out, HexText({element, field.width}));
+    default:
+        break;
+    }
+    out += JsonText(ScalarToJson(field, element));
+}
+
+void AppendValue(std::string &out, const Meaning &meaning, const void *record)
+{
+    switch (meaning.form) {
+    case Form::Number:
+        if (meaning.width < sizeof(uint64_t))
+            return AppendNumber(out, NumberOf(meaning, record));
+        break;
+    case Form::Address:
+    case Form::Enumeration:
+    case Form::Hex:
+        return AppendPlain(out, ValueText(meaning, record));
+    case Form::Bool:
+        out += NumberOf(meaning, record) != 0 ? "true" : "false";
+        return;
+    default:
+        break;
+    }
+    out += JsonText(ValueJson(meaning, record));
+}
+
+// Null in place of meanings: the document has no `named`, not even what the standards say.
+void AppendRecord(std::string &out, const RecordDescription &description, const void *record,
+                  const RecordMeanings *meanings);
+
+void AppendElement(std::string &out, const Field &field, const std::byte *element, const RecordMeanings *inside)
+{
+    if (field.kind == FieldKind::Record)
+        AppendRecord(out, *field.record, element, inside);
+    else
+        AppendScalar(out, field, element);
+}
+
+void AppendField(std::string &out, const Field &field, const void *record, const RecordMeanings *inside)
 {
     const std::byte *start = At(record, field.offset);
-    if (field.kind == FieldKind::List || field.kind == FieldKind::Chain) {
-        Json out = Json::array();
-        ForEachElement(field, record, [&](const void *element) { out.push_back(Document(*field.record, element, inside)); });
-        return out;
+    const bool isList = field.kind == FieldKind::List || field.kind == FieldKind::Chain;
+    if (!isList && field.count == 0)
+        return AppendElement(out, field, start, inside);
+    Members elements(out, '[', ']');
+    if (isList) {
+        ForEachElement(field, record, [&](const void *element) {
+            elements.Next();
+            AppendRecord(out, *field.record, element, inside);
+        });
     }
-    if (field.count == 0)
-        return ElementToJson(field, start, inside);
-    Json out = Json::array();
-    for (uint32_t i = 0; i < field.count; ++i)
-        out.push_back(ElementToJson(field, start + size_t{i} * field.width, inside));
-    return out;
+    for (uint32_t i = 0; i < field.count; ++i) {
+        elements.Next();
+        AppendElement(out, field, start + size_t{i} * field.width, inside);
+    }
 }
 
 // A text that is not UTF-8 cannot be in a document as it is; its bytes can.
-void AddBytesOfText(const Field &field, const void *record, Json::object_t &out)
+void AppendBytesOfText(std::string &out, const Field &field, const void *record, Members &members)
 {
     if (field.kind != FieldKind::Text)
         return;
     const auto *text = Load<const char *>(At(record, field.offset));
-    if (text != nullptr && !IsUtf8(text))
-        out.emplace_back(std::string(field.name) + "Bytes", HexText(std::as_bytes(std::span(text, std::strlen(text)))));
+    if (text == nullptr || IsUtf8(text))
+        return;
+    members.Next(std::string(field.name) + "Bytes");
+    AppendPlain(out, HexText(std::as_bytes(std::span(text, std::strlen(text)))));
 }
 
 // Routes by their names, as lists of addresses.
-void AddNamedLists(const RecordDescription &description, const void *record, const RecordMeanings &meanings,
-                   Json &named)
+void AppendRoutes(std::string &out, const RecordDescription &description, const void *record,
+                  const RecordMeanings &meanings, Members &named)
 {
     for (const Field &field : description.fields) {
-        const std::string &name = field.record == nullptr ? std::string() : meanings.Inside(field.name).name;
-        if (name.empty())
+        const RecordMeanings *inside = field.record == nullptr ? nullptr : &meanings.Inside(field.name);
+        if (inside == nullptr || inside->name.empty())
             continue;
-        Json addresses = Json::array();
+        named.Next(inside->name);
+        Members addresses(out, '[', ']');
         ForEachElement(field, record, [&](const void *element) {
-            addresses.push_back(DottedText(static_cast<const RSVP_MOR_RouteEntry *>(element)->value));
+            addresses.Next();
+            AppendPlain(out, DottedText(static_cast<const RSVP_MOR_RouteEntry *>(element)->value));
         });
-        named[name] = std::move(addresses);
     }
 }
 
-Json Document(const RecordDescription &description, const void *record, const RecordMeanings *meanings)
+void AppendNamed(std::string &out, const RecordDescription &description, const void *record,
+                 const RecordMeanings &meanings, Members &members)
 {
-    Json::object_t out;
-    out.reserve(description.fields.size() + 1);
+    Json standard = Json::object();
+    AddStandardNames(description, record, standard);
+    if (standard.empty() && meanings.IsEmpty())
+        return;
+    members.Next("named");
+    Members named(out, '{', '}');
+    for (const Meaning &meaning : meanings.own) {
+        named.Next(meaning.name);
+        AppendValue(out, meaning, record);
+    }
+    AppendRoutes(out, description, record, meanings, named);
+    for (const auto &[name, value] : standard.items()) {
+        named.Next(name);
+        out += JsonText(value);
+    }
+}
+
+void AppendRecord(std::string &out, const RecordDescription &description, const void *record,
+                  const RecordMeanings *meanings)
+{
+    Members members(out, '{', '}');
     for (const Field &field : description.fields) {
         if (!IsPresent(field, record) || (field.isQuiet && IsZero(field, record)))
             continue;
         const RecordMeanings *inside =
             meanings == nullptr || field.record == nullptr ? nullptr : &meanings->Inside(field.name);
-        out.emplace_back(field.name, FieldToJson(field, record, inside));
-        AddBytesOfText(field, record, out);
+        members.Next(field.name);
+        AppendField(out, field, record, inside);
+        AppendBytesOfText(out, field, record, members);
     }
-    if (meanings == nullptr)
-        return out;
-    Json named = Json::object();
-    for (const Meaning &meaning : meanings->own)
-        named[meaning.name] = ValueJson(meaning, record);
-    AddNamedLists(description, record, *meanings, named);
-    AddStandardNames(description, record, named);
-    if (!named.empty())
-        out.emplace_back("named", std::move(named));
-    return out;
+    if (meanings != nullptr)
+        AppendNamed(out, description, record, *meanings, members);
 }
 
 } // namespace
 
-Json ToJson(const RecordDescription &description, const void *record, const RecordMeanings &meanings)
+void AppendJson(std::string &out, const RecordDescription &description, const void *record,
+                const RecordMeanings &meanings)
 {
-    return Document(description, record, &meanings);
+    AppendRecord(out, description, record, &meanings);
 }
 
 Json ToJson(const RecordDescription &description, const void *record)
 {
-    return Document(description, record, nullptr);
+    std::string text;
+    AppendRecord(text, description, record, nullptr);
+    return Json::parse(text);
+}
+
+Json ToJson(const RecordDescription &description, const void *record, const RecordMeanings &meanings)
+{
+    std::string text;
+    AppendRecord(text, description, record, &meanings);
+    return Json::parse(text);
 }
 
 } // namespace manager

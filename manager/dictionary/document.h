@@ -6,7 +6,11 @@
 
 namespace manager {
 
-/** The whole record with its lists, and with what the meanings and the standards say of each record in it. */
+/** Appends the whole record with its lists, and with what the meanings and the standards say of each record in it. */
+void AppendJson(std::string &out, const RecordDescription &description, const void *record,
+                const RecordMeanings &meanings);
+
+/** The same as a value. */
 Json ToJson(const RecordDescription &description, const void *record, const RecordMeanings &meanings);
 
 /** The fields alone, as a key is written. */

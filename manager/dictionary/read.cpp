@@ -136,6 +136,8 @@ std::map<uint64_t, std::string> ReadWords(const Node::Table &table, uint64_t mos
         if (!number || *number > most)
             Refuse(member.line, member.name, fmt::format("must be a number from 0 to {}", most));
         const std::string &word = TextOf(member);
+        if (word.find_first_of("\"\\") != std::string::npos)
+            Refuse(member.node.line, member.name, fmt::format("the word '{}' has a quote or a backslash", word));
         const bool isTaken =
             std::any_of(words.begin(), words.end(), [&](const auto &other) { return other.second == word; });
         if (word.empty() || isTaken)

@@ -1,5 +1,5 @@
 // The document and the messages. JSON is written piece by piece, since a walk of any length must neither wait for its
-// end nor grow in memory; each piece comes from the JSON library, so that nothing is quoted by hand.
+// end nor grow in memory.
 #include "tools/rsvpctl/print/output.h"
 
 #include "manager/dictionary/document.h"
@@ -368,10 +368,7 @@ bool Output::Line(const Json &document, const std::string &text)
 
 bool Output::ListRow(const Json &row, const std::string &text)
 {
-    if (IsJson())
-        text_ += (rows_ == 0 ? "" : ",") + JsonText(row) + "\n";
-    else
-        text_ += text;
+    text_ += IsJson() ? (rows_ == 0 ? "" : ",") + JsonText(row) + "\n" : text;
     ++rows_;
     return Flush();
 }
@@ -404,7 +401,11 @@ bool Output::Row(const void *record)
         return ListRow(nullptr, (rows_ == 0 ? Heading(layout_->Header()) : "") + layout_->Row(record));
     if (style_ == Style::Detail)
         return ListRow(nullptr, (rows_ == 0 ? "" : "\n") + detail_(record));
-    return ListRow(ToJson(table_->row(), record, Names().Of(table_->row())), "");
+    text_ += rows_ == 0 ? "" : ",";
+    AppendJson(text_, table_->row(), record, Names().Of(table_->row()));
+    text_ += '\n';
+    ++rows_;
+    return Flush();
 }
 
 Exit Output::EndRows(const WalkResult &result)
