@@ -52,7 +52,7 @@ say "A device of plain files stands in for the router, and a simulated daemon fo
 printf '\n$ export RSVP_HOST_DIR=%s\n' "$device"
 
 say "Nothing is running yet, and the tool says so."
-run_refused 5 rsvpctl set interface 3
+run_refused 5 rsvpctl set interface 4
 
 say "Start the service: first on the master, then on the two standby nodes."
 enabled=yes
@@ -64,22 +64,28 @@ say "The service manager keeps a file for each standby node: 1 means running."
 run grep . "$device/service/2" "$device/service/3"
 
 say "Switch RSVP on for an interface and configure a peer. Each is one request and one confirmation."
-run rsvpctl set interface 3
+run rsvpctl set interface 4
 run rsvpctl set peer 10.0.0.9
 
-say "Both show up in the tables. The first word of a neighbour is its address: 167772169 is 10.0.0.9."
+say "Both show up in the tables, under the names that the dictionary of the simulated daemon gives."
 run rsvpctl show interface-config
 run rsvpctl show neighbours
 
 say "Some settings of the daemon, and of the interface."
 run rsvpctl set refresh-interval 45
 run rsvpctl set hello-interval 5
-run rsvpctl set hello --interface 3
-run rsvpctl show interface-config 3
+run rsvpctl set hello --interface 4
+run rsvpctl show interface-config 4
 
-say "What is signalled: tunnels, and the path state behind them."
+say "What is signalled: tunnels, their LSPs, and the path state behind them."
 run rsvpctl show tunnels
+run rsvpctl show crlsp
 run rsvpctl show psb
+
+say "Fast reroute: what tunnel 100 asks for, and the bypass that it has found."
+run rsvpctl show frr general
+run rsvpctl show frr facility
+run rsvpctl show hops extended
 
 say "A point-to-multipoint LSP with its leaves."
 run rsvpctl tree --key 500,10.0.0.1,10.0.0.1,50,1,0,0,0,0,0,0

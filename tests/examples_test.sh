@@ -56,6 +56,7 @@ ask_cache() {
 }
 
 rows="tunnel 300 from 10.0.0.4 to 10.0.0.1, LSP 1, came over 10.1.24.4 10.1.12.2
+tunnel 900 from 10.0.0.1 to 10.0.0.2, LSP 1, came over 10.1.13.1
 tunnel 100 from 10.0.0.1 to 10.0.0.4, LSP 1, came over 10.1.12.1
 tunnel 200 from 10.0.0.5 to 10.0.0.4, LSP 1, came over 10.1.15.5 10.1.12.1"
 for walk in walk walk_cpp; do

@@ -95,5 +95,6 @@ tr '\0' ' ' <"/proc/$(cat "$RSVP_HOST_DIR/rsvpsimd.lock")/cmdline" | grep -F "$p
 
 step "the program of the README"
 [ "$(LD_LIBRARY_PATH="$library" "$work/pkgconfig/readme")" = "tunnel 300, LSP 1, 2 hops
+tunnel 900, LSP 1, 1 hops
 tunnel 100, LSP 1, 1 hops
 tunnel 200, LSP 1, 2 hops" ]

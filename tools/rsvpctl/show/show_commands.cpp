@@ -28,7 +28,7 @@ struct GroupSpec {
 };
 
 constexpr GroupSpec kGroups[] = {
-    {"frr", "Fast reroute tables", "facility\ngeneral --key 100,1,10.0.0.1"},
+    {"frr", "Fast reroute tables", "facility\ngeneral --key 0,100,1"},
     {"hops", "Hops of tunnels", "computed\nactual --key 100,1\nextended"},
     {"p2mp", "Point-to-multipoint state", "crlsp\npsb --json\ncrlsp --key 500,10.0.0.1,10.0.0.1,50,1,0,0,0,0,0,0"},
 };
