@@ -40,26 +40,81 @@ Value ValueFor(const Field &field, size_t seed)
     return Bytes(field.width, static_cast<uint8_t>(seed));
 }
 
-// Fields that decide something: which form an object has, and which role a tunnel has.
-std::optional<uint64_t> ChoiceFor(std::string_view name, size_t variant)
+// Fields whose numbers stand for something: which form an object has, a state, a role, an address.
+struct Choice {
+    std::string_view name;
+    uint64_t first;
+    uint64_t count; // the variants have the numbers from the first on, in turn
+};
+constexpr Choice kChoices[] = {
+    {"labelRequest.kind", 0, 4},
+    {"sessionAttr.kind", 0, 4},
+    {"authEndBytes", 0x0020, 1},
+    {"authEntryBytes", 0, 1},
+    {"authEntryShort", 0, 2},
+    {"cHopWord0", 1, 2},
+    {"cHopWord1", 32, 1},
+    {"extArHopBytes", 0x07010000, 1},
+    {"facilityWord4", kNetwork + 1, 1},
+    {"facilityWord5", kNetwork + 2, 1},
+    {"facilityWord9", 1, 3},
+    {"frrWord3", 1, 2},
+    {"frrWord4", 4, 4},
+    {"frrWord5", 0, 4},
+    {"holdingPriority", 0, 4},
+    {"hopAddrBytes", kNetwork + 1, kVariants},
+    {"hopAddrKind", 1, 1},
+    {"ifBytes1", 0x0100, 2},
+    {"ifBytes2", 0x0002, 1},
+    {"ifConfig", 1, 4},
+    {"keyWord1", kNetwork + 1, 1},
+    {"keyWord2", kNetwork + 2, 1},
+    {"lspByte0", 1, 2},
+    {"nbrBytes", 0x01000000, 1},
+    {"nbrWord3", 1, 3},
+    {"pathWord0", kNetwork + 1, kVariants},
+    {"pathWord1", kNetwork + 6, kVariants},
+    {"setupPriority", 4, 4},
+    {"style", 0x12, 1},
+    {"subByte", 1, 2},
+    {"tailByte0", 1, 2},
+    {"tailByte1", 1, 3},
+    {"tailByte2", 0, 3},
+    {"tunnelByte", 0, 2},
+    {"tunnelRole", 1, 3},
+    {"tunnelShort0", 4, 4},
+    {"tunnelShort1", 0, 4},
+    {"tunnelTail", 0x0101, 2},
+    {"tunnelWord2", kNetwork + 1, 1},
+    {"tunnelWord3", kNetwork + 2, 1},
+};
+
+std::optional<Value> ChoiceFor(const Field &field, size_t variant)
 {
-    if (name == "tunnelRole")
-        return variant % 3 + 1;
-    if (name.ends_with("labelRequest.kind") || name.ends_with("sessionAttr.kind"))
-        return variant % 4;
-    return std::nullopt;
+    const auto *choice = std::ranges::find_if(kChoices, [&](const Choice &one) {
+        return field.name == one.name || field.name.ends_with(fmt::format(".{}", one.name));
+    });
+    if (choice == std::end(kChoices))
+        return std::nullopt;
+    const uint64_t number = choice->first + variant % choice->count;
+    if (field.order != Order::Raw || field.width == 1)
+        return number;
+    Bytes bytes(field.width); // the number is at its front
+    StoreNet(std::span(bytes).first(std::min<size_t>(field.width, 4)), number);
+    return bytes;
 }
 
 Record FillFields(const Layout &layout, const std::string &prefix, size_t variant)
 {
     Record own;
     for (const Field &field : layout.fields)
-        if (const auto choice = ChoiceFor(field.name, variant))
-            own.insert_or_assign(field.name, Value(*choice));
+        if (auto choice = ChoiceFor(field, variant); choice && !field.form)
+            own.emplace(field.name, std::move(*choice));
+    // Now the form of each object is known.
     size_t seed = variant + 1;
     for (const Field &field : layout.fields)
         if (FindField(layout, field.name, KindsOf(own)) == &field)
-            own.try_emplace(field.name, ValueFor(field, seed++));
+            own.try_emplace(field.name, ChoiceFor(field, variant).value_or(ValueFor(field, seed++)));
     Record record;
     for (auto &[name, value] : own)
         record.emplace(prefix + name, std::move(value));
