@@ -50,16 +50,16 @@ void AllowOnly(const Node::Table &table, std::initializer_list<std::string_view>
 {
     for (const Member &member : table) {
         if (std::find(names.begin(), names.end(), member.name) == names.end())
-            Refuse(member.line, member.name, fmt::format("there is no such key here, only {}", fmt::join(names, ", ")));
+            Refuse(member.line, member.name,
+                   fmt::format("there is no such key here, only {}", fmt::join(names, ", ")));
     }
 }
 
 bool IsName(std::string_view text)
 {
     const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
-    return !text.empty() && isLetter(text.front()) && std::all_of(text.begin(), text.end(), [&](char c) {
-        return isLetter(c) || (c >= '0' && c <= '9');
-    });
+    return !text.empty() && isLetter(text.front()) &&
+           std::all_of(text.begin(), text.end(), [&](char c) { return isLetter(c) || (c >= '0' && c <= '9'); });
 }
 
 const std::string &NameIn(const Member &member)
@@ -77,8 +77,8 @@ bool HoldsRecords(const Field &field)
 
 const Field *FindField(const RecordDescription &record, std::string_view name)
 {
-    const auto field = std::find_if(record.fields.begin(), record.fields.end(),
-                                    [&](const Field &one) { return name == one.name; });
+    const auto field =
+        std::find_if(record.fields.begin(), record.fields.end(), [&](const Field &one) { return name == one.name; });
     return field == record.fields.end() ? nullptr : &*field;
 }
 
@@ -110,6 +110,8 @@ Form UsualForm(const Field &field, bool isPart)
 std::string Misfit(Form form, const Meaning &meaning)
 {
     const bool isWide = meaning.width > sizeof(uint64_t);
+    if (meaning.kind == FieldKind::Text && form != Form::Text)
+        return "takes a number, and here is a text";
     switch (form) {
     case Form::Address:
     case Form::Single:
@@ -119,9 +121,9 @@ std::string Misfit(Form form, const Meaning &meaning)
     case Form::Text:
         if (meaning.kind == FieldKind::Secret)
             return "would show a key";
-        if (form == Form::Text && meaning.kind == FieldKind::Text)
-            return "";
-        return meaning.kind == FieldKind::Bytes ? "" : "takes bytes, and here is a number";
+        return meaning.kind == FieldKind::Bytes || meaning.kind == FieldKind::Text
+                   ? ""
+                   : "takes bytes, and here is a number";
     default:
         return isWide ? fmt::format("takes at most 8 bytes, and here are {}", meaning.width) : "";
     }
@@ -141,33 +143,39 @@ std::map<uint64_t, std::string> ReadWords(const Node::Table &table, uint64_t mos
         const bool isTaken =
             std::any_of(words.begin(), words.end(), [&](const auto &other) { return other.second == word; });
         if (word.empty() || isTaken)
-            Refuse(member.node.line, member.name, fmt::format("the word '{}' is {}", word, isTaken ? "taken" : "empty"));
-        words.emplace(*number, word);
+            Refuse(member.node.line, member.name,
+                   fmt::format("the word '{}' is {}", word, isTaken ? "taken" : "empty"));
+        if (!words.emplace(*number, word).second)
+            Refuse(member.line, member.name, fmt::format("the number {} has a word already", *number));
     }
     return words;
+}
+
+void TakeForm(const Member &member, Form form, Meaning &meaning)
+{
+    if (const std::string problem = Misfit(form, meaning); !problem.empty())
+        Refuse(member.node.line, member.name, fmt::format("the form '{}' {}", NameOf(form), problem));
+    meaning.form = form;
 }
 
 // `as` is the name of a form, an enumeration { 1 = "up" }, or { bits = { 0 = "rsvp" } }.
 void ReadForm(const Member &member, Meaning &meaning)
 {
     if (const auto *table = member.node.As<Node::Table>()) {
-        if (meaning.width > sizeof(uint64_t))
-            Refuse(member.node.line, member.name, "no number of more than 8 bytes has words");
         const Member *bits = FindMember(*table, "bits");
         if (bits != nullptr)
             AllowOnly(*table, {"bits"});
-        meaning.form = bits != nullptr ? Form::Bits : Form::Enumeration;
+        TakeForm(member, bits != nullptr ? Form::Bits : Form::Enumeration, meaning);
         meaning.words = bits != nullptr ? ReadWords(TableOf(*bits), meaning.width * 8 - 1)
                                         : ReadWords(*table, MaximumOf(meaning.width));
         return;
     }
     const std::string &name = TextOf(member);
-    const auto *form = std::find_if(std::begin(kForms), std::end(kForms), [&](Form one) { return name == NameOf(one); });
+    const auto *form =
+        std::find_if(std::begin(kForms), std::end(kForms), [&](Form one) { return name == NameOf(one); });
     if (form == std::end(kForms))
         Refuse(member.node.line, member.name, fmt::format("there is no form '{}'", name));
-    if (const std::string problem = Misfit(*form, meaning); !problem.empty())
-        Refuse(member.node.line, member.name, fmt::format("the form '{}' {}", name, problem));
-    meaning.form = *form;
+    TakeForm(member, *form, meaning);
 }
 
 void ReadUnit(const Member &member, Meaning &meaning)
@@ -176,7 +184,8 @@ void ReadUnit(const Member &member, Meaning &meaning)
     if (std::find(std::begin(kUnits), std::end(kUnits), meaning.unit) == std::end(kUnits))
         Refuse(member.node.line, member.name,
                fmt::format("there is no unit '{}', only {}", meaning.unit, fmt::join(kUnits, ", ")));
-    const bool isQuantity = meaning.form == Form::Number || meaning.form == Form::Signed || meaning.form == Form::Single;
+    const bool isQuantity =
+        meaning.form == Form::Number || meaning.form == Form::Signed || meaning.form == Form::Single;
     if (!isQuantity)
         Refuse(member.node.line, member.name, "only numbers and singles have a unit");
 }
@@ -190,6 +199,8 @@ void ReadMeaning(const Member &member, const Node::Table &table, Meaning &meanin
     meaning.name = NameIn(*name);
     if (const Member *as = FindMember(table, "as"))
         ReadForm(*as, meaning);
+    else
+        TakeForm(member, meaning.form, meaning);
     if (meaning.form == Form::Rate)
         meaning.unit = "B/s";
     if (const Member *unit = FindMember(table, "unit"))
@@ -229,7 +240,8 @@ Meaning ReadPart(const Member &member, const Field &field, const Node::Table &ta
         const auto width = given == nullptr ? 1 : static_cast<uint32_t>(NumberIn(*given, UINT16_MAX));
         if (width == 0 || width > field.width - first)
             Refuse(given == nullptr ? member.node.line : given->node.line, member.name,
-                   fmt::format("a part of {} bytes from byte {} is beyond its field, which has {}", width, first, field.width));
+                   fmt::format("a part of {} bytes from byte {} is beyond its field, which has {}", width, first,
+                               field.width));
         Place(field, field.offset + first, width, true, meaning);
         meaning.field = width == 1 ? fmt::format("{}[{}]", field.name, first)
                                    : fmt::format("{}[{}..{}]", field.name, first, first + width - 1);
@@ -361,7 +373,8 @@ FoundField FindPath(const RecordDescription &record, std::string_view path)
     return inside;
 }
 
-// A field of the row for each field of the key or for a run of them; 0 for one that stays 0, as do those after the last.
+// A field of the row for each field of the key or for a run of them; 0 for one that stays 0, as do those after the
+// last.
 std::vector<KeyPart> ReadNextKey(const Member &member, const TableShape &table)
 {
     const std::vector<Leaf> leaves = Leaves(*table.key);
@@ -381,12 +394,15 @@ std::vector<KeyPart> ReadNextKey(const Member &member, const TableShape &table)
         const auto [field, offset] = FindPath(*table.row, *name);
         if (field == nullptr)
             Refuse(element.line, member.name, fmt::format("{} has no field '{}'", table.row->name, *name));
-        const uint32_t begin = leaves[next].offset;
-        parts.push_back({offset, field->width, begin});
-        while (next < leaves.size() && leaves[next].offset < begin + field->width)
+        // Bytes are copied as they lie, so a field takes the place of whole fields of the key, no more and no less.
+        const Leaf &first = leaves[next];
+        parts.push_back({offset, field->width, first.offset});
+        uint32_t filled = 0;
+        while (next < leaves.size() && filled < field->width) {
+            filled = leaves[next].offset + leaves[next].field->width - first.offset;
             ++next;
-        const uint32_t end = next == leaves.size() ? table.key->size : leaves[next].offset;
-        if (begin + field->width > end)
+        }
+        if (filled != field->width || IsRawBytes(*field) != IsRawBytes(*first.field))
             Refuse(element.line, member.name, fmt::format("'{}' does not fit the key", *name));
     }
     return parts;
@@ -399,7 +415,8 @@ std::vector<std::string> ReadColumns(const Member &member, const TableShape &tab
         const auto *name = element.As<std::string>();
         const auto isIt = [&](const PlacedMeaning &placed) { return placed.meaning->name == *name; };
         const auto named = AllMeanings(*table.row, meanings);
-        if (name == nullptr || (std::none_of(named.begin(), named.end(), isIt) && FindPath(*table.row, *name).field == nullptr))
+        if (name == nullptr ||
+            (std::none_of(named.begin(), named.end(), isIt) && FindPath(*table.row, *name).field == nullptr))
             Refuse(element.line, member.name,
                    fmt::format("{} has nothing of the name '{}'", table.row->name, name == nullptr ? "" : *name));
         if (std::find(columns.begin(), columns.end(), *name) != columns.end())
@@ -433,7 +450,8 @@ try {
     if (const Member *records = FindMember(top, "record")) {
         for (const Member &member : TableOf(*records)) {
             const auto all = AllRecords();
-            const auto record = std::find_if(all.begin(), all.end(), [&](const auto *one) { return member.name == one->name; });
+            const auto record =
+                std::find_if(all.begin(), all.end(), [&](const auto *one) { return member.name == one->name; });
             if (record == all.end())
                 Refuse(member.line, member.name, "there is no such record");
             records_[member.name] = ReadRecord(**record, TableOf(member));
@@ -445,8 +463,8 @@ try {
 
     if (const Member *sections = FindMember(top, "table")) {
         for (const Member &member : TableOf(*sections)) {
-            const auto table =
-                std::find_if(tables.begin(), tables.end(), [&](const TableShape &one) { return member.name == one.name; });
+            const auto table = std::find_if(tables.begin(), tables.end(),
+                                            [&](const TableShape &one) { return member.name == one.name; });
             if (table == tables.end())
                 Refuse(member.line, member.name, "there is no such table");
             AllowOnly(TableOf(member), {"next-key", "columns"});
