@@ -55,7 +55,7 @@ install(FILES ${CMAKE_BINARY_DIR}/rsvp_mor.pc DESTINATION ${RSVP_MOR_PKGCONFIG_D
 install(FILES docs/man/librsvp_mor.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3 COMPONENT development)
 install(DIRECTORY examples docs DESTINATION ${RSVP_MOR_SHARE_DIR} COMPONENT development
   FILES_MATCHING PATTERN "*.c" PATTERN "*.hpp" PATTERN "*.md"
-  PATTERN "walk.cpp" PATTERN "man" EXCLUDE)
+  PATTERN "walk.cpp" PATTERN "man" EXCLUDE PATTERN "dictionary.md" EXCLUDE)
 
 # ---- Programs ----------------------------------------------------------------------------------------------------
 
@@ -63,7 +63,7 @@ if(RSVP_MOR_PLATFORM STREQUAL "host")
   set_target_properties(rsvpctl rsvpsimd PROPERTIES INSTALL_RPATH "$ORIGIN/${RSVP_MOR_BIN_TO_LIB}")
   # Both lie in the same folder: the stand-in looks for the daemon on the PATH.
   install(TARGETS rsvpctl rsvpsimd DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
-  install(DIRECTORY host/scenarios DESTINATION ${RSVP_MOR_SHARE_DIR} COMPONENT tools)
+  install(DIRECTORY host/scenarios host/dictionaries DESTINATION ${RSVP_MOR_SHARE_DIR} COMPONENT tools)
   # The tool knows its own words best.
   set(RSVP_MOR_COMPLETION_DIR ${CMAKE_BINARY_DIR}/completion)
   file(MAKE_DIRECTORY ${RSVP_MOR_COMPLETION_DIR})
@@ -76,6 +76,7 @@ if(RSVP_MOR_PLATFORM STREQUAL "host")
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)
   install(FILES ${RSVP_MOR_COMPLETION_DIR}/_rsvpctl
     DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT tools)
+  install(FILES docs/dictionary.md DESTINATION ${RSVP_MOR_SHARE_DIR}/docs COMPONENT tools)
   install(FILES tools/rsvpctl/rsvpctl.schema.json DESTINATION ${RSVP_MOR_SHARE_DIR} COMPONENT tools)
   install(FILES docs/man/rsvpctl.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
   install(FILES docs/man/rsvpsimd-scenario.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5 COMPONENT tools)

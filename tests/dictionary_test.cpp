@@ -211,6 +211,32 @@ TEST(Dictionary, IsLookedForInItsPlaces)
     EXPECT_THROW(found(directory.PathOf("large")), manager::DictionaryError);
 }
 
+std::string PageText()
+{
+    std::stringstream page;
+    page << std::ifstream(DICTIONARY_PAGE_PATH).rdbuf();
+    return page.str();
+}
+
+TEST(Dictionary, ThePageTellsWhatIsRead)
+{
+    const std::string page = PageText();
+    std::string example;
+    std::istringstream lines(page.substr(page.find("## By example")));
+    for (std::string line; std::getline(lines, line) && !line.starts_with("The file");)
+        example += line.starts_with("    ") ? line.substr(4) + "\n" : "\n";
+    EXPECT_NE(example.find("next-key"), std::string::npos);
+    EXPECT_EQ(Refusal(example), "");
+    for (int form = 0; form <= static_cast<int>(manager::Form::Text); ++form) {
+        const std::string name = NameOf(static_cast<manager::Form>(form));
+        EXPECT_NE(page.find("\n| `" + name + "` |"), std::string::npos) << name;
+    }
+    const std::string refusal = Refusal(example + "[record.RSVP_MOR_ReplyResource]\n"
+                                                  "resourceWord1 = { name = \"x\", unit = \"h\" }\n");
+    const std::string units = refusal.substr(refusal.find("only ") + 5);
+    EXPECT_NE(page.find("counts: " + units + " |"), std::string::npos) << refusal;
+}
+
 // ---- The simulated daemon ----
 
 const Dictionary &OfSimulatedDaemon()

@@ -173,8 +173,12 @@ void ReadForm(const Member &member, Meaning &meaning)
     const std::string &name = TextOf(member);
     const auto *form =
         std::find_if(std::begin(kForms), std::end(kForms), [&](Form one) { return name == NameOf(one); });
-    if (form == std::end(kForms))
-        Refuse(member.node.line, member.name, fmt::format("there is no form '{}'", name));
+    if (form == std::end(kForms)) {
+        std::vector<std::string_view> known;
+        std::transform(std::begin(kForms), std::end(kForms), std::back_inserter(known), NameOf);
+        Refuse(member.node.line, member.name,
+               fmt::format("there is no form '{}', only {}", name, fmt::join(known, ", ")));
+    }
     TakeForm(member, *form, meaning);
 }
 
