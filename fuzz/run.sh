@@ -6,7 +6,7 @@ seconds=${1:-60}
 cd "$(dirname "$0")/.."
 build=build/fuzz
 flags="-O1 -gline-tables-only -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all"
-harnesses="fuzz_operation fuzz_items fuzz_daemon fuzz_scenario"
+harnesses="fuzz_operation fuzz_items fuzz_daemon fuzz_scenario fuzz_dictionary"
 
 cmake -S . -B $build -DCMAKE_BUILD_TYPE=None -DRSVP_MOR_FUZZ=ON \
   -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_C_FLAGS="$flags" -DCMAKE_CXX_FLAGS="$flags" >/dev/null

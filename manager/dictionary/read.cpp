@@ -398,15 +398,18 @@ std::vector<KeyPart> ReadNextKey(const Member &member, const TableShape &table)
         const auto [field, offset] = FindPath(*table.row, *name);
         if (field == nullptr)
             Refuse(element.line, member.name, fmt::format("{} has no field '{}'", table.row->name, *name));
-        // Bytes are copied as they lie, so a field takes the place of whole fields of the key, no more and no less.
-        const Leaf &first = leaves[next];
-        parts.push_back({offset, field->width, first.offset});
+        // Bytes are copied as they lie, so each field of what is copied has the width of that of the key.
+        const uint32_t begin = leaves[next].offset;
+        parts.push_back({offset, field->width, begin});
         uint32_t filled = 0;
-        while (next < leaves.size() && filled < field->width) {
-            filled = leaves[next].offset + leaves[next].field->width - first.offset;
-            ++next;
-        }
-        if (filled != field->width || IsRawBytes(*field) != IsRawBytes(*first.field))
+        const auto fits = [&](const Leaf &one) {
+            const Leaf *place = next < leaves.size() ? &leaves[next++] : nullptr;
+            filled += one.field->width;
+            return place != nullptr && place->offset == begin + one.offset &&
+                   place->field->width == one.field->width && IsRawBytes(*place->field) == IsRawBytes(*one.field);
+        };
+        const auto given = HoldsRecords(*field) ? Leaves(*field->record) : std::vector{Leaf{*name, field, 0}};
+        if (!std::all_of(given.begin(), given.end(), fits) || filled != field->width)
             Refuse(element.line, member.name, fmt::format("'{}' does not fit the key", *name));
     }
     return parts;
