@@ -143,7 +143,7 @@ TEST(Rsvpctl, SaysWhatItDidAndWhyNot)
         {"show tunnels", 0, "INGRESS", "3 rows, end of table"},
         {"show tunnels --dictionary none", 0, "tunnelWord2", "words have no names"},
         {"show tunnels --dictionary nothing.toml", 2, "", "nothing.toml: No such file"},
-        {"show tunnels index=1,instance=2,tunnelWord2=3,egress=0.0.0.4", 0, "0.0.0.3", ""},
+        {"show tunnels index=1,instance=2,tunnelWord2=167772161,egress=10.0.0.2", 0, "10.0.0.1", ""},
         {"dictionary check", 2, "", "takes a file"},
         {"show tunnels 1,2", 2, "", "tunnelIndex,tunnelInstance,ingressLsrId,egressLsrId"},
         {"show tunnels --key tunnelIndex=1,size=2,ingressLsrId=3,egressLsrId=4", 2, "", "'size'"},
