@@ -239,8 +239,9 @@ docs)
   ;;
 package)
   need_host
-  need dpkg-dev file
+  need dpkg-dev file pkg-config
   cmake/package.sh build/packages
+  tests/install_test.sh "$PWD/build/packages/build" # with the prefix of the packages
   ;;
 clean)
   say "removing build/"

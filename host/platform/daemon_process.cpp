@@ -75,7 +75,7 @@ bool Runs(const std::string &program)
     return access(program.c_str(), X_OK) == 0;
 }
 
-// $RSVP_SIMD, else beside this library, else in the bin folder next to the library's, else on the PATH.
+// $RSVP_SIMD, else beside this library, else where programs are installed, as seen from there, else on the PATH.
 std::string FindProgram()
 {
     if (const char *chosen = std::getenv("RSVP_SIMD"); chosen != nullptr && *chosen != '\0')
@@ -84,7 +84,7 @@ std::string FindProgram()
     Dl_info self;
     if (dladdr(reinterpret_cast<const void *>(&StartDaemon), &self) != 0 && self.dli_fname != nullptr) {
         const auto library = std::filesystem::path(self.dli_fname).parent_path();
-        folders = {library, library / "../bin"};
+        folders = {library, library / LIBRARIES_TO_PROGRAMS};
     }
     if (const char *path = std::getenv("PATH"); path != nullptr) {
         std::istringstream parts(path);
