@@ -19,7 +19,7 @@ Usage: ./build.sh VERB
   fuzz [SECONDS]   run each fuzz harness (60 seconds each if not told otherwise)
   soak [SECONDS]   many programs against a daemon that misbehaves (60 seconds if not told otherwise)
   docs             make the HTML reference and docs/protocol.md
-  package          make the Debian packages, into build/packages
+  package          make the Debian packages, into build/packages, twice and with the same bytes
   clean            remove everything that was built
   help             this text
 TEXT
