@@ -195,7 +195,7 @@ big-endian)
 threads)
   need_tests
   build_target thread threads_test -DRSVP_MOR_TESTS=ON # and the daemon that it starts: nothing else has threads
-  test_preset thread -R threads_test
+  test_preset thread -R '^(threads_test.*|elf)$'
   ;;
 memory)
   need_tests
