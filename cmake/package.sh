@@ -1,7 +1,7 @@
 #!/bin/bash
-# Makes the Debian packages and says what they hold. try_packages.sh then uses them as their user would. All of it is done
-# twice, the second time with a copy of the sources in another place: only who gets the same bytes can tell that a package
-# was made from these sources.
+# Makes the Debian packages and says what they hold. They are made twice, the second time from a copy of the sources in
+# another place: a package shows that it was made from certain sources only if others get the same bytes from them.
+# try_packages.sh then uses them as their user would.
 #
 #     package.sh OUTPUT_FOLDER
 set -euo pipefail
