@@ -18,6 +18,7 @@ extern "C" {
 void *__real_malloc(size_t size);
 void __real_free(void *block);
 int __real_close(int fd);
+void *__real_memset(void *area, int byte, size_t size);
 }
 
 namespace scripted {
@@ -176,6 +177,13 @@ int __wrap_close(int fd)
     return 0;
 }
 
+void *__wrap_memset(void *area, int byte, size_t size)
+{
+    if (area == world.area && byte == 0)
+        world.wiped = size;
+    return __real_memset(area, byte, size);
+}
+
 void *__wrap_malloc(size_t size)
 {
     if (++world.allocations == world.failingAllocation)
@@ -207,6 +215,8 @@ void __wrap_free(void *block)
 
 uint32_t STLV_Set(void *buf, uint16_t room, uint16_t type, uint16_t length, const void *value)
 {
+    if (world.rooms.empty())
+        world.area = static_cast<char *>(buf) - 8;
     world.rooms.push_back(room);
     const Bytes item = Item(type, Bytes(static_cast<const char *>(value), length));
     memcpy(buf, item.data(), item.size());

@@ -30,6 +30,8 @@ struct World {
     std::vector<std::string> calls; // all except those of the item library
     std::vector<uint32_t> rooms;    // of the items written
     Bytes request;                  // the last message sent
+    void *area = nullptr;           // where the request is built
+    size_t wiped = 0;               // bytes of it, when it was built
     std::set<int> descriptors;
     std::map<void *, size_t> blocks; // on the heap, with their sizes
     std::set<void *> freed;          // kept until the next Reset, so that a second free is seen
