@@ -14,6 +14,7 @@
 #include "tools/rsvpctl/watch/row_changes.h"
 
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fmt/format.h>
@@ -748,6 +749,9 @@ TEST(Rsvpctl, EnablesAndDisablesTheNodesOfOneDeviceAlone)
     EXPECT_EQ(Ctl(device, "enable").exit, 0); // all of it is done already
     EXPECT_EQ(device.Read("service/8") + device.Read("service/9"), "1\n1\n");
     const std::string pid = device.Read(rsvp_host::kLockFile);
+    kill(std::stoi(pid), SIGSTOP);
+    EXPECT_EQ(Ctl(device, "enable").exit, 4) << "a daemon that hangs";
+    kill(std::stoi(pid), SIGCONT);
     EXPECT_EQ(Ctl(other, "status").exit, 5);
 
     EXPECT_EQ(Ctl(other, "enable").exit, 0);
@@ -759,7 +763,7 @@ TEST(Rsvpctl, EnablesAndDisablesTheNodesOfOneDeviceAlone)
     EXPECT_EQ(device.Read(rsvp_host::kLockFile), pid);
 
     EXPECT_EQ(Ctl(device, "disable").exit, 0);
-    EXPECT_EQ(device.Read("service/8") + device.Read("service/9"), "0\n0\n");
+    EXPECT_EQ(device.Read("service/8") + device.Read("service/9"), "");
     EXPECT_NE(access(device.PathOf(rsvp_host::kSocketFile).c_str(), F_OK), 0);
     const json status = CtlJson(device, "status");
     EXPECT_EQ(status["record"]["service"], "stopped");

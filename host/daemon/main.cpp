@@ -4,6 +4,7 @@
 #include "host/daemon/options.h"
 #include "host/daemon/server.h"
 #include "host/directory.h"
+#include "process/hardening.h"
 #include "process/standard_streams.h"
 
 #include <csignal>
@@ -56,6 +57,7 @@ int Serve(rsvpsimd::Daemon &daemon, const rsvpsimd::Options &options)
 int main(int argc, char **argv)
 {
     process::OpenStandardStreams();
+    process::LeaveNoCore();
     try {
         int exitStatus = kDone;
         std::optional<rsvpsimd::Options> options = rsvpsimd::ReadOptions(argc, argv, exitStatus);
