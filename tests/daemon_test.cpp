@@ -367,15 +367,16 @@ TEST(Daemon, CountsWhatItDidAndWhatItRefused)
         std::string_view body;
         int times;
     } rows[] = {{0, 0, "00080000", 1}, {0, 0, "000f00020020", 2}, {1, 0, "", 1},
-                {3, 3, "00640000", 4}, {3, 5, "00640000", 5},     {4, 9, "", 1}};
+                {3, 3, "00640000", 4}, {3, 5, "00640000", 5},     {4, 9, "", 1},
+                {3, 3, "0006", 1}};
     for (const auto &row : rows)
         for (int i = 0; i < row.times; ++i)
             daemon.Answer(Request(row.msgClass, row.op, row.body));
     const Reply reply = daemon.Answer(Request(kShow, kGet, "00060000"));
     for (const auto &[field, shown] :
-         {std::pair{"statWord1", "1"}, std::pair{"statWord2", "4"}, std::pair{"statWord3", "4"},
-          std::pair{"statWord4", "5"}, std::pair{"counters1.countsA", "[4,0,0,4,0,5,0,"},
-          std::pair{"counters1.countsB", "[3,1,0,9,1,0,"}})
+         {std::pair{"statWord1", "1"}, std::pair{"statWord2", "5"}, std::pair{"statWord3", "4"},
+          std::pair{"statWord4", "5"}, std::pair{"counters1.countsA", "[5,0,0,4,0,5,0,"},
+          std::pair{"counters1.countsB", "[4,1,0,9,1,0,"}})
         EXPECT_TRUE(FieldOf(reply, *LayoutRef("globalInfo"), field).starts_with(shown))
             << field << " is " << FieldOf(reply, *LayoutRef("globalInfo"), field);
 }

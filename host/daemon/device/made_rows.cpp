@@ -49,7 +49,7 @@ uint64_t MadeRows::RankFrom(uint64_t number) const
 
 uint64_t MadeRows::NumberOf(uint64_t rank) const
 {
-    return rank / places_.size() * cycle_ + places_[rank % places_.size()];
+    return rank / places_.size() * cycle_ + places_[static_cast<size_t>(rank % places_.size())];
 }
 
 } // namespace rsvpsimd
