@@ -637,11 +637,15 @@ TEST(Server, TriesAgainWhatTheSystemRefuses)
     Running running("late=1,class=9");
     const int fd = running.Connect();
     EXPECT_EQ(running.Ask(fd, kQuestion), kAnswer);
-    struct sigaction nothing {};
-    nothing.sa_handler = [](int) {};
-    sigaction(SIGUSR1, &nothing, nullptr);
-    for (int i = 0; i < 100; ++i) { // one of them meets a poll
+    static std::atomic<int> interruptions;
+    interruptions = 0;
+    struct sigaction count {};
+    count.sa_handler = [](int) { ++interruptions; };
+    sigaction(SIGUSR1, &count, nullptr);
+    for (int i = 0; i < 100; ++i) { // some of them meet a poll that has nothing to report
         pthread_kill(running.thread.native_handle(), SIGUSR1);
+        while (interruptions == i)
+            sched_yield();
         EXPECT_EQ(running.Ask(fd, kQuestion), kAnswer);
     }
     EXPECT_EQ(running.tellings, 0);
