@@ -548,7 +548,7 @@ private:
     }
 
     rsvpsimd::Instance instance_;
-    int stop_ = eventfd(0, 0);
+    int stop_ = eventfd(0, EFD_NONBLOCK);
     std::vector<rsvpsimd::Bytes> frames_;
     std::thread thread_;
 };
