@@ -456,14 +456,74 @@ TEST(Rsvpctl, WhatIsNotTextOrCannotBeWrittenIsNotSilence)
     const json batch = CtlJson(directory, "batch - --keep-going", "set peer \xff\nset peer 10.0.0.9\n");
     ASSERT_EQ(batch["rows"].size(), 2);
     EXPECT_EQ(batch["rows"][1]["exitStatus"], 0);
-    EXPECT_EQ(Ctl(directory, "batch -", "set 'peer \x1b[2J'\n").err.find('\x1b'), std::string::npos);
-
     // A descriptor that the caller closed is not the session's: the daemon gets requests and nothing else.
     for (const char *line : {"show tunnels", "show tunnels --json", "show global", "--help"}) {
         const Result result = Ctl(directory, line, "", program::Output::Closed);
         EXPECT_EQ(result.exit, 7) << line;
         EXPECT_NE(result.err.find("could not be written"), std::string::npos) << line << result.err;
     }
+}
+
+TEST(Rsvpctl, NothingFromOutsideSteersTheTerminal)
+{
+    const struct {
+        const char *text;
+        const char *shown;
+    } cases[] = {
+        {"plain", "plain"},
+        {"\x1b[2J\n\t\x7f", "\\x1b[2J\\x0a\\x09\\x7f"},
+        {"\xc2\x9b", "\\xc2\\x9b"}, // what begins a sequence in eight bits
+        {"\x9b \xff", "\\x9b \\xff"},
+        {"\xc1\x9b\xe0\x82\x9b\xf0\x80\x82\x9b",
+         "\\xc1\\x9b\\xe0\\x82\\x9b\\xf0\\x80\\x82\\x9b"}, // longer than need be
+        {"\xf8\x90\x80\x80\x80\xf4\x90\x80\x80", "\\xf8\\x90\\x80\\x80\\x80\\xf4\\x90\\x80\\x80"},
+        {"\xc2\xa0\xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80", "\xc2\xa0\xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80"},
+        {"\xe2\x82", "\\xe2\\x82"}, // cut
+    };
+    for (const auto &row : cases)
+        EXPECT_EQ(manager::HarmlessText(row.text), row.shown);
+
+    const HostDirectory directory;
+    const std::string hostile = "x\x1b[2J\xc2\x9b\x7fy";
+    directory.Write("key.json", "{\"x\\u001b[2J\xc2\x9b\x7fy\\nrsvpctl: z\": 1}");
+    directory.Write("commands", "set '" + hostile + "'\n");
+    std::filesystem::create_directory(directory.PathOf("etc"));
+    directory.Write("etc/te.conf", "plugin-option " + hostile + "=1\n");
+    for (const std::string &line :
+         {std::string("tree --key-file key.json"), std::string("batch commands"), "options '" + hostile + "'"}) {
+        for (const char *style : {"", " --json"}) {
+            const Result result = Ctl(directory, line + style);
+            const std::string all = result.out + result.err;
+            EXPECT_NE(all.find("[2J"), std::string::npos) << line;
+            EXPECT_EQ(all.find_first_of("\x1b\x9b\x7f"), std::string::npos) << line << style;
+            EXPECT_EQ(all.find("\nrsvpctl: z"), std::string::npos) << "a name is no message";
+        }
+    }
+}
+
+TEST(Rsvpctl, InputWithoutAnEndIsRefused)
+{
+    const HostDirectory directory;
+    const struct {
+        const char *line;
+        int exit;
+        const char *err;
+    } cases[] = {
+        {"tree --key-file /dev/zero", 2, "/dev/zero: has more than 65536 bytes"},
+        {"set auth-key --key-file /dev/zero", 2, "/dev/zero: a key has at most 68 bytes"},
+        {"batch /dev/zero --keep-going", 4, "/dev/zero:1: batch: the line has more than 65536 bytes"},
+        {"batch . --keep-going", 4, "the file cannot be read: Is a directory"},
+    };
+    for (const auto &row : cases) {
+        const Result result = Ctl(directory, row.line);
+        EXPECT_EQ(result.exit, row.exit) << row.line;
+        EXPECT_NE(result.err.find(row.err), std::string::npos) << row.line << "\n" << result.err;
+    }
+    const std::string cut("set peer 10.0.0.9\0x\n", 20);
+    EXPECT_EQ(CtlJson(directory, "batch -", cut)["rows"][0]["exitStatus"], 2)
+        << "what is behind a byte 0 is not dropped";
+    directory.Write("key.json", R"({"keyWord0": "10.0.0.9\u0000x"})");
+    EXPECT_NE(Ctl(directory, "tree --key-file key.json").err.find("keyWord0 takes"), std::string::npos);
 }
 
 TEST(Rsvpctl, ABatchIsNotTheKeyOfItsOwnLines)
@@ -835,6 +895,28 @@ TEST(Rsvpctl, AWatchTellsWhatChangedFromWhatWasNotSeen)
     Watched watched;
     for (const auto &poll : polls)
         EXPECT_EQ(watched.Poll(poll.rows, 1, poll.complete), poll.events) << &poll - polls;
+}
+
+TEST(Rsvpctl, AWatchOfATableWithoutAnEndEnds)
+{
+    constexpr size_t kMostBytes = 10000;
+    constexpr manager::KeyPart kKeys[] = {{"row", 0, 4}};
+    rsvpctl::RowChanges changes(kKeys, kMostBytes);
+    size_t number = 0;
+    const auto addRows = [&](size_t count) {
+        for (size_t i = 0; i < count; ++i)
+            changes.Row(fmt::format("{{\"row\":{}}}", number++), 1);
+    };
+    for (int poll = 0; poll < 100; ++poll) { // what is gone does not count
+        addRows(10);
+        changes.EndPoll(true, 1, nullptr);
+    }
+    for (int poll = 0; poll < 2; ++poll) { // what was not seen again does
+        addRows(10);
+        changes.EndPoll(false, 1, nullptr);
+    }
+    EXPECT_EQ(changes.Rows(), 30);
+    EXPECT_THROW(addRows(kMostBytes), std::length_error);
 }
 
 TEST(Rsvpctl, ADurationIsANumberWithAUnit)
