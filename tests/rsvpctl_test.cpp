@@ -464,6 +464,73 @@ TEST(Rsvpctl, WhatIsNotTextOrCannotBeWrittenIsNotSilence)
     }
 }
 
+std::string TextOf(const std::string &path)
+{
+    std::ostringstream text;
+    text << std::ifstream(path).rdbuf();
+    EXPECT_FALSE(text.str().empty()) << path;
+    return text.str();
+}
+
+// A page is commands, each behind "$ rsvpctl ", and what they print.
+TEST(Rsvpctl, ShowsEveryLineOfAPage)
+{
+    const std::string folder = PAGES_PATH;
+    const HostDirectory directory(TextOf(folder + "scenario.toml") +
+                                  TextOf(std::string(SCENARIOS_PATH) + "p2mp.toml"));
+    ASSERT_EQ(Ctl(directory, "enable").exit, 0);
+    for (const std::string name : {"details.txt", "tree.txt"}) {
+        const std::string page = TextOf(folder + name);
+        std::istringstream lines(page);
+        std::string printed;
+        for (std::string line; std::getline(lines, line);) {
+            if (line.starts_with("$ rsvpctl "))
+                printed += line + "\n" + Ctl(directory, line.substr(10)).out;
+        }
+        std::ofstream(name) << printed;
+        EXPECT_EQ(printed, page) << "if this is meant: cp " << std::filesystem::absolute(name).string() << " "
+                                 << folder;
+    }
+}
+
+TEST(Rsvpctl, ShowsTheRowsThatAllOfItsOptionsChoose)
+{
+    const HostDirectory directory("[rows]\npsb = 3\nrsb = 2\nphsb = 2\ncrlsp = 2\n"
+                                  "[[psb]]\nsession = { tunnelEndpoint = \"10.0.0.2\", tunnelId = 4, "
+                                  "extendedTunnelId = \"10.0.0.4\" }\n"
+                                  "sender = { senderAddress = \"10.0.0.10\", lspId = 13 }\n");
+    ASSERT_EQ(Ctl(directory, "enable").exit, 0);
+    const struct {
+        const char *line;
+        size_t rows;
+    } cases[] = {
+        {"show psb", 4},
+        {"show psb --end-point 10.0.0.2", 2},
+        {"show psb --end-point 10.0.0.2 --tunnel-id 3", 1},
+        {"show psb --end-point 10.0.0.2 --lsp-id 13", 1},
+        {"show psb --end-point 10.0.0.1 --lsp-id 13", 0},
+        {"show psb --sender 10.0.0.10 --tunnel-id 4", 1},
+        {"show psb --sender 10.0.0.11 --tunnel-id 4", 0},
+        {"show psb --sender 10.0.0.10 --lsp-id 12", 3},
+        {"show rsb --end-point 10.0.0.2 --lsp-id 3", 1}, // of one of its filters
+        {"show rsb --end-point 10.0.0.2 --lsp-id 5", 0},
+        {"show phsb --sender 10.0.0.3 --lsp-id 5", 1},
+        {"show phsb --sender 10.0.0.3 --lsp-id 4", 0}, // each of another filter
+        {"show crlsp --sender 0.0.0.3 --tunnel-id 4 --lsp-id 5", 2},
+        {"show crlsp --sender 0.0.0.3 --end-point 0.0.0.2", 1},
+        {"show crlsp --sender 0.0.0.3 --tunnel-id 4 --lsp-id 6", 0},
+        {"show crlsp --after 0.0.0.1,0.0.0.2,0.0.0.3,4,5,06060605", 2}, // the bytes belong to the key
+        {"show crlsp --after 0.0.0.1,0.0.0.2,0.0.0.3,4,5,06060606", 1},
+    };
+    for (const auto &row : cases)
+        EXPECT_EQ(CtlJson(directory, row.line)["rows"].size(), row.rows) << row.line;
+    for (const char *bytes : {"060606", "0606060606", "0606060g", "0x060606"}) {
+        const Result result = Ctl(directory, fmt::format("show crlsp --after 1,2,3,4,5,{}", bytes));
+        EXPECT_EQ(result.exit, 2) << bytes;
+        EXPECT_NE(result.err.find("keyTail takes 8 hex digits"), std::string::npos) << result.err;
+    }
+}
+
 TEST(Rsvpctl, NothingFromOutsideSteersTheTerminal)
 {
     const struct {
@@ -538,6 +605,11 @@ TEST(Rsvpctl, ABatchIsNotTheKeyOfItsOwnLines)
         EXPECT_EQ(document["exitStatus"], 2) << name;
         EXPECT_EQ(document["rows"].size(), 1) << "the next line was not taken for the key";
     }
+    const std::pair<const char *, const char *> others[] = {
+        {"completion bash", "completion bash"}, {"batch other", "batch"}, {"watch status --count 1", "watch status"}};
+    for (const auto &[line, name] : others)
+        EXPECT_EQ(CtlJson(directory, "batch -", line)["rows"][0]["error"],
+                  std::string(name) + ": cannot be used in a batch");
     directory.Write("commands", "set auth-key --key-file key.txt\nset auth-key --key-file other\n");
     EXPECT_EQ(CtlJson(directory, "batch commands")["rows"][1]["exitStatus"], 2);
 }
@@ -791,6 +863,8 @@ TEST(Rsvpctl, AKeyThatIsNotOneIsRefusedByTheNameOfItsField)
         EXPECT_EQ(result.exit, row.exit) << row.text << "\n" << result.err;
         EXPECT_NE(result.err.find(row.err), std::string::npos) << row.text << "\n" << result.err;
     }
+    EXPECT_EQ(Ctl(directory, "tree --key-file -", file("\"keyWord0\": 1")).exit, 0);
+    EXPECT_NE(Ctl(directory, "tree --key-file -", "[1]").err.find("-: is not a JSON object"), std::string::npos);
     const std::string tree = "tree --key 1 0.0.0.0 0 0 0 0 0 0 0 0 0";
     EXPECT_EQ(Ctl(directory, tree).exit, 0);
     const Result noLeaf = Ctl(directory, tree + " --leaf 10.9.9.9");
