@@ -17,6 +17,7 @@ Usage: ./build.sh VERB
   check            warnings of clang, clang-tidy, cppcheck, format
   bench            measure the library against plain system calls; writes build/bench.json
   fuzz [SECONDS]   run each fuzz harness (60 seconds each if not told otherwise)
+  inject           let every system call of the programs fail, one after another
   soak [SECONDS]   many programs against a daemon that misbehaves (60 seconds if not told otherwise)
   docs             make the HTML reference and docs/protocol.md
   package          make the Debian packages, into build/packages, twice and with the same bytes
@@ -221,8 +222,14 @@ bench)
 fuzz)
   seconds=$(seconds_of "$@")
   need_tests
-  need clang libclang-rt-14-dev
+  need clang libclang-rt-14-dev llvm
   fuzz/run.sh "$seconds"
+  ;;
+inject)
+  need_host
+  need strace python3
+  build_preset host
+  tests/injection.py build/host/bin/rsvpctl build/host/bin/rsvpsimd host/scenarios
   ;;
 soak)
   seconds=$(seconds_of "$@")

@@ -86,7 +86,7 @@ Json ScalarToJson(const Field &field, const void *element)
 
 std::string JsonText(const Json &value)
 {
-    return value.dump(-1, ' ', false, Json::error_handler_t::replace);
+    return value.dump(-1, ' ', true, Json::error_handler_t::replace);
 }
 
 Json ToJson(const RecordDescription &description, const void *record)

@@ -1,6 +1,8 @@
 // Tables and the detail view. Both take their cells from the same place as JSON does, so that the three never differ.
 #include "tools/rsvpctl/print/render.h"
 
+#include "manager/record/text.h"
+
 #include <algorithm>
 #include <cstring>
 #include <fmt/format.h>
@@ -51,7 +53,7 @@ std::string Trimmed(std::string line)
     return line;
 }
 
-// A break inside a value is a line end and a tab; DetailText puts its own indent there.
+// Of an array alone: DetailText puts its own indent behind each line end.
 std::string ArrayText(const Json &array)
 {
     if (array.size() > kNumbersPerLine &&
@@ -76,7 +78,8 @@ void AddLines(const Json &value, const std::string &path, Lines &lines)
         for (size_t i = 0; i < value.size(); ++i)
             AddLines(value[i], fmt::format("{}[{}]", path, i), lines);
     } else {
-        lines.emplace_back(path, value.is_array() ? ArrayText(value) : PlainText(value));
+        lines.emplace_back(manager::HarmlessText(path),
+                           value.is_array() ? ArrayText(value) : manager::HarmlessText(PlainText(value)));
     }
 }
 

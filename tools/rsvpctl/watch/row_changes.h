@@ -41,9 +41,12 @@ using OnRowEvent = std::function<bool(const RowEvent &event)>;
 
 class RowChanges {
 public:
-    explicit RowChanges(std::span<const manager::KeyPart> keyParts);
+    static constexpr size_t kMostBytes = size_t{1} << 30;
 
-    /** A row that the poll read at `seconds`, as the text of its JSON object. */
+    explicit RowChanges(std::span<const manager::KeyPart> keyParts, size_t mostBytes = kMostBytes);
+
+    /** A row that the poll read at `seconds`, as the text of its JSON object. Throws std::length_error if the rows of
+     * this poll and the one before take more than the bytes that may be kept: a table need not have an end. */
     void Row(std::string_view text, double seconds);
 
     /**
@@ -73,8 +76,12 @@ private:
     ByKey MissingRows();
     void Tell(bool complete, double seconds, const OnRowEvent &onEvent);
 
+    static size_t BytesOf(const KnownRow &row) { return row.first.size() + sizeof(row); }
+
     std::vector<std::string> keyFields_;
     KnownRows rows_;
+    size_t mostBytes_;
+    size_t bytes_ = 0;                  // of rows_
     std::vector<const KnownRow *> new_; // of this poll, in the order of the table
     uint64_t poll_ = kReplaced + 1;
 };
