@@ -17,9 +17,10 @@ Usage: ./build.sh VERB
   check            warnings of clang, clang-tidy, cppcheck, format
   bench            measure the library against plain system calls; writes build/bench.json
   fuzz [SECONDS]   run each fuzz harness (60 seconds each if not told otherwise)
+  inject           let every system call of the programs fail, one after another
   soak [SECONDS]   many programs against a daemon that misbehaves (60 seconds if not told otherwise)
   docs             make the HTML reference and docs/protocol.md
-  package          make the Debian packages, into build/packages
+  package          make the Debian packages, into build/packages, twice and with the same bytes
   clean            remove everything that was built
   help             this text
 TEXT
@@ -195,7 +196,7 @@ big-endian)
 threads)
   need_tests
   build_target thread threads_test -DRSVP_MOR_TESTS=ON # and the daemon that it starts: nothing else has threads
-  test_preset thread -R threads_test
+  test_preset thread -R '^(threads_test.*|elf)$'
   ;;
 memory)
   need_tests
@@ -221,8 +222,14 @@ bench)
 fuzz)
   seconds=$(seconds_of "$@")
   need_tests
-  need clang libclang-rt-14-dev
+  need clang libclang-rt-14-dev llvm
   fuzz/run.sh "$seconds"
+  ;;
+inject)
+  need_host
+  need strace python3
+  build_preset host
+  tests/injection.py build/host/bin/rsvpctl build/host/bin/rsvpsimd host/scenarios
   ;;
 soak)
   seconds=$(seconds_of "$@")
@@ -239,8 +246,9 @@ docs)
   ;;
 package)
   need_host
-  need dpkg-dev file
+  need dpkg-dev file pkg-config
   cmake/package.sh build/packages
+  tests/install_test.sh "$PWD/build/packages/build" # with the prefix of the packages
   ;;
 clean)
   say "removing build/"

@@ -165,7 +165,7 @@ void Growth(State &state)
         for (std::vector<double> *times : {&few, &many}) {
             const size_t count = times == &few ? 10 : rows;
             const bench::Child daemon(
-                bench::StartDaemon(programs + "/rsvpsimd", "psb-plain=" + std::to_string(count)));
+                bench::StartDaemon(programs + "/rsvpsimd", {"--rows", "psb-plain=" + std::to_string(count)}));
             for (const size_t enough = times->size() + kCalls; times->size() < enough;)
                 Walk(*times);
         }
@@ -184,7 +184,7 @@ void Batch(State &state)
         lines << "set dscp 48\n";
     lines.close();
     const Bytes request = bench::CallOf(bench::Kind::Command).request;
-    const bench::Child daemon(bench::StartDaemon(programs + "/rsvpsimd", "tunnel=1"));
+    const bench::Child daemon(bench::StartDaemon(programs + "/rsvpsimd", {"--rows", "tunnel=1"}));
     std::vector<double> tool;
     std::vector<double> raw;
     for (auto _ : state) {
@@ -211,7 +211,8 @@ void TunnelWalk()
 void ShowTunnels(State &state)
 {
     constexpr int kRows = 20'000;
-    const bench::Child daemon(bench::StartDaemon(programs + "/rsvpsimd", "tunnel=" + std::to_string(kRows)));
+    const bench::Child daemon(
+        bench::StartDaemon(programs + "/rsvpsimd", {"--rows", "tunnel=" + std::to_string(kRows)}));
     std::vector<double> tool;
     std::vector<double> walk;
     for (auto _ : state) {
@@ -228,7 +229,7 @@ void Memory(State &state)
     std::vector<double> resident;
     for (auto _ : state) {
         for (const char *rows : {"tunnel=100", "tunnel=100000"}) {
-            const bench::Child daemon(bench::StartDaemon(programs + "/rsvpsimd", rows));
+            const bench::Child daemon(bench::StartDaemon(programs + "/rsvpsimd", {"--rows", rows}));
             resident.push_back(static_cast<double>(
                 RunProgram({programs + "/rsvpctl", "show", "tunnels", "--json"}, "/dev/null").resident));
         }

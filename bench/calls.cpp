@@ -17,6 +17,7 @@
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
+#include <vector>
 
 using namespace rsvpsimd;
 
@@ -206,11 +207,14 @@ pid_t StartCannedServer(const std::string &directory, const Bytes &body)
     }
 }
 
-pid_t StartDaemon(const std::string &program, const std::string &rows)
+pid_t StartDaemon(const std::string &program, const std::vector<std::string> &options)
 {
-    const char *words[] = {program.c_str(), "--rows", rows.c_str(), nullptr};
+    std::vector<const char *> words{program.c_str()};
+    for (const std::string &option : options)
+        words.push_back(option.c_str());
+    words.push_back(nullptr);
     pid_t child;
-    if (posix_spawn(&child, words[0], nullptr, nullptr, const_cast<char **>(words), environ) != 0)
+    if (posix_spawn(&child, words[0], nullptr, nullptr, const_cast<char **>(words.data()), environ) != 0)
         Fail("cannot start " + program);
     for (int tries = 0; tries < 1000; ++tries) {
         if (const int fd = RSVP_MOR_LIPCOpen(); fd >= 0) {

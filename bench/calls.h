@@ -7,6 +7,7 @@
 
 #include <string>
 #include <sys/types.h>
+#include <vector>
 
 namespace bench {
 
@@ -58,8 +59,8 @@ private:
 // Answers one client after another: reads with a good header and `body`, commands with the header alone.
 pid_t StartCannedServer(const std::string &directory, const rsvpsimd::Bytes &body);
 
-// Starts the real daemon with generated rows ("tunnel=1000"); returns once it answers.
-pid_t StartDaemon(const std::string &program, const std::string &rows);
+// Starts the real daemon; returns once it answers.
+pid_t StartDaemon(const std::string &program, const std::vector<std::string> &options);
 
 [[noreturn]] void Fail(const std::string &what);
 

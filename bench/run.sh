@@ -1,6 +1,7 @@
 #!/bin/sh
 # Prints the benchmark's table and writes it as JSON. With a third argument, the folder of a build for the router, it also
-# checks the size of that library against its bound and lists its functions by size next to the JSON.
+# checks the size of that library against its bound and lists its functions by size next to the JSON. Then it prints what
+# a session notices of others that mean harm.
 set -eu
 build=$1
 json=$2
@@ -12,4 +13,7 @@ if [ -n "$router" ]; then
   arm-linux-gnueabihf-nm --size-sort --reverse-sort --print-size --demangle --radix=d "$router/lib/librsvp_mor.so.1.0.0" |
     grep -i ' t ' | cut -d' ' -f2,4- | sed 's/^0*//' >"$json.functions"
 fi
-exec "$build/bin/rsvp_mor_bench" "$build/bin" $library --benchmark_out="$json" --benchmark_out_format=json
+failed=0
+"$build/bin/rsvp_mor_bench" "$build/bin" $library --benchmark_out="$json" --benchmark_out_format=json || failed=1
+"$build/bin/starve" "$build/bin/rsvpsimd" || failed=1
+exit $failed

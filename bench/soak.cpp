@@ -1,5 +1,6 @@
 // The soak: processes and threads configure and walk while the daemon is started, stopped and killed, and misbehaves
-// in every way it can. Every answer must be right or a clear refusal, and at the end nothing may be left over.
+// in every way it can. Every answer must be right or a clear refusal, and at the end nothing may be left over. Beside
+// them one daemon lives from the begin to the end, with one program that never stops asking it, and neither may grow.
 #include "calls.h"
 
 #include "rsvp_mor.h"
@@ -176,9 +177,9 @@ void Work(uint32_t number, Trust trust, Clock::time_point end)
     }
 }
 
-long OpenDescriptors()
+long OpenDescriptors(const std::string &process = "self")
 {
-    const std::filesystem::directory_iterator open("/proc/self/fd");
+    const std::filesystem::directory_iterator open("/proc/" + process + "/fd");
     return std::distance(begin(open), end(open));
 }
 
@@ -272,11 +273,65 @@ void Round(const Misbehaviour &way, int from, int to)
     Expect(LivingDaemon() == 0, "the daemon is left over");
 }
 
+long Kilobytes(const std::string &process)
+{
+    std::ifstream status("/proc/" + process + "/status");
+    std::string word;
+    while (status >> word && word != "VmRSS:")
+        continue;
+    long kilobytes = 0;
+    status >> kilobytes;
+    Expect(kilobytes > 0, "the memory of a process is not known");
+    return kilobytes;
+}
+
+// Without misbehaviour, on a device of its own. What the first seconds need is not growth.
+void LiveLong(Clock::time_point end)
+{
+    constexpr auto kWarmUp = std::chrono::seconds(5);
+    constexpr long kNoise = 512; // KiB
+    const bench::HostDirectory own;
+    directory = own.Path();
+    WriteScenario("");
+    Expect(RSVP_MOR_SetMplsRsvp(0) == RSVP_MOR_OK, "the service does not start");
+    LearnRows();
+    const std::string processes[] = {std::to_string(LivingDaemon()), "self"};
+    Work(0, Trust::Rows, std::min(end, Clock::now() + kWarmUp));
+    std::map<std::string, std::pair<long, long>> before;
+    for (const std::string &process : processes)
+        before[process] = {Kilobytes(process), OpenDescriptors(process)};
+    Work(0, Trust::Rows, end);
+    for (const std::string &process : processes) {
+        const auto [kilobytes, descriptors] = before[process];
+        const long kilobytesAfter = Kilobytes(process);
+        const long descriptorsAfter = OpenDescriptors(process);
+        Expect(kilobytesAfter <= kilobytes + kNoise && descriptorsAfter <= descriptors, "a process has grown");
+        std::printf("%s: %ld KiB, %ld descriptors; at the end %ld KiB, %ld descriptors\n",
+                    process == "self" ? "program" : "daemon", kilobytes, descriptors, kilobytesAfter,
+                    descriptorsAfter);
+    }
+    Expect(RSVP_MOR_SetMplsRsvp(1) == RSVP_MOR_OK, "the service does not stop");
+    std::printf("%ld answers, %ld refusals\n", answers.load(), refusals.load());
+}
+
+pid_t StartLongLife(Clock::time_point end)
+{
+    const pid_t child = fork();
+    if (child < 0)
+        bench::Fail("cannot start a process");
+    if (child != 0)
+        return child;
+    LiveLong(end);
+    (void)std::fflush(stdout);
+    _exit(faults == 0 ? 0 : 1);
+}
+
 } // namespace
 
 int main(int count, char **words)
 {
     const auto end = Clock::now() + std::chrono::seconds(count > 1 ? std::atoi(words[1]) : 60);
+    const pid_t longLife = StartLongLife(end);
     const bench::HostDirectory host;
     directory = host.Path();
     int ends[2];
@@ -302,6 +357,9 @@ int main(int count, char **words)
     Expect(RSVP_MOR_SetMplsRsvp(0) == RSVP_MOR_OK && RSVP_MOR_SetMplsRsvp(1) == RSVP_MOR_OK,
            "the service no longer starts and stops");
 
+    int status = 0;
+    waitpid(longLife, &status, 0);
+    Expect(status == 0, "what lived long found a fault");
     Expect(OpenDescriptors() == openBefore, "a descriptor was left open");
     Expect(waitpid(-1, nullptr, WNOHANG) == -1, "a process is left over");
     for (const auto &entry : std::filesystem::directory_iterator(directory)) {

@@ -5,6 +5,9 @@
 #include "channel/exchange.h"
 #include "platform/stlv.h"
 
+// memset by a name that the compiler does not know: it drops a write that nobody reads.
+extern "C" void *rsvp_mor_Overwrite(void *area, int byte, size_t size) __asm__("memset");
+
 namespace rsvp_mor {
 
 void PutRaw(Request &request, uint16_t type, const void *value, uint16_t length)
@@ -52,6 +55,13 @@ uint32_t FinishFrame(Request &request, MsgClass msgClass, uint32_t msgOp)
 uint32_t SendCommand(Request &request, MsgClass msgClass, uint32_t msgOp)
 {
     return RSVP_MOR_SendCommand(request.area, FinishFrame(request, msgClass, msgOp));
+}
+
+uint32_t SendSecret(Request &request, MsgClass msgClass, uint32_t msgOp)
+{
+    const uint32_t status = SendCommand(request, msgClass, msgOp);
+    rsvp_mor_Overwrite(request.area, 0, HEADER_SIZE + request.bodyLength);
+    return status;
 }
 
 uint32_t QueryHeld(int32_t fd, Request &request, uint32_t msgOp, Reply &reply)

@@ -45,6 +45,9 @@ uint32_t FinishFrame(Request &request, MsgClass msgClass, uint32_t msgOp);
 // A command, on a session of its own.
 uint32_t SendCommand(Request &request, MsgClass msgClass, uint32_t msgOp);
 
+// The same for a command that carries a key: whatever becomes of it, the key does not stay behind on the stack.
+uint32_t SendSecret(Request &request, MsgClass msgClass, uint32_t msgOp);
+
 // A read on the caller's session, and one on a session of its own.
 uint32_t QueryHeld(int32_t fd, Request &request, uint32_t msgOp, Reply &reply);
 uint32_t QueryOwn(Request &request, uint32_t msgOp, Reply &reply);

@@ -19,14 +19,13 @@ if(RSVP_MOR_PLATFORM STREQUAL "host")
   set(RSVP_MOR_SHARED rsvp_mor rsvp_host)
   set(RSVP_MOR_STATIC rsvp_mor_static_host)
   set(RSVP_MOR_STATIC_NEEDS rsvp_host)
-  set_target_properties(${RSVP_MOR_SHARED} PROPERTIES INSTALL_RPATH "$ORIGIN")
   list(TRANSFORM RSVP_HOST_WRAPS REPLACE "-Wl,--wrap=(.*)" "--redefine-sym=\\1=__wrap_\\1"
     OUTPUT_VARIABLE RSVP_HOST_RENAMES)
   add_library(rsvp_mor_static_host STATIC $<TARGET_OBJECTS:rsvp_mor_objects>)
   target_include_directories(rsvp_mor_static_host INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
   set_target_properties(rsvp_mor_static_host PROPERTIES
     OUTPUT_NAME rsvp_mor
-    ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib/install)
+    ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_ARCHIVE_OUTPUT_DIRECTORY}/install)
   add_custom_command(TARGET rsvp_mor_static_host POST_BUILD
     COMMAND ${CMAKE_OBJCOPY} --strip-debug ${RSVP_HOST_RENAMES} $<TARGET_FILE:rsvp_mor_static_host>)
 endif()
@@ -60,7 +59,11 @@ install(DIRECTORY examples docs DESTINATION ${RSVP_MOR_SHARE_DIR} COMPONENT deve
 # ---- Programs ----------------------------------------------------------------------------------------------------
 
 if(RSVP_MOR_PLATFORM STREQUAL "host")
-  set_target_properties(rsvpctl rsvpsimd PROPERTIES INSTALL_RPATH "$ORIGIN/${RSVP_MOR_BIN_TO_LIB}")
+  # The path of the installation is in the file from the start. CMake would otherwise pad the path of the build tree with
+  # colons until the other fits in its place, and the dynamic linker reads each empty element as the current folder.
+  set_target_properties(rsvp_mor rsvpctl PROPERTIES BUILD_WITH_INSTALL_RPATH ON)
+  set_target_properties(rsvp_mor PROPERTIES INSTALL_RPATH "$ORIGIN")
+  set_target_properties(rsvpctl PROPERTIES INSTALL_RPATH "$ORIGIN/${RSVP_MOR_BIN_TO_LIB}")
   # Both lie in the same folder: the stand-in looks for the daemon on the PATH.
   install(TARGETS rsvpctl rsvpsimd DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
   install(DIRECTORY host/scenarios host/dictionaries DESTINATION ${RSVP_MOR_SHARE_DIR} COMPONENT tools)
@@ -87,7 +90,7 @@ endif()
 if(RSVP_MOR_TESTS AND RSVP_MOR_PLATFORM STREQUAL "host" AND CMAKE_BUILD_TYPE STREQUAL "Release"
    AND NOT CMAKE_CROSSCOMPILING)
   add_test(NAME install COMMAND ${PROJECT_SOURCE_DIR}/tests/install_test.sh ${CMAKE_BINARY_DIR})
-  add_test(NAME packages COMMAND ${PROJECT_SOURCE_DIR}/tests/packages_test.sh ${CMAKE_BINARY_DIR})
+  add_test(NAME packages COMMAND ${PROJECT_SOURCE_DIR}/tests/packages_test.sh ${CMAKE_BINARY_DIR} ${CMAKE_READELF})
   set_tests_properties(install packages PROPERTIES RESOURCE_LOCK install_manifest)
 endif()
 
@@ -113,6 +116,7 @@ set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
 set(CPACK_COMPONENT_LIBRARY_DESCRIPTION
   "The shared library: settings, status, LSP state, and the tables of the\nMPLS-TE and fast reroute MIBs.")
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/cmake/debian/triggers)
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_STRICT_PERMISSION ON) # not those that the file has with whoever packs
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME librsvp-mor-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)

@@ -26,7 +26,7 @@ uint32_t RSVP_MOR_SetAuthKey(uint32_t op, const uint8_t *authKey)
 {
     Request request{};
     PutRaw(request, COMMAND_AUTH_KEY, authKey, RSVP_MOR_AUTH_KEY_SIZE);
-    return SendCommand(request, CLASS_GLOBAL, op);
+    return SendSecret(request, CLASS_GLOBAL, op);
 }
 
 uint32_t RSVP_MOR_SetAuthChallenge(uint32_t op)
@@ -59,7 +59,7 @@ uint32_t RSVP_MOR_SetIntfAuthKey(uint32_t op, uint32_t ifIndex, const uint8_t *a
     Request request{};
     PutNetWord(request, COMMAND_IF_INDEX, ifIndex);
     PutRaw(request, COMMAND_AUTH_KEY, authKey, RSVP_MOR_AUTH_KEY_SIZE);
-    return SendCommand(request, CLASS_INTERFACE, op);
+    return SendSecret(request, CLASS_INTERFACE, op);
 }
 
 uint32_t RSVP_MOR_SetIntfAuthChallenge(uint32_t op, uint32_t ifIndex)
@@ -99,7 +99,7 @@ uint32_t RSVP_MOR_SetPeerAuthKey(uint32_t op, uint32_t peer, const uint8_t *auth
     Request request{};
     PutNetWord(request, COMMAND_PEER, peer);
     PutRaw(request, COMMAND_AUTH_KEY, authKey, RSVP_MOR_AUTH_KEY_SIZE);
-    return SendCommand(request, CLASS_PEER, op);
+    return SendSecret(request, CLASS_PEER, op);
 }
 
 uint32_t RSVP_MOR_SetPeerAuthChallenge(uint32_t op, uint32_t peer)

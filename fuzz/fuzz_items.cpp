@@ -61,5 +61,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     uint8_t record[16] = {};
     const rsvp_mor::ItemResult first = rsvp_mor::CopyFirstRaw(body.data(), static_cast<uint16_t>(length), &record);
     Must((first == rsvp_mor::ITEM_END) == (length == 0), "only an empty body ends before its first item");
+    for (const uint32_t countSize : {2U, 4U}) {
+        rsvp_mor::Entries entries{};
+        if (rsvp_mor::FindEntries(body.data(), static_cast<uint32_t>(length), countSize, data[0] % 16U, entries))
+            copy.assign(entries.first, entries.first + entries.size);
+    }
     return 0;
 }

@@ -1,6 +1,9 @@
 // The simulated daemon from the inside: the search of rows at its edges, refusals that must name line and key,
-// faults, commands and the reads that show them, what the trace keeps to itself, clients that mean harm, and a start
-// without standard streams.
+// faults, commands and the reads that show them, what the trace keeps to itself, clients that mean harm, a system
+// that refuses what the daemon asks for, and the daemon as a program.
+#include "host/daemon/instance.h"
+#include "host/daemon/line_log.h"
+#include "host/daemon/sandbox.h"
 #include "host/daemon/scenario/generator.h"
 #include "host/daemon/scenario/scenario.h"
 #include "host/daemon/server.h"
@@ -8,13 +11,22 @@
 #include "rsvp_mor.h"
 #include "support/program.h"
 
+#include <csignal>
+#include <fcntl.h>
+#include <filesystem>
 #include <fmt/format.h>
+#include <fstream>
+#include <future>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <random>
 #include <set>
 #include <sys/eventfd.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/un.h>
+#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
@@ -112,6 +124,80 @@ TEST(TableEngine, FindsTheRowAtEveryEdge)
     EXPECT_FALSE(table.Find(Seek::Exact, key(1)));
 }
 
+// Whatever is done to made rows, and in whatever order, both walks meet the rows that a plain map would have.
+TEST(TableEngine, FindsWhatAPlainMapFinds)
+{
+    Device device;
+    MakeRows(device, "tunnel=60");
+    Table &table = device.Rows("tunnel");
+    std::map<Bytes, Bytes> rows;
+    for (auto row = table.Find(Seek::First, {}); row; row = table.Find(Seek::After, row->key))
+        rows.emplace(row->key, row->body);
+    const auto made = rows;
+    const auto expect = [&](const std::optional<EncodedRow> &found, auto wanted, bool ingress) {
+        constexpr size_t kRole = kItemHeaderSize + FieldAt("tunnel", "tunnelRole").offset;
+        while (ingress && wanted != rows.end() && wanted->second[kRole] != 1)
+            ++wanted;
+        EXPECT_EQ(found ? found->key : Bytes{}, wanted == rows.end() ? Bytes{} : wanted->first);
+        EXPECT_EQ(found ? found->body : Bytes{}, wanted == rows.end() ? Bytes{} : wanted->second);
+    };
+    std::mt19937 random(1);
+    for (int turn = 0; turn < 2000; ++turn) {
+        const auto &[key, body] = *std::next(made.begin(), random() % made.size());
+        const auto what = random() % 5;
+        if (what < 3) {
+            EXPECT_EQ(table.Remove(key), rows.erase(key) == 1);
+        } else if (what == 3 && table.Insert({key, body})) {
+            rows.insert_or_assign(key, body);
+        } else if (Bytes *edited = table.Edit(key)) {
+            ++edited->back();
+            ++rows.at(key).back();
+        }
+        const Bytes &from = std::next(made.begin(), random() % made.size())->first;
+        expect(table.Find(Seek::Exact, from), rows.find(from), false);
+        for (const bool ingress : {false, true}) {
+            expect(table.Find(Seek::First, {}, ingress), rows.begin(), ingress);
+            expect(table.Find(Seek::After, from, ingress), rows.upper_bound(from), ingress);
+        }
+        EXPECT_EQ(table.Size(), rows.size());
+    }
+}
+
+TEST(Device, StoresNoMoreThanItsBound)
+{
+    Device device;
+    MakeRows(device, "interface=5");
+    const auto key = [](uint32_t index) {
+        Bytes bytes;
+        AppendNet(bytes, index, 4);
+        return bytes;
+    };
+    for (uint32_t i = 0; i < 100'000; ++i)
+        device.Rows("interface").Insert({key(1000 + i), i == 1 ? Bytes(4096) : Bytes()});
+    const struct {
+        uint8_t msgClass;
+        uint16_t item;
+        uint8_t op;
+        uint32_t index;
+        uint32_t status;
+    } rows[] = {
+        {kInterface, 9, kSet, 3, kNoRoom},       {kInterface, 9, kUndo, 3, kNoRoom},
+        {kInterface, 18, kUndo, 3, kNoRoom},     {kReset, 1, kSet, 3, kNoRoom},
+        {kInterface, 9, kSet, 200'000, kNoRoom}, {kInterface, 9, kUndo, 200'000, kOk},
+        {kInterface, 18, kUndo, 200'000, kOk},   {kReset, 1, kSet, 200'000, kNoSuchRow},
+        {kInterface, 9, kSet, 1001, kOk},        {kInterface, 18, kUndo, 1000, kOk},
+        {kInterface, 9, kSet, 200'000, kOk},     {kInterface, 9, kSet, 200'001, kNoRoom},
+        {kInterface, 18, kUndo, 200'000, kOk},   {kInterface, 18, kUndo, 3, kOk},
+        {kInterface, 18, kUndo, 5, kNoRoom},
+    };
+    for (const auto &row : rows) {
+        Bytes value = key(row.index);
+        value.resize(8);
+        EXPECT_EQ(device.Apply(*FindCommand(row.msgClass, row.item), row.op, key(row.index), value), row.status)
+            << &row - rows;
+    }
+}
+
 TEST(Scenario, RefusalsNameLineAndKey)
 {
     // 440 bytes of value, 213 hops and 6 route entries: one entry too many.
@@ -119,8 +205,11 @@ TEST(Scenario, RefusalsNameLineAndKey)
     for (int i = 0; i < 213; ++i)
         fullList += "{}, ";
     fullList += "]";
+    std::string deep; // 34 levels, behind what looks like the end of a string
+    for (int i = 0; i < 33; ++i)
+        deep += "\".=\" . ";
     const struct {
-        std::string_view text;
+        std::string text;
         std::string_view expected;
     } rows[] = {
         {"trace = true\nspeed = 3\n", "f.toml:2: speed: there is no such key"},
@@ -129,7 +218,7 @@ TEST(Scenario, RefusalsNameLineAndKey)
         {"[[tunnel]]\ntunnelRole = -1\n", "f.toml:2: tunnelRole: must not be negative"},
         {"[[psb]]\nsession = { tunnelEndpoint = \"10.0.0.300\" }\n", "f.toml:2: session.tunnelEndpoint: "},
         {"[[psb]]\nwordsA = [1, 2, 3, 4]\n", "f.toml:2: wordsA: has 4 numbers"},
-        {"[[psb]]\nflagBytes = \"0g\"\n", "f.toml:2: flagBytes: \"0g\" is not hexadecimal"},
+        {"[[psb]]\nflagBytes = \"0g\"\n", "f.toml:2: flagBytes: character 2 is not a hexadecimal digit"},
         {"[[psb]]\nsessionAttr = { kind = 7, affinityForm.flags = 1 }\n",
          "f.toml:2: sessionAttr.affinityForm.flags: has no"},
         {"[[psb]]\nhopList = [\n  { kind = 3, label = 5 },\n  { kind = 3, lable = 5 } ]\n", "f.toml:4: lable: "},
@@ -142,6 +231,12 @@ TEST(Scenario, RefusalsNameLineAndKey)
         {"[[fault]]\nkind = \"late\"\nclass = 3\n", "f.toml:1: fault: late needs a number"},
         {"[[refuse]]\nclass = 0\n", "f.toml:1: refuse: needs a status"},
         {"[counters\n", "f.toml:1: "},
+        {"[global]\nauthKey = \"secret\"\n", "f.toml:2: authKey: character 1 is not a hexadecimal digit"},
+        {"[global]\nauthKey = 73656372657473656372657473\n",
+         "f.toml:2: Error while parsing decimal integer: the number is "},
+        {"x = '\\'\n" + deep + "x = 1\n", "f.toml:2: keys and brackets nest at most 32 deep"},
+        {"x = \"\"\"\\\"\"\"\\\\\"\"\"\"\"\n[" + deep + "x]\n", "f.toml:2: keys and brackets nest at most 32 deep"},
+        {"x = " + std::string(33, '{'), "f.toml:1: keys and brackets nest at most 32 deep"},
         {fullList, "f.toml:1: psb: its items take 8196 bytes, a message has room for 8184"},
     };
     for (const auto &row : rows) {
@@ -153,6 +248,25 @@ TEST(Scenario, RefusalsNameLineAndKey)
             EXPECT_TRUE(std::string_view(error.what()).starts_with(row.expected)) << error.what();
         }
     }
+}
+
+TEST(Scenario, TellsHowToBehave)
+{
+    Device device;
+    Daemon daemon;
+    daemon.Add(ReadScenarioText(device,
+                                "[[refuse]]\nclass = 3\nop = 4\nstatus = 7\n"
+                                "[[fault]]\nkind = 'status'\nnumber = 9\nclass = 3\nitem = 100\nonce = true\n"
+                                "[[fault]]\nkind = 'status'\nnumber = 5\nclass = 0\nonce = false\n",
+                                "f.toml"));
+    const struct {
+        uint8_t msgClass, op;
+        std::string_view body;
+        uint32_t status;
+    } rows[] = {{3, 4, "00640000", 9}, {3, 4, "00640000", 7}, {3, 3, "00640000", kOk},
+                {3, 4, "00070000", 7}, {0, 0, "00080000", 5}, {0, 0, "00080000", 5}};
+    for (const auto &row : rows)
+        EXPECT_EQ(StatusOf(daemon.Answer(Request(row.msgClass, row.op, row.body))), row.status) << &row - rows;
 }
 
 // One daemon, one request after the other: what each is answered, and what a read shows afterwards.
@@ -174,14 +288,32 @@ TEST(Daemon, TakesCommandsShowsThemAndRefusesTheRest)
         {0, 8, "000a0004a5000000", kOk, global, "globalInfo", "settingBytes", "03a50400"},
         {0, 0, "00080000", kOk, global, "globalInfo", "settingBytes", "03a50401"},
         {0, 1, "00080000", kOk, global, "globalInfo", "settingBytes", "03a50400"},
+        {0, 8, "000b0004a7000000", kOk, global, "globalInfo", "settingBytes", "03a5a700"},
+        {0, 0, "000c000404000000", kOk, global, "globalInfo", "settingBytes", "04a5a700"},
+        {0, 0, "0013000400000021", kOk, global, "globalInfo", "settingWord1", "33"},
+        {0, 0, "000400040000003c", kOk, global, "globalInfo", "authLifeTime", "60"},
+        {0, 0, "0005000420000000", kOk, global, "globalInfo", "authEndBytes", "0020"},
+        {0, 0, "00020000", kOk, global, "globalInfo", "authEndBytes", "0120"},
+        {0, 1, "00020000", kOk, global, "globalInfo", "authEndBytes", "0020"},
         {0, 1, "00140000", kOk, global, "globalInfo", "settingBytes2", "0000"},
         {1, 0, if3 + "000e000401020304", kOk, interface, "ifInfo", "ifShort3", "772"},
         {1, 1, if3 + "000e000401020304", kOk, interface, "ifInfo", "ifShort3", "0"},
+        {1, 0, if3 + "00020000", kOk, interface, "ifInfo", "authEndBytes", "0100"},
+        {1, 0, if3 + "0005000420000000", kOk, interface, "ifInfo", "authEndBytes", "0120"},
+        {1, 0, if3 + "000400040000003c", kOk, interface, "ifInfo", "authLifeTime", "60"},
+        {1, 0, if3 + "00060000", kOk, interface, "ifInfo", "ifBytes2", "0100"},
+        {1, 0, if3 + "00110004a6000000", kOk, interface, "ifInfo", "ifBytes2", "01a6"},
+        {1, 0, if3 + "0010000401020000", kOk, interface, "ifInfo", "ifShort4", "258"},
+        {1, 0, if3 + "00090000", kOk, interface, "ifInfo", "ifBytes1", "0001"},
+        {1, 0, if3 + "00120000", kOk, interface, "ifInfo", "ifBytes1", "0101"},
+        {1, 1, if3 + "00120000", kOk, interface},
         {1, 0, if3 + "00120000", kOk, config, "ifConfig", "ifConfig", "1"},
         {1, 0, if3 + "00090000", kOk, config, "ifConfig", "ifConfig", "3"},
         {1, 1, if3 + "00120000", kOk, interface},
         {2, 0, peer9 + "000d0000", kOk, neighbour, "nbr", "nbrBytes", "010000000000"},
         {2, 1, peer9 + "000d0000", kOk, neighbour},
+        {2, 0, peer9 + "0005000420000000", kOk, "000000080a00000900000000", "auth", "authEntryBytes",
+         "{authKey=******** authEndBytes=0020}"},
         {0, 0, "00070010" + session + "00000010", kOk, debug, "debugInfo", "session1.tunnelId", "7"},
         {0, 1, "00070010" + session + "00000010", kOk, debug, "debugInfo", "debugFlags", "0"},
         {0, 0, "00070010" + zeros8 + "0000000000000004", kOk, debug, "debugInfo", "debugFlags", "4"},
@@ -204,6 +336,10 @@ TEST(Daemon, TakesCommandsShowsThemAndRefusesTheRest)
         {3, 4, "00650010" + zeros8 + zeros8, kNoSuchRow},
         {3, 6, "00650010" + zeros8 + "0000000000000001", kBadValue},
         {3, 4, "000b0038" + ones8 + ones8 + ones8 + ones8 + ones8 + ones8 + ones8, kNoSuchRow},
+        {3, 4, "00640000", kUnknownOp},
+        {3, 3, "0064000400000000", kBadLength},
+        {3, 3, "00060001ff", kBadLength},
+        {3, 5, "00020000", kUnknownOp},
         {3, 3, "", kBadItems},
         {1, 0, "00120000", kBadItems},
         {1, 0, "001200000001000400000001", kBadItems},
@@ -221,6 +357,28 @@ TEST(Daemon, TakesCommandsShowsThemAndRefusesTheRest)
     EXPECT_EQ(StatusOf(daemon.Answer(Hex("030300050000000000060000"))), kMalformed);
     EXPECT_EQ(StatusOf(daemon.Answer(BuildFrame(kShow, kGet, 1, Hex(global)))), kBadValue);
     EXPECT_TRUE(daemon.Answer(Hex("03030000000000")).close);
+}
+
+TEST(Daemon, CountsWhatItDidAndWhatItRefused)
+{
+    Daemon daemon;
+    const struct {
+        uint8_t msgClass, op;
+        std::string_view body;
+        int times;
+    } rows[] = {{0, 0, "00080000", 1}, {0, 0, "000f00020020", 2}, {1, 0, "", 1},
+                {3, 3, "00640000", 4}, {3, 5, "00640000", 5},     {4, 9, "", 1},
+                {3, 3, "0006", 1}};
+    for (const auto &row : rows)
+        for (int i = 0; i < row.times; ++i)
+            daemon.Answer(Request(row.msgClass, row.op, row.body));
+    const Reply reply = daemon.Answer(Request(kShow, kGet, "00060000"));
+    for (const auto &[field, shown] :
+         {std::pair{"statWord1", "1"}, std::pair{"statWord2", "5"}, std::pair{"statWord3", "4"},
+          std::pair{"statWord4", "5"}, std::pair{"counters1.countsA", "[5,0,0,4,0,5,0,"},
+          std::pair{"counters1.countsB", "[4,1,0,9,1,0,"}})
+        EXPECT_TRUE(FieldOf(reply, *LayoutRef("globalInfo"), field).starts_with(shown))
+            << field << " is " << FieldOf(reply, *LayoutRef("globalInfo"), field);
 }
 
 TEST(Daemon, FaultsSpoilWhatTheySelect)
@@ -306,24 +464,80 @@ TEST(Trace, ShowsEverythingButTheKey)
     EXPECT_NE(trace.find("authEntryBytes={authKey=******** authLifeTime=60 authEndBytes=0100}"), std::string::npos);
 }
 
+TEST(Trace, TellsEachFrameInWords)
+{
+    Device device;
+    Daemon daemon;
+    daemon.Add(ReadScenarioText(daemon.GetDevice(),
+                                "[[crlsp]]\nkey = { keyWord0 = 7 }\nname = 'one'\n"
+                                "hopList = [{ kind = 1, address = '10.0.0.2' }, { kind = 3, label = 99 }]\n"
+                                "[[fault]]\nkind = 'late'\nnumber = 20\nclass = 2\n"
+                                "[[fault]]\nkind = 'twice'\nclass = 2\n"
+                                "[[fault]]\nkind = 'short'\nnumber = 5\nclass = 5\n"
+                                "[[fault]]\nkind = 'silent'\nop = 8\n"
+                                "[[fault]]\nkind = 'exit'\nop = 6\n",
+                                "f.toml"));
+    std::vector<std::string> lines;
+    daemon.TraceTo([&lines](const std::string &line) { lines.push_back(line); });
+    const struct {
+        Bytes request;
+        std::string_view asked, answered; // how the lines begin
+    } rows[] = {
+        {Request(0, 0, "000f0004002d0000"), "global set refreshInterval(15) 4 {interval=45}",
+         "global set status 0x00000000"},
+        {Request(2, 0, "000000040a000009000d0000"), "peer set peerKey(0) 4 {peer=10.0.0.9} rsvp(13) 0",
+         "peer set status 0x00000000, 20 ms late, twice"},
+        {Request(3, 3, "00640000"), "show get upLspNumber(100) 0",
+         "show get status 0x00000000 upLspNumber(100) 4 {count=1}"},
+        {Request(3, 4, "00010000"), "show get-first crlsp(1) 0", "show get-first status 0x00000000 crlsp(1) "},
+        {Request(3, 3, "00020000"), "show get debugInfo(2) 0", "show get status 0x00000000 debugInfo(2) 28 {}"},
+        {Request(5, 1, "00270000"), "reset undo ?(39) 0", "5 bytes out of format"},
+        {Request(0, 8, "000a000405000000"), "global hello-timer helloInterval(10) 4 {interval=5}", "no answer"},
+        {Request(3, 6, "00650000"), "show get-first-ingress tunnel(101) 0", "the daemon ends, as it was told to"},
+        {Hex("0303"), "2 bytes that are not a message", "connection closed"},
+    };
+    for (const auto &row : rows) {
+        lines.clear();
+        daemon.Answer(row.request, 4);
+        ASSERT_EQ(lines.size(), 2U);
+        EXPECT_TRUE(lines[0].starts_with(fmt::format("4 > {}", row.asked))) << lines[0];
+        EXPECT_TRUE(lines[1].starts_with(fmt::format("4 < {}", row.answered))) << lines[1];
+        if (row.asked.starts_with("show get-first crlsp")) {
+            EXPECT_TRUE(lines[1].ends_with(" hopList(7) 74 [kind=1 address=10.0.0.2; kind=3 label=99] name(17) 3"))
+                << lines[1];
+        }
+    }
+}
+
 // A server on a socket that has no name in the file system, and its loop in a thread.
 struct Running {
     Daemon daemon;
     int listener = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_NONBLOCK, 0);
-    int stop = eventfd(0, 0);
+    int stop = eventfd(0, EFD_NONBLOCK);
     sockaddr_un address{};
     socklen_t length = sizeof(address);
     std::thread thread;
 
-    explicit Running(std::string_view fault)
+    std::promise<std::string> told; // what the server said first
+    std::atomic<int> tellings = 0;
+
+    explicit Running(std::string_view fault, Places places = {}, bool listens = true)
     {
         MakeRows(daemon.GetDevice(), "psb=10");
         daemon.Add(ParseFault(fault));
         address.sun_family = AF_UNIX;
         (void)bind(listener, reinterpret_cast<sockaddr *>(&address), sizeof(sa_family_t));
-        listen(listener, 64);
+        if (listens)
+            listen(listener, 64);
         getsockname(listener, reinterpret_cast<sockaddr *>(&address), &length);
-        thread = std::thread([this] { Server(listener, stop, daemon).Run(); });
+        thread = std::thread([this, places] {
+            Server server(listener, stop, daemon, places);
+            server.TellTo([this](const std::string &sentence) {
+                if (++tellings == 1)
+                    told.set_value(sentence);
+            });
+            server.Run();
+        });
     }
     ~Running()
     {
@@ -349,7 +563,7 @@ struct Running {
 
 TEST(Server, NoClientStopsTheOthers)
 {
-    const Running running("late=600000,class=0");
+    const Running running("late=600000,class=0", {.idle = std::chrono::milliseconds(0)});
     const int greedy = running.Connect(); // asks and never takes an answer
     const Bytes first = Request(kShow, kGetFirst, "00080000");
     while (send(greedy, first.data(), first.size(), MSG_DONTWAIT) > 0)
@@ -373,19 +587,285 @@ TEST(Server, NoClientStopsTheOthers)
         close(fd);
 }
 
-// A trace must not go to whatever else has the number of standard error: the lock file, the sockets.
-TEST(Program, StartsWithoutStandardStreams)
+const Bytes kQuestion = Request(kShow, kGet, "00640000");
+constexpr ssize_t kAnswer = 16;
+
+// Another process takes all the places that a process can have, and is refused more. The sessions of this one
+// stay.
+TEST(Server, PlacesAreCountedForEachProcess)
 {
-    for (const auto *closed : {">&- 2>&-", "<&- 2>&-", "<&- >&- 2>&-"}) {
-        const program::HostDirectory directory("trace = true");
-        directory.Write("start", fmt::format("exec {} \"$@\" {}\n", TEST_RUNNER, closed));
-        setenv("RSVP_HOST_RUNNER", ("sh " + directory.PathOf("start")).c_str(), 1);
-        ASSERT_EQ(RSVP_MOR_SetMplsRsvp(0), RSVP_MOR_OK) << closed;
-        for (uint32_t i = 0; i < 3; ++i)
-            EXPECT_EQ(RSVP_MOR_SetDscpValue(i), RSVP_MOR_OK) << closed;
-        const std::string lock = directory.Read(rsvp_host::kLockFile);
-        EXPECT_EQ(lock.find_first_not_of("0123456789"), lock.size() - 1) << closed << ": " << lock;
+    const Running running("late=1,class=9", {.ofAll = 5, .ofProcess = 3, .idle = std::chrono::hours(1)});
+    const int first = running.Connect();
+    EXPECT_EQ(running.Ask(first, kQuestion), kAnswer);
+    int ends[2];
+    ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, ends), 0);
+    const pid_t other = fork();
+    if (other == 0) {
+        close(ends[0]);
+        char answered = 0;
+        for (int i = 0; i < 4; ++i)
+            answered = static_cast<char>(answered + (running.Ask(running.Connect(), kQuestion) == kAnswer));
+        _exit(write(ends[1], &answered, 1) == 1 && read(ends[1], &answered, 1) == 0 ? 0 : 1);
     }
+    char answered = 0;
+    close(ends[1]);
+    EXPECT_EQ(read(ends[0], &answered, 1), 1);
+    EXPECT_EQ(answered, 3);
+    const int second = running.Connect();
+    EXPECT_EQ(running.Ask(second, kQuestion), kAnswer);
+    const int third = running.Connect(); // one more than all places
+    EXPECT_LE(running.Ask(third, kQuestion), 0);
+    EXPECT_EQ(running.Ask(first, kQuestion), kAnswer);
+    close(ends[0]);
+    int status = -1;
+    EXPECT_EQ(waitpid(other, &status, 0), other);
+    EXPECT_EQ(status, 0);
+    for (const int fd : {first, second, third})
+        close(fd);
+}
+
+TEST(Server, TriesAgainWhatTheSystemRefuses)
+{
+    Running deaf("late=1,class=9", {}, false); // each accept fails, until it listens
+    EXPECT_TRUE(deaf.told.get_future().get().starts_with("accept: "));
+    listen(deaf.listener, 1);
+    const int late = deaf.Connect();
+    EXPECT_EQ(deaf.Ask(late, kQuestion), kAnswer);
+    EXPECT_EQ(deaf.tellings, 1);
+    close(late);
+
+    Running running("late=1,class=9");
+    const int fd = running.Connect();
+    EXPECT_EQ(running.Ask(fd, kQuestion), kAnswer);
+    static std::atomic<int> interruptions;
+    interruptions = 0;
+    struct sigaction count {};
+    count.sa_handler = [](int) { ++interruptions; };
+    sigaction(SIGUSR1, &count, nullptr);
+    for (int i = 0; i < 100; ++i) { // some of them meet a poll that has nothing to report
+        pthread_kill(running.thread.native_handle(), SIGUSR1);
+        while (interruptions == i)
+            sched_yield();
+        EXPECT_EQ(running.Ask(fd, kQuestion), kAnswer);
+    }
+    EXPECT_EQ(running.tellings, 0);
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    const rlimit few{1, before.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &few); // poll takes no more descriptors than a process may have
+    pollfd none[2] = {{-1, 0, 0}, {-1, 0, 0}};
+    const bool refused = poll(none, 2, 0) < 0; // not under every emulator
+    if (refused) {
+        send(fd, kQuestion.data(), kQuestion.size(), 0); // wakes the server, if it is in a poll from before
+        EXPECT_TRUE(running.told.get_future().get().starts_with("poll: "));
+    }
+    setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_EQ(running.Ask(fd, kQuestion), kAnswer);
+    close(fd);
+}
+
+bool Answers(const program::HostDirectory &directory)
+{
+    const sockaddr_un address = rsvp_host::SocketAddress(directory.PathOf("."));
+    const int fd = socket(AF_UNIX, SOCK_SEQPACKET, 0);
+    const bool connected = connect(fd, reinterpret_cast<const sockaddr *>(&address), sizeof(address)) == 0;
+    close(fd);
+    return connected;
+}
+
+// Files of the host directory can vanish at any time, and another daemon may come to own their names.
+TEST(Instance, KeepsWhatIsItsOwnAndNothingElse)
+{
+    const program::HostDirectory directory;
+    const std::string path = directory.PathOf(".");
+    const std::string lock = directory.PathOf(rsvp_host::kLockFile);
+    const std::string socket = directory.PathOf(rsvp_host::kSocketFile);
+    auto instance = std::make_unique<Instance>(path);
+    const int listener = instance->Listener();
+    EXPECT_THROW(Instance{path}, InstanceError);
+    EXPECT_EQ(instance->Recover(), "");
+    for (const auto &gone : {std::vector{socket}, std::vector{lock}, std::vector{lock, socket}}) {
+        for (const std::string &file : gone)
+            std::filesystem::remove(file);
+        EXPECT_NE(instance->Recover(), "");
+        EXPECT_EQ(instance->Listener(), listener);
+        EXPECT_TRUE(Answers(directory));
+        EXPECT_THROW(Instance{path}, InstanceError);
+        EXPECT_EQ(instance->Recover(), "");
+    }
+    std::filesystem::remove(socket);
+    directory.Write(rsvp_host::kSocketFile, "not a socket");
+    EXPECT_NE(instance->Recover(), "");
+    EXPECT_TRUE(Answers(directory));
+
+    std::filesystem::remove(lock);
+    auto other = std::make_unique<Instance>(path);
+    EXPECT_THROW(instance->Recover(), InstanceError);
+    instance.reset();
+    EXPECT_TRUE(Answers(directory)); // the other's socket is still there
+    std::filesystem::remove_all(directory.PathOf(""));
+    EXPECT_THROW(other->Recover(), InstanceError);
+}
+
+TEST(LineLog, CountsWhatItCannotWrite)
+{
+    const program::HostDirectory directory;
+    const std::string path = directory.PathOf("log");
+    {
+        LineLog log(path, 100);
+        log.Write(std::string(80, 'a'));
+        log.Write(std::string(30, 'b')); // waits, as the file would grow beyond its bound
+        EXPECT_EQ(directory.Read("log"), std::string(80, 'a') + "\n");
+        EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms(0600));
+        std::filesystem::resize_file(path, 0);
+        log.Flush();
+        EXPECT_EQ(directory.Read("log"), std::string(30, 'b') + "\n");
+        for (int i = 0; i < 400; ++i)
+            log.Write(std::string(1023, 'c')); // room for 256 of them, each with its end
+    }
+    const std::string rest = directory.Read("log");
+    EXPECT_TRUE(rest.ends_with("c\nrsvpsimd: 144 lines were lost\n")) << rest.substr(rest.size() - 50);
+
+    // A pipe that nobody reads, shared with others, so that it must stay as it is.
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    const int before = dup(STDERR_FILENO);
+    dup2(ends[1], STDERR_FILENO);
+    LineLog log;
+    dup2(before, STDERR_FILENO);
+    close(before);
+    for (int i = 0; i < 1000; ++i)
+        log.Write(std::string(1023, 'd'));
+    EXPECT_EQ(fcntl(ends[1], F_GETFL) & O_NONBLOCK, 0);
+    fcntl(ends[0], F_SETFL, O_NONBLOCK);
+    std::string seen(4 << 20, '\0');
+    size_t size = 0;
+    for (ssize_t got; (got = read(ends[0], seen.data() + size, seen.size() - size)) > 0; log.Flush())
+        size += static_cast<size_t>(got);
+    seen.resize(size);
+    const auto lines = std::ranges::count(seen, '\n');
+    EXPECT_LT(lines, 1000);
+    EXPECT_TRUE(seen.ends_with(fmt::format("d\nrsvpsimd: {} lines were lost\n", 1000 - (lines - 1))));
+    EXPECT_EQ(log.Finish(), 0U);
+    close(ends[0]);
+    close(ends[1]);
+
+    mkfifo(directory.PathOf("fifo").c_str(), 0600);
+    symlink(path.c_str(), directory.PathOf("link").c_str());
+    for (const std::string &refused :
+         {directory.PathOf("fifo"), directory.PathOf("link"), directory.PathOf("."), std::string("/dev/null")})
+        EXPECT_THROW(LineLog{refused}, std::runtime_error) << refused;
+}
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool kSanitized = true;
+#else
+constexpr bool kSanitized = false;
+#endif
+
+bool KernelHasFilters()
+{
+    return prctl(PR_SET_SECCOMP, 2, nullptr) != 0 && errno == EFAULT;
+}
+
+// What the daemon still can do when it serves. A letter stands for each thing that it cannot.
+std::string Denied(const program::HostDirectory &directory)
+{
+    std::string denied;
+    const auto note = [&denied](char letter, bool done) {
+        if (!done && (errno == EPERM || errno == EACCES))
+            denied += letter;
+    };
+    note('x', execl("/bin/true", "true", nullptr) == 0);
+    const pid_t child = fork();
+    if (child == 0)
+        _exit(0);
+    note('f', child > 0);
+    note('k', kill(getppid(), 0) == 0);
+    note('i', socket(AF_INET, SOCK_STREAM, 0) >= 0);
+    note('w', open("/tmp/rsvpsimd-was-here", O_WRONLY | O_CREAT, 0600) >= 0);
+    note('r', open("/etc/passwd", O_RDONLY) >= 0);
+    note('u', socket(AF_UNIX, SOCK_SEQPACKET, 0) >= 0);
+    note('l', open(directory.PathOf("lock").c_str(), O_RDWR | O_CREAT, 0600) >= 0);
+    note('d', unlink(directory.PathOf("lock").c_str()) == 0);
+    note('a', raise(SIGURG) == 0);
+    return denied;
+}
+
+TEST(Sandbox, KeepsWhatTheDaemonNeeds)
+{
+    if (kSanitized || !KernelHasFilters())
+        GTEST_SKIP() << "a sanitized build and this kernel have no filter of system calls";
+    const program::HostDirectory directory;
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        std::string report;
+        for (const std::string &missing : Confine(directory.PathOf(".")))
+            report += missing + "; ";
+        report += Denied(directory);
+        _exit(write(ends[1], report.data(), report.size()) == static_cast<ssize_t>(report.size()) ? 0 : 1);
+    }
+    close(ends[1]);
+    std::string report(200, '\0');
+    report.resize(static_cast<size_t>(std::max<ssize_t>(read(ends[0], report.data(), report.size()), 0)));
+    close(ends[0]);
+    waitpid(child, nullptr, 0);
+    EXPECT_TRUE(report == "xfkiw" || report.ends_with("; xfki")) << report; // without landlock, files are open to it
+}
+
+// Starts the daemon with these words of the shell around its command line.
+void StartThrough(const program::HostDirectory &directory, const std::string &before, const std::string &behind)
+{
+    directory.Write(
+        "start", fmt::format("cd {}\n{}\nexec {} \"$@\" {}\n", directory.PathOf("."), before, TEST_RUNNER, behind));
+    setenv("RSVP_HOST_RUNNER", ("sh " + directory.PathOf("start")).c_str(), 1);
+    ASSERT_EQ(RSVP_MOR_SetMplsRsvp(0), RSVP_MOR_OK) << before << behind;
+}
+
+// A trace must not go to whatever else has the number of standard error: the lock file, the sockets. Nor may it
+// end the daemon when nobody takes it.
+TEST(Program, ServesWhateverItsStandardStreamsAre)
+{
+    for (const auto &[before, streams] :
+         {std::pair{"", ">&- 2>&-"}, std::pair{"", "<&- 2>&-"}, std::pair{"", "<&- >&- 2>&-"},
+          std::pair{"", "2>/dev/full"}, std::pair{"ulimit -f 1", ""},
+          std::pair{"mkfifo gone; head -c 1 gone >/dev/null &", "2>gone"}}) {
+        const program::HostDirectory directory("trace = true");
+        StartThrough(directory, before, streams);
+        for (uint32_t i = 0; i < 20; ++i)
+            EXPECT_EQ(RSVP_MOR_SetDscpValue(i), RSVP_MOR_OK) << before << streams;
+        const std::string lock = directory.Read(rsvp_host::kLockFile);
+        EXPECT_EQ(lock.find_first_not_of("0123456789"), lock.size() - 1) << streams << ": " << lock;
+    }
+}
+
+TEST(Program, TracesToAFileIsConfinedAndTidiesUp)
+{
+    const program::HostDirectory directory;
+    StartThrough(directory, "", "--trace trace");
+    EXPECT_EQ(RSVP_MOR_SetDscpValue(7), RSVP_MOR_OK);
+    EXPECT_EQ(directory.Read("trace"), "2 > global set dscp(19) 4 {dscp=7}\n2 < global set status 0x00000000\n");
+    const std::string pid = directory.Read(rsvp_host::kLockFile);
+    std::ifstream file("/proc/" + pid.substr(0, pid.size() - 1) + "/status");
+    const std::string status{std::istreambuf_iterator<char>(file), {}};
+    EXPECT_EQ(status.find("NoNewPrivs:\t1") != std::string::npos, !kSanitized) << status;
+    EXPECT_EQ(status.find("Seccomp:\t2") != std::string::npos, !kSanitized && KernelHasFilters()) << status;
+    EXPECT_EQ(RSVP_MOR_SetMplsRsvp(1), RSVP_MOR_OK);
+    EXPECT_FALSE(std::filesystem::exists(directory.PathOf(rsvp_host::kSocketFile))); // it ended in order
+}
+
+TEST(Program, ListsItsLayouts)
+{
+    const program::HostDirectory directory;
+    const std::string out = program::Run(directory, {RSVPSIMD_PATH, "--list-layouts"}).out;
+    for (const auto *lines :
+         {"debugSwitch (16 bytes)\n      0   4 x  1  address  session.tunnelEndpoint  debugType is 16 or 64\n",
+          "      8   4 x  1  raw      label  kind is not 3",
+          "    236   8 x  1  raw      labelRequest.rangeBytes  labelRequest.kind is not 2 or 3\n",
+          "routeList32 (4 bytes of count, then routeEntry)\n"})
+        EXPECT_NE(out.find(lines), std::string::npos) << lines;
 }
 
 } // namespace

@@ -165,7 +165,7 @@ TEST_F(Decoders, TakeANameToItsFirstNul)
     const struct {
         Bytes value;
         const char *text;
-    } rows[] = {{"abc", "abc"}, {Bytes("abc\0defg", 8), "abc"}, {"", ""}, {Bytes("\0", 1), ""}};
+    } rows[] = {{"abc", "abc"}, {"a", "a"}, {Bytes("abc\0defg", 8), "abc"}, {"", ""}, {Bytes("\0", 1), ""}};
     for (const auto &row : rows) {
         RSVP_MOR_ReplyCrlsp crlsp = {};
         world.replies = {Reply(0, Item(17, row.value)), Reply(0, Item(34, row.value))};
@@ -300,8 +300,8 @@ TEST_F(Decoders, WalkTheItemsOfEachBlockByItsRules)
                                      "11 14=1 11/57 -> FAIL 11"});
     ExpectWalks<RSVP_MOR_ReplyCrlsp>("RSVP_MOR_GetFirstCrlsp",
                                      {"->", "1 -> 1", "17 7x2 1 -> 1 7x2 17", "1 99 7x2 15 17 3 -> 1 7x2 17",
-                                      "7x2 7x1 1 17 17 -> 1 7x1 17", "7x2 1/127 -> FAIL", "17 1/129 -> FAIL",
-                                      "1 17 7x1/37 -> FAIL 1", "7x1 7x1/39 -> FAIL"});
+                                      "7x2 7x1 1 17 17 -> 1 7x1 17", "7x2 17 7x1 17 -> 7x1 17", "7x2 1/127 -> FAIL",
+                                      "17 1/129 -> FAIL", "1 17 7x1/37 -> FAIL 1", "7x1 7x1/39 -> FAIL"});
     ExpectWalks<RSVP_MOR_P2mpPsbInfo>("RSVP_MOR_GetP2mpPsbInfo",
                                       {"->", "7 6x2 5 4 35 36 37 38 39 -> 35 36 37 38 39 4x1 5x1 6x2 7x1",
                                        "39 38 37 36 35 4 5 6x2 7 -> 35 36 37 38 39 4x1 5x1 6x2 7x1",
@@ -343,15 +343,19 @@ TEST_F(Decoders, LoseKeepOrReleaseWhatASlotHeld)
 {
     ExpectSecondGet<RSVP_MOR_ReplyPsb>("RSVP_MOR_GetFirstPsbInfo", "3x2 7x3", "7x1", "3x2 7x1", 1);
     ExpectSecondGet<RSVP_MOR_ReplyPsb>("RSVP_MOR_GetFirstPsbInfo", "3x2 7x3", "7x1 99", "FAIL", 1);
+    ExpectSecondGet<RSVP_MOR_ReplyPsb>("RSVP_MOR_GetFirstPsbInfo", "3 4 5 6 7", "3 4 5 6 7", "3x1 4x1 5x1 6x1 7x1",
+                                       5);
     ExpectSecondGet<RSVP_MOR_ReplyRsb>("RSVP_MOR_GetFirstRsbInfo", "12 13=1", "12 13=2", "12 13=2", 1);
     ExpectSecondGet<RSVP_MOR_ReplyRsb>("RSVP_MOR_GetFirstRsbInfo", "13=1", "13=2", "13=2 13=1", 0);
     ExpectSecondGet<RSVP_MOR_ReplyRsb>("RSVP_MOR_GetFirstRsbInfo", "13=1", "7", "FAIL", 0);
     ExpectSecondGet<RSVP_MOR_ReplyPhsb>("RSVP_MOR_GetFirstPhsbInfo", "14=1", "11 14=2", "11 14=2 14=1", 0);
     ExpectSecondGet<RSVP_MOR_ReplyPhsb>("RSVP_MOR_GetFirstPhsbInfo", "14=1", "14=2 13/11", "FAIL", 0);
     ExpectSecondGet<RSVP_MOR_ReplyCrlsp>("RSVP_MOR_GetFirstCrlsp", "7x2 17", "17", "7x2 17", 1);
+    ExpectSecondGet<RSVP_MOR_ReplyCrlsp>("RSVP_MOR_GetFirstCrlsp", "7x2 17", "7 17", "7x1 17", 2);
     ExpectSecondGet<RSVP_MOR_ReplyCrlsp>("RSVP_MOR_GetFirstCrlsp", "7x2 17", "1/127", "FAIL", 0);
     ExpectSecondGet<RSVP_MOR_P2mpPsbInfo>("RSVP_MOR_GetP2mpPsbInfo", "4x2 7", "4x1", "4x1 7x1", 1);
-    ExpectSecondGet<RSVP_MOR_P2mpPsbInfo>("RSVP_MOR_GetP2mpPsbInfo", "4x2 7", "4x1/13", "FAIL", 0);
+    for (const char *refused : {"4x1/13", "5x1/13", "6x1/17", "7x1/37"})
+        ExpectSecondGet<RSVP_MOR_P2mpPsbInfo>("RSVP_MOR_GetP2mpPsbInfo", "4x2 7", refused, "FAIL", 0);
     ExpectSecondGet<RSVP_MOR_P2mpPsbInfo>("RSVP_MOR_GetP2mpPsbInfo", "4x2 7", "4x1 37/21", "FAIL", 2);
     ExpectSecondGet<RSVP_MOR_P2mpRsbInfo>("RSVP_MOR_GetP2mpRsbInfo", "7x2", "7x1", "7x1", 1);
     ExpectSecondGet<RSVP_MOR_P2mpRsbInfo>("RSVP_MOR_GetP2mpRsbInfo", "7x2", "37/21", "FAIL", 1);

@@ -1,5 +1,6 @@
 // The stand-in for the platform where it meets the machine: directories that must not be trusted, daemons that died,
-// were killed or never answer, programs that start one at the same time, and files that a person has edited badly.
+// were killed or never answer, programs that start one at the same time, files that a person has edited badly or put
+// in the place of others, and a machine that has no memory or descriptors left.
 #include "host/directory.h"
 #include "host/platform/options.h"
 #include "platform/database.h"
@@ -15,6 +16,8 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <new>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -25,6 +28,27 @@ int __wrap_socket(int family, int type, int protocol);
 int __wrap_setsockopt(int fd, int level, int option, const void *value, socklen_t length);
 int __wrap_connect(int fd, const sockaddr *address, socklen_t length);
 ssize_t __wrap_send(int fd, const void *data, size_t length, int flags);
+}
+
+// The stand-in's allocations are made here, so that they can be made to fail.
+static size_t allocationsLeft = SIZE_MAX;
+
+void *operator new(size_t size)
+{
+    if (allocationsLeft == 0)
+        throw std::bad_alloc();
+    --allocationsLeft;
+    if (void *block = std::malloc(size))
+        return block;
+    throw std::bad_alloc();
+}
+void operator delete(void *block) noexcept
+{
+    std::free(block);
+}
+void operator delete(void *block, size_t) noexcept
+{
+    std::free(block);
 }
 
 namespace {
@@ -108,6 +132,17 @@ int Connect()
     const int error = errno;
     close(fd);
     return -error;
+}
+
+// 0 if the database can be opened.
+uint32_t OpenDatabase()
+{
+    const uint32_t record[8] = {1, 0, 1, 0, 0, 0, 0, 0};
+    int32_t handle = -1;
+    const uint32_t result = DBM_Open("eRSVP", "RSVP", 1, record, &handle);
+    if (result == 0)
+        DBM_Close(handle);
+    return result;
 }
 
 bool Answers()
@@ -209,26 +244,24 @@ TEST_F(HostPlatform, LifeOfTheDaemon)
     sigemptyset(&term);
     sigaddset(&term, SIGTERM);
     sigprocmask(SIG_BLOCK, &term, nullptr);
-    const std::string marker = base + "/marker";
-    const int openInCaller = open(marker.c_str(), O_RDWR | O_CREAT, 0600);
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    fcntl(ends[0], F_SETFL, O_NONBLOCK);
     ASSERT_EQ(Start(), 0u);
     const pid_t first = Pid();
-    for (const auto &entry : fs::directory_iterator("/proc/" + std::to_string(first) + "/fd"))
-        EXPECT_NE(fs::read_symlink(entry), marker);
-    close(openInCaller);
+    close(ends[1]);
+    char byte;
+    EXPECT_EQ(read(ends[0], &byte, 1), 0) << "the daemon holds the other end";
+    close(ends[0]);
     EXPECT_NE(getsid(first), getsid(0));
     EXPECT_EQ(Start(), 0u);
     EXPECT_EQ(Pid(), first);
     EXPECT_EQ(Status(), 1u);
-    const uint32_t record[8] = {1, 0, 1, 0, 0, 0, 0, 0};
-    int32_t handle = -1;
-    EXPECT_EQ(DBM_Open("eRSVP", "RSVP", 1, record, &handle), 0u);
-    DBM_Close(handle);
+    EXPECT_EQ(OpenDatabase(), 0u);
 
     const int session = Connect();
     ASSERT_GE(session, 0);
     kill(first, SIGKILL);
-    char byte;
     EXPECT_LE(recv(session, &byte, 1, 0), 0); // waits for the end of the process
     EXPECT_EQ(__wrap_send(session, "x", 1, 0), -1);
     EXPECT_EQ(errno, EPIPE);
@@ -236,7 +269,7 @@ TEST_F(HostPlatform, LifeOfTheDaemon)
     EXPECT_EQ(Stop(), 0u);
     EXPECT_EQ(Status(), 0u);
     EXPECT_EQ(Connect(), -ECONNREFUSED);
-    EXPECT_NE(DBM_Open("eRSVP", "RSVP", 1, record, &handle), 0u);
+    EXPECT_EQ(OpenDatabase(), 0x40010005u);
 
     EXPECT_EQ(Start(), 0u);
     EXPECT_TRUE(Answers());
@@ -285,22 +318,89 @@ TEST_F(HostPlatform, ManyProgramsAndTwoDevices)
     EXPECT_TRUE(Answers());
 }
 
+// A question that cannot be answered is not answered with "stopped".
+TEST_F(HostPlatform, DaemonsThatCannotBeSeen)
+{
+    ASSERT_EQ(Start(), 0u);
+    const pid_t daemon = Pid();
+    const fs::path lock = directory + "/" + std::string(rsvp_host::kLockFile), kept = lock.string() + ".kept";
+    const auto expectNothingKnown = [&](const char *why) {
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(Status(), 99u) << why;
+        EXPECT_EQ(OpenDatabase(), 0x40010001u) << why;
+        EXPECT_NE(Stop(), 0u) << why;
+        EXPECT_NE(Start(), 0u) << why;
+        EXPECT_NE(testing::internal::GetCapturedStderr().find(why), std::string::npos) << why;
+        EXPECT_EQ(kill(daemon, 0), 0);
+    };
+    fs::rename(lock, kept);
+    expectNothingKnown("does not hold the daemon's lock file");
+    fs::create_symlink(kept, lock);
+    expectNothingKnown("rsvpsimd.lock cannot be opened");
+    fs::remove(lock);
+    fs::create_directory(lock);
+    expectNothingKnown("rsvpsimd.lock cannot be read");
+    fs::remove(lock);
+    fs::rename(kept, lock);
+    rlimit before;
+    getrlimit(RLIMIT_NOFILE, &before);
+    for (const rlim_t more : {0, 1}) { // none at all, and one for the list of nodes, which is closed again
+        const int used = dup(0);
+        close(used);
+        const rlimit none = {static_cast<rlim_t>(used) + more, before.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &none);
+        EXPECT_EQ(Status(), more == 0 ? 99u : 1u);
+        EXPECT_NE(Stop(), 0u);
+        setrlimit(RLIMIT_NOFILE, &before);
+    }
+    EXPECT_TRUE(Answers());
+
+    // Without its socket nobody reaches it, but it runs and can be ended.
+    fs::remove(rsvp_host::PathOf(directory, rsvp_host::kSocketFile));
+    EXPECT_EQ(Status(), 1u);
+    EXPECT_EQ(OpenDatabase(), 0x40010001u);
+    EXPECT_EQ(Stop(), 0u);
+    EXPECT_EQ(Status(), 0u);
+}
+
+// The system accepts a connection to a process that a signal has stopped.
+TEST_F(HostPlatform, ADaemonThatHangs)
+{
+    ASSERT_EQ(Start(), 0u);
+    kill(Pid(), SIGSTOP);
+    EXPECT_TRUE(Answers());
+    testing::internal::CaptureStderr();
+    EXPECT_NE(Start(), 0u);
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("did not answer"), std::string::npos);
+    EXPECT_EQ(OpenDatabase(), 0x40010001u) << "it cannot object to its end";
+    EXPECT_EQ(Stop(), 0u);
+    EXPECT_EQ(Connect(), -ENOENT) << "woken up, it ended by itself";
+}
+
 TEST_F(HostPlatform, DaemonsThatNeverAnswer)
 {
     const std::string real = getenv("RSVP_SIMD");
     const std::string runner = getenv("RSVP_HOST_RUNNER");
     unsetenv("RSVP_HOST_RUNNER"); // scripts run without one
-    for (const auto &[script, said] : {std::pair("echo bad luck; exit 3", "ended before"),
-                                       {"echo $$ > $2/pid; exec sleep 60", "did not answer"}}) {
-        std::ofstream(base + "/fake") << "#!/bin/sh\n" << script << "\n";
-        chmod((base + "/fake").c_str(), 0700);
-        setenv("RSVP_SIMD", (base + "/fake").c_str(), 1);
+    // Whoever starts it, and from where, makes no difference to it.
+    const fs::path here = fs::current_path();
+    fs::current_path(base);
+    Use("device");
+    setenv("RSVP_HOST_DIR", "device", 1);
+    for (const auto &[script, said] :
+         {std::pair("echo $0 $2 $(pwd) $(umask) $(ulimit -c) $RSVP_HOST_DIR$RSVP_SIMD; exit 3", "ended before"),
+          {"echo $$ > $2/pid; exec sleep 60", "did not answer"}}) {
+        std::ofstream("fake") << "#!/bin/sh\n" << script << "\n";
+        chmod("fake", 0700);
+        setenv("RSVP_SIMD", "./fake", 1);
         testing::internal::CaptureStderr();
         EXPECT_NE(Start(), 0u);
         EXPECT_NE(testing::internal::GetCapturedStderr().find(said), std::string::npos);
         EXPECT_EQ(Status(), 0u);
     }
-    EXPECT_EQ(Read(rsvp_host::kLogFile), "bad luck\n");
+    fs::current_path(here);
+    Use("device");
+    EXPECT_EQ(Read(rsvp_host::kLogFile), base + "/./fake " + directory + " / 0077 0\n");
     // Nothing that failed to start lives on; it may still be waiting for whoever reaps orphans.
     std::ifstream stat("/proc/" + std::to_string(std::atoi(Read("pid").c_str())) + "/stat");
     std::string state = "gone", word;
@@ -308,6 +408,88 @@ TEST_F(HostPlatform, DaemonsThatNeverAnswer)
     EXPECT_TRUE(state == "gone" || state == "Z") << state;
     setenv("RSVP_SIMD", real.c_str(), 1);
     setenv("RSVP_HOST_RUNNER", runner.c_str(), 1);
+}
+
+// What else may stand in the place of the log: nothing waits for it, is written to it, or can be read by others.
+TEST_F(HostPlatform, TheLogIsAPlainFile)
+{
+    ASSERT_EQ(DEV_GetSystemMaster(), 1u); // makes the directory
+    const std::string log = rsvp_host::PathOf(directory, rsvp_host::kLogFile), victim = base + "/victim";
+    mkfifo(log.c_str(), 0600);
+    EXPECT_NE(Start(), 0u);
+    const int reader = open(log.c_str(), O_RDONLY | O_NONBLOCK);
+    EXPECT_NE(Start(), 0u);
+    close(reader);
+    fs::remove(log);
+    fs::create_symlink(victim, log);
+    EXPECT_NE(Start(), 0u);
+    EXPECT_FALSE(fs::exists(victim));
+    fs::remove(log);
+    std::ofstream(log) << "earlier\n";
+    chmod(log.c_str(), 0644);
+    EXPECT_EQ(Start(), 0u);
+    EXPECT_EQ(fs::status(log).permissions(), fs::perms(0600));
+    EXPECT_EQ(Read(rsvp_host::kLogFile).find("earlier\n"), 0u);
+}
+
+TEST_F(HostPlatform, AnAbortLeavesNoCore)
+{
+    const pid_t daemon = fork();
+    if (daemon == 0) {
+        rlimit core;
+        getrlimit(RLIMIT_CORE, &core);
+        core.rlim_cur = core.rlim_max;
+        setrlimit(RLIMIT_CORE, &core);
+        fs::current_path(base);
+        const std::string words = std::string("exec ") + getenv("RSVP_HOST_RUNNER") + " " + getenv("RSVP_SIMD");
+        execl("/bin/sh", "sh", "-c", words.c_str(), nullptr);
+        _exit(127);
+    }
+    while (Status() != 1 && waitpid(daemon, nullptr, WNOHANG) == 0) {
+    }
+    kill(daemon, SIGABRT);
+    int result = 0;
+    EXPECT_EQ(waitpid(daemon, &result, 0), daemon);
+    EXPECT_TRUE(WIFSIGNALED(result) && !WCOREDUMP(result)) << result;
+}
+
+// The callers are C programs: no exception leaves a platform call.
+TEST_F(HostPlatform, WithoutMemory)
+{
+    ASSERT_EQ(DEV_GetSystemMaster(), 1u);
+    const std::string nodes = rsvp_host::PathOf(directory, rsvp_host::kNodesFile);
+    const std::pair<const char *, bool (*)()> calls[] = {
+        {"master", [] { return DEV_GetSystemMaster() == 1; }},
+        {"standby",
+         [] {
+             uint32_t count = 0;
+             uint16_t *list = DEV_GetAllStandbyNodes(&count);
+             std::free(list);
+             return list != nullptr;
+         }},
+        {"start", [] { return Start() == 0; }},
+        {"stop", [] { return Stop() == 0; }},
+        {"batch",
+         [] {
+             uint16_t node = 2;
+             return SERVICE_BatchStart(&node, 1, "RSVP", 0, 0) == 0;
+         }},
+        {"options",
+         [] {
+             PLUGIN_OptInit("/etc/te.conf");
+             return true;
+         }},
+    };
+    for (const auto &[name, call] : calls)
+        for (size_t n = 0, done = 0; done == 0 && n < 1000; ++n) {
+            unlink(nodes.c_str()); // so that it is made again, with words on the heap
+            allocationsLeft = n;
+            done = call() ? 1 : 0;
+            allocationsLeft = SIZE_MAX;
+            EXPECT_TRUE(done != 0 || name != std::string("start") || Status() == 0) << "a failed start goes on";
+        }
+    EXPECT_EQ(Status(), 0u);
+    EXPECT_EQ(Status(2), 1u);
 }
 
 TEST_F(HostPlatform, NodesAsAPersonWritesThem)
@@ -342,6 +524,9 @@ TEST_F(HostPlatform, NodesAsAPersonWritesThem)
     EXPECT_NE(SERVICE_BatchStart(nodes, 3, "RSVP", 0, 0), 0u); // there is no 8, and 3 is served all the same
     EXPECT_EQ(Status(2), 1u);
     EXPECT_EQ(Status(3), 1u);
+    EXPECT_EQ(SERVICE_Stop(2, "RSVP", 0, 3), 0u);
+    EXPECT_EQ(Status(2), 0u);
+    EXPECT_FALSE(fs::exists(rsvp_host::PathOf(directory, "service/2"))) << "a full disk must not keep it running";
     Write("service/3", "up\n");
     EXPECT_EQ(Status(3), 99u);
 }
@@ -350,6 +535,10 @@ TEST_F(HostPlatform, OptionLines)
 {
     ASSERT_EQ(DEV_GetSystemMaster(), 1u);
     EXPECT_EQ(PLUGIN_OptInit("/etc/te.conf"), nullptr);
+    const std::string file = rsvp_host::PathOf(directory, rsvp_host::kOptionFile);
+    mkfifo(file.c_str(), 0600);
+    EXPECT_EQ(PLUGIN_OptInit("/etc/te.conf"), nullptr); // and does not wait for a writer
+    fs::remove(file);
     HostOption table[] = {{"refresh", 0}, {"dscp", 8}, {nullptr, 0}};
     const struct {
         std::string text;

@@ -1,18 +1,34 @@
 #!/bin/bash
-# Cuts a build into its Debian packages, lets Debian's own checker look at them if it is installed, and takes the steps
-# of docs/quick-start.md with what they hold.
+# Cuts a build into its Debian packages, twice and with the same result, reads back how what they hold was built, lets
+# Debian's own checker look at them if it is installed, and takes the steps of docs/quick-start.md with them.
 #
-#     packages_test.sh BUILD_DIRECTORY
+#     packages_test.sh BUILD_DIRECTORY READELF
 set -euo pipefail
 source=$(cd "$(dirname "$0")/.." && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-(cd "$work" && cpack --config "$1/CPackConfig.cmake" -B "$work") >"$work/log" 2>&1 || {
-  cat "$work/log"
-  exit 1
+
+pack() {
+  mkdir "$2"
+  (cd "$2" && cpack --config "$1/CPackConfig.cmake" -B "$2") >"$work/log" 2>&1 || {
+    cat "$work/log"
+    exit 1
+  }
 }
-[ "$(find "$work" -maxdepth 1 -name '*.deb' | wc -l)" = 3 ]
-if command -v lintian >/dev/null; then
-  lintian --fail-on error "$work"/*.deb 2>&1
+
+pack "$1" "$work/once"
+TZ=Asia/Tokyo pack "$1" "$work/again"
+[ "$(find "$work/once" -maxdepth 1 -name '*.deb' | wc -l)" = 3 ]
+for package in "$work"/once/*.deb; do
+  cmp "$package" "$work/again/${package##*/}"
+  dpkg-deb -x "$package" "$work/root"
+done
+sh "$source/tests/elf_test.sh" "$2" shipped "$work/root"
+if grep -rlF "$source" "$work/root"; then
+  echo "these files name the place of the sources"
+  exit 1
 fi
-"$source/cmake/try_packages.sh" --unpack "$work"
+if command -v lintian >/dev/null; then
+  lintian --fail-on error "$work"/once/*.deb 2>&1
+fi
+"$source/cmake/try_packages.sh" --unpack "$work/once"

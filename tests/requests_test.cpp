@@ -2,6 +2,7 @@
 // service running and stopped, and its message compared with literal bytes. A function without a row fails the test.
 #include "tests/support/operations.h"
 
+#include <cerrno>
 #include <fstream>
 
 using namespace scripted;
@@ -43,6 +44,23 @@ TEST_F(Requests, AreTheLiteralBytes)
                       OwnSession(operation) ? "socket setsockopt*2 connect send recv close" : "send recv");
             Release(operation);
             EXPECT_TRUE(Clean());
+        }
+}
+
+// Whatever becomes of the request, and of no other: no key stays on the stack behind the call.
+TEST_F(Requests, AreWipedIfTheyCarryAKey)
+{
+    for (const Operation &operation : Operations())
+        for (const char *failing : {"", "socket", "send", "recv"}) {
+            SCOPED_TRACE(operation.name + std::string(" ") + failing);
+            Reset();
+            world.script[failing] = {EPIPE};
+            Perform(operation, Reply(0, GoodBody(operation)));
+            const Bytes request = Hex(operation.request);
+            const bool carriesKey = request.find(Hex("00030044")) != Bytes::npos;
+            EXPECT_EQ(carriesKey, std::string(operation.name).ends_with("AuthKey"));
+            EXPECT_EQ(world.wiped, carriesKey ? request.size() : 0);
+            Release(operation);
         }
 }
 

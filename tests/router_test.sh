@@ -30,6 +30,12 @@ diff "$work/platform" "$work/open" || {
   exit 1
 }
 
+[ "$("$triplet-readelf" -d "$library" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p')" = libc.so.6 ] || {
+  echo "the library must need the C library alone"
+  exit 1
+}
+sh "$source/tests/elf_test.sh" "$triplet-readelf" router "$work/build/lib"
+
 build "$work/libplatform.so"
 "$triplet-readelf" -d "$library" | grep -q 'NEEDED.*\[libplatform.so.1\]' || {
   echo "the platform's library was named, but the library does not need it"

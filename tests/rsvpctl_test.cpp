@@ -14,6 +14,7 @@
 #include "tools/rsvpctl/watch/row_changes.h"
 
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fmt/format.h>
@@ -460,14 +461,141 @@ TEST(Rsvpctl, WhatIsNotTextOrCannotBeWrittenIsNotSilence)
     const json batch = CtlJson(directory, "batch - --keep-going", "set peer \xff\nset peer 10.0.0.9\n");
     ASSERT_EQ(batch["rows"].size(), 2);
     EXPECT_EQ(batch["rows"][1]["exitStatus"], 0);
-    EXPECT_EQ(Ctl(directory, "batch -", "set 'peer \x1b[2J'\n").err.find('\x1b'), std::string::npos);
-
     // A descriptor that the caller closed is not the session's: the daemon gets requests and nothing else.
     for (const char *line : {"show tunnels", "show tunnels --json", "show global", "--help"}) {
         const Result result = Ctl(directory, line, "", program::Output::Closed);
         EXPECT_EQ(result.exit, 7) << line;
         EXPECT_NE(result.err.find("could not be written"), std::string::npos) << line << result.err;
     }
+}
+
+std::string TextOf(const std::string &path)
+{
+    std::ostringstream text;
+    text << std::ifstream(path).rdbuf();
+    EXPECT_FALSE(text.str().empty()) << path;
+    return text.str();
+}
+
+// A page is commands, each behind "$ rsvpctl ", and what they print.
+TEST(Rsvpctl, ShowsEveryLineOfAPage)
+{
+    const std::string folder = PAGES_PATH;
+    const HostDirectory directory(TextOf(folder + "scenario.toml") +
+                                  TextOf(std::string(SCENARIOS_PATH) + "p2mp.toml"));
+    ASSERT_EQ(Ctl(directory, "enable").exit, 0);
+    for (const std::string name : {"details.txt", "tree.txt"}) {
+        const std::string page = TextOf(folder + name);
+        std::istringstream lines(page);
+        std::string printed;
+        for (std::string line; std::getline(lines, line);) {
+            if (line.starts_with("$ rsvpctl "))
+                printed += line + "\n" + Ctl(directory, line.substr(10)).out;
+        }
+        std::ofstream(name) << printed;
+        EXPECT_EQ(printed, page) << "if this is meant: cp " << std::filesystem::absolute(name).string() << " "
+                                 << folder;
+    }
+}
+
+TEST(Rsvpctl, ShowsTheRowsThatAllOfItsOptionsChoose)
+{
+    const HostDirectory directory("[rows]\npsb = 3\nrsb = 2\nphsb = 2\ncrlsp = 2\n"
+                                  "[[psb]]\nsession = { tunnelEndpoint = \"10.0.0.2\", tunnelId = 4, "
+                                  "extendedTunnelId = \"10.0.0.4\" }\n"
+                                  "sender = { senderAddress = \"10.0.0.10\", lspId = 13 }\n");
+    ASSERT_EQ(Ctl(directory, "enable").exit, 0);
+    const struct {
+        const char *line;
+        size_t rows;
+    } cases[] = {
+        {"show psb", 4},
+        {"show psb --end-point 10.0.0.2", 2},
+        {"show psb --end-point 10.0.0.2 --tunnel-id 3", 1},
+        {"show psb --end-point 10.0.0.2 --lsp-id 13", 1},
+        {"show psb --end-point 10.0.0.1 --lsp-id 13", 0},
+        {"show psb --sender 10.0.0.10 --tunnel-id 4", 1},
+        {"show psb --sender 10.0.0.11 --tunnel-id 4", 0},
+        {"show psb --sender 10.0.0.10 --lsp-id 12", 3},
+        {"show rsb --end-point 10.0.0.2 --lsp-id 3", 1}, // of one of its filters
+        {"show rsb --end-point 10.0.0.2 --lsp-id 5", 0},
+        {"show phsb --sender 10.0.0.3 --lsp-id 5", 1},
+        {"show phsb --sender 10.0.0.3 --lsp-id 4", 0}, // each of another filter
+        {"show crlsp --sender 0.0.0.3 --tunnel-id 4 --lsp-id 5", 2},
+        {"show crlsp --sender 0.0.0.3 --end-point 0.0.0.2", 1},
+        {"show crlsp --sender 0.0.0.3 --tunnel-id 4 --lsp-id 6", 0},
+        {"show crlsp --after 0.0.0.1,0.0.0.2,0.0.0.3,4,5,06060605", 2}, // the bytes belong to the key
+        {"show crlsp --after 0.0.0.1,0.0.0.2,0.0.0.3,4,5,06060606", 1},
+    };
+    for (const auto &row : cases)
+        EXPECT_EQ(CtlJson(directory, row.line)["rows"].size(), row.rows) << row.line;
+    for (const char *bytes : {"060606", "0606060606", "0606060g", "0x060606"}) {
+        const Result result = Ctl(directory, fmt::format("show crlsp --after 1,2,3,4,5,{}", bytes));
+        EXPECT_EQ(result.exit, 2) << bytes;
+        EXPECT_NE(result.err.find("keyTail takes 8 hex digits"), std::string::npos) << result.err;
+    }
+}
+
+TEST(Rsvpctl, NothingFromOutsideSteersTheTerminal)
+{
+    const struct {
+        const char *text;
+        const char *shown;
+    } cases[] = {
+        {"plain", "plain"},
+        {"\x1b[2J\n\t\x7f", "\\x1b[2J\\x0a\\x09\\x7f"},
+        {"\xc2\x9b", "\\xc2\\x9b"}, // what begins a sequence in eight bits
+        {"\x9b \xff", "\\x9b \\xff"},
+        {"\xc1\x9b\xe0\x82\x9b\xf0\x80\x82\x9b",
+         "\\xc1\\x9b\\xe0\\x82\\x9b\\xf0\\x80\\x82\\x9b"}, // longer than need be
+        {"\xf8\x90\x80\x80\x80\xf4\x90\x80\x80", "\\xf8\\x90\\x80\\x80\\x80\\xf4\\x90\\x80\\x80"},
+        {"\xc2\xa0\xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80", "\xc2\xa0\xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80"},
+        {"\xe2\x82", "\\xe2\\x82"}, // cut
+    };
+    for (const auto &row : cases)
+        EXPECT_EQ(manager::HarmlessText(row.text), row.shown);
+
+    const HostDirectory directory;
+    const std::string hostile = "x\x1b[2J\xc2\x9b\x7fy";
+    directory.Write("key.json", "{\"x\\u001b[2J\xc2\x9b\x7fy\\nrsvpctl: z\": 1}");
+    directory.Write("commands", "set '" + hostile + "'\n");
+    std::filesystem::create_directory(directory.PathOf("etc"));
+    directory.Write("etc/te.conf", "plugin-option " + hostile + "=1\n");
+    for (const std::string &line :
+         {std::string("tree --key-file key.json"), std::string("batch commands"), "options '" + hostile + "'"}) {
+        for (const char *style : {"", " --json"}) {
+            const Result result = Ctl(directory, line + style);
+            const std::string all = result.out + result.err;
+            EXPECT_NE(all.find("[2J"), std::string::npos) << line;
+            EXPECT_EQ(all.find_first_of("\x1b\x9b\x7f"), std::string::npos) << line << style;
+            EXPECT_EQ(all.find("\nrsvpctl: z"), std::string::npos) << "a name is no message";
+        }
+    }
+}
+
+TEST(Rsvpctl, InputWithoutAnEndIsRefused)
+{
+    const HostDirectory directory;
+    const struct {
+        const char *line;
+        int exit;
+        const char *err;
+    } cases[] = {
+        {"tree --key-file /dev/zero", 2, "/dev/zero: has more than 65536 bytes"},
+        {"set auth-key --key-file /dev/zero", 2, "/dev/zero: a key has at most 68 bytes"},
+        {"batch /dev/zero --keep-going", 4, "/dev/zero:1: batch: the line has more than 65536 bytes"},
+        {"batch . --keep-going", 4, "the file cannot be read: Is a directory"},
+    };
+    for (const auto &row : cases) {
+        const Result result = Ctl(directory, row.line);
+        EXPECT_EQ(result.exit, row.exit) << row.line;
+        EXPECT_NE(result.err.find(row.err), std::string::npos) << row.line << "\n" << result.err;
+    }
+    const std::string cut("set peer 10.0.0.9\0x\n", 20);
+    EXPECT_EQ(CtlJson(directory, "batch -", cut)["rows"][0]["exitStatus"], 2)
+        << "what is behind a byte 0 is not dropped";
+    directory.Write("key.json", R"({"keyWord0": "10.0.0.9\u0000x"})");
+    EXPECT_NE(Ctl(directory, "tree --key-file key.json").err.find("keyWord0 takes"), std::string::npos);
 }
 
 TEST(Rsvpctl, ABatchIsNotTheKeyOfItsOwnLines)
@@ -482,6 +610,11 @@ TEST(Rsvpctl, ABatchIsNotTheKeyOfItsOwnLines)
         EXPECT_EQ(document["exitStatus"], 2) << name;
         EXPECT_EQ(document["rows"].size(), 1) << "the next line was not taken for the key";
     }
+    const std::pair<const char *, const char *> others[] = {
+        {"completion bash", "completion bash"}, {"batch other", "batch"}, {"watch status --count 1", "watch status"}};
+    for (const auto &[line, name] : others)
+        EXPECT_EQ(CtlJson(directory, "batch -", line)["rows"][0]["error"],
+                  std::string(name) + ": cannot be used in a batch");
     directory.Write("commands", "set auth-key --key-file key.txt\nset auth-key --key-file other\n");
     EXPECT_EQ(CtlJson(directory, "batch commands")["rows"][1]["exitStatus"], 2);
 }
@@ -551,7 +684,7 @@ private:
     }
 
     rsvpsimd::Instance instance_;
-    int stop_ = eventfd(0, 0);
+    int stop_ = eventfd(0, EFD_NONBLOCK);
     std::vector<rsvpsimd::Bytes> frames_;
     std::thread thread_;
 };
@@ -735,6 +868,8 @@ TEST(Rsvpctl, AKeyThatIsNotOneIsRefusedByTheNameOfItsField)
         EXPECT_EQ(result.exit, row.exit) << row.text << "\n" << result.err;
         EXPECT_NE(result.err.find(row.err), std::string::npos) << row.text << "\n" << result.err;
     }
+    EXPECT_EQ(Ctl(directory, "tree --key-file -", file("\"keyWord0\": 1")).exit, 0);
+    EXPECT_NE(Ctl(directory, "tree --key-file -", "[1]").err.find("-: is not a JSON object"), std::string::npos);
     const std::string tree = "tree --key 1 0.0.0.0 0 0 0 0 0 0 0 0 0";
     EXPECT_EQ(Ctl(directory, tree).exit, 0);
     const Result noLeaf = Ctl(directory, tree + " --leaf 10.9.9.9");
@@ -752,6 +887,9 @@ TEST(Rsvpctl, EnablesAndDisablesTheNodesOfOneDeviceAlone)
     EXPECT_EQ(Ctl(device, "enable").exit, 0); // all of it is done already
     EXPECT_EQ(device.Read("service/8") + device.Read("service/9"), "1\n1\n");
     const std::string pid = device.Read(rsvp_host::kLockFile);
+    kill(std::stoi(pid), SIGSTOP);
+    EXPECT_EQ(Ctl(device, "enable").exit, 4) << "a daemon that hangs";
+    kill(std::stoi(pid), SIGCONT);
     EXPECT_EQ(Ctl(other, "status").exit, 5);
 
     EXPECT_EQ(Ctl(other, "enable").exit, 0);
@@ -763,7 +901,7 @@ TEST(Rsvpctl, EnablesAndDisablesTheNodesOfOneDeviceAlone)
     EXPECT_EQ(device.Read(rsvp_host::kLockFile), pid);
 
     EXPECT_EQ(Ctl(device, "disable").exit, 0);
-    EXPECT_EQ(device.Read("service/8") + device.Read("service/9"), "0\n0\n");
+    EXPECT_EQ(device.Read("service/8") + device.Read("service/9"), "");
     EXPECT_NE(access(device.PathOf(rsvp_host::kSocketFile).c_str(), F_OK), 0);
     const json status = CtlJson(device, "status");
     EXPECT_EQ(status["record"]["service"], "stopped");
@@ -838,6 +976,28 @@ TEST(Rsvpctl, AWatchTellsWhatChangedFromWhatWasNotSeen)
     Watched watched;
     for (const auto &poll : polls)
         EXPECT_EQ(watched.Poll(poll.rows, 1, poll.complete), poll.events) << &poll - polls;
+}
+
+TEST(Rsvpctl, AWatchOfATableWithoutAnEndEnds)
+{
+    constexpr size_t kMostBytes = 10000;
+    constexpr manager::KeyPart kKeys[] = {{"row", 0, 4}};
+    rsvpctl::RowChanges changes(kKeys, kMostBytes);
+    size_t number = 0;
+    const auto addRows = [&](size_t count) {
+        for (size_t i = 0; i < count; ++i)
+            changes.Row(fmt::format("{{\"row\":{}}}", number++), 1);
+    };
+    for (int poll = 0; poll < 100; ++poll) { // what is gone does not count
+        addRows(10);
+        changes.EndPoll(true, 1, nullptr);
+    }
+    for (int poll = 0; poll < 2; ++poll) { // what was not seen again does
+        addRows(10);
+        changes.EndPoll(false, 1, nullptr);
+    }
+    EXPECT_EQ(changes.Rows(), 30);
+    EXPECT_THROW(addRows(kMostBytes), std::length_error);
 }
 
 TEST(Rsvpctl, ADurationIsANumberWithAUnit)

@@ -153,10 +153,10 @@ Daemon::Result Daemon::ShowRow(const RowKind &kind, const Message &request, cons
     Seek seek = next ? Seek::After : Seek::Exact;
     if (first)
         seek = Seek::First;
-    else if (next && walk.stuck && table.Find(Seek::Exact, key))
+    else if (next && walk.stuck && table.Find(Seek::Exact, key, ingress))
         seek = Seek::Exact;
     std::optional<EncodedRow> row = table.Find(seek, key, ingress);
-    if (next && walk.shifting && row) {
+    if (next && walk.shifting && row && table.HasRoomFor(row->key)) {
         table.Remove(row->key);
         row = table.Find(seek, key, ingress);
     }

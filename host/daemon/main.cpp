@@ -1,13 +1,16 @@
 // rsvpsimd: a simulated signalling daemon for machines that have none. It answers every request of the management
 // protocol from a scenario, from rows made by number, and from the commands it has received.
 #include "host/daemon/instance.h"
+#include "host/daemon/line_log.h"
 #include "host/daemon/options.h"
+#include "host/daemon/sandbox.h"
 #include "host/daemon/server.h"
 #include "host/directory.h"
+#include "process/hardening.h"
 #include "process/standard_streams.h"
 
 #include <csignal>
-#include <cstdio>
+#include <fmt/format.h>
 #include <sys/signalfd.h>
 #include <system_error>
 #include <unistd.h>
@@ -24,27 +27,59 @@ int OpenStopSignals()
     sigaddset(&signals, SIGTERM);
     sigaddset(&signals, SIGINT);
     sigprocmask(SIG_BLOCK, &signals, nullptr);
-    const int fd = signalfd(-1, &signals, SFD_CLOEXEC);
+    const int fd = signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
     if (fd < 0)
         throw std::system_error(errno, std::generic_category(), "signalfd");
     return fd;
 }
 
-// Lines go out at once: a trace that lacks its last lines does not tell why the daemon ended.
-void OpenTrace(rsvpsimd::Daemon &daemon, const std::string &path)
+// Writing to a pipe without a reader, or beyond the largest file that this user may have, fails instead of ending
+// the daemon.
+void IgnoreSignalsOfWriting()
 {
-    std::FILE *file = path.empty() ? stderr : std::fopen(path.c_str(), "ae");
-    if (file == nullptr)
-        throw std::runtime_error("--trace: cannot write to " + path);
-    std::setvbuf(file, nullptr, _IOLBF, BUFSIZ);
-    daemon.TraceTo([file](const std::string &line) { std::fprintf(file, "%s\n", line.c_str()); });
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
 }
 
-int Serve(rsvpsimd::Daemon &daemon, const rsvpsimd::Options &options)
+// Standard error, and the file of the trace if it has one of its own.
+class Logs {
+public:
+    ~Logs()
+    {
+        if (const uint64_t lost = trace_ ? trace_->Finish() : 0; lost != 0)
+            Tell(fmt::format("{} lines of the trace were lost", lost));
+    }
+
+    void Tell(const std::string &sentence) { messages_.Write("rsvpsimd: " + sentence); }
+    void OpenTrace(const std::string &path) { trace_.emplace(path); }
+    void Trace(const std::string &line) { (trace_ ? *trace_ : messages_).Write(line); }
+
+    void Flush()
+    {
+        messages_.Flush();
+        if (trace_)
+            trace_->Flush();
+    }
+
+private:
+    rsvpsimd::LineLog messages_;
+    std::optional<rsvpsimd::LineLog> trace_;
+};
+
+int Serve(rsvpsimd::Daemon &daemon, const rsvpsimd::Options &options, Logs &logs)
 {
+    const std::string directory = rsvp_host::DirectoryPath(options.hostDirectory);
     const int stop = OpenStopSignals();
-    rsvpsimd::Instance instance(rsvp_host::DirectoryPath(options.hostDirectory));
+    rsvpsimd::Instance instance(directory);
     rsvpsimd::Server server(instance.Listener(), stop, daemon);
+    server.TellTo([&logs](const std::string &sentence) { logs.Tell(sentence); });
+    server.EverySecond([&] {
+        if (const std::string done = instance.Recover(); !done.empty())
+            logs.Tell(done);
+        logs.Flush();
+    });
+    for (const std::string &missing : rsvpsimd::Confine(directory))
+        logs.Tell(missing);
     // The fault is meant to leave everything as a crash would.
     if (server.Run() == rsvpsimd::Server::End::Crashed)
         _exit(kToldToCrash);
@@ -56,6 +91,9 @@ int Serve(rsvpsimd::Daemon &daemon, const rsvpsimd::Options &options)
 int main(int argc, char **argv)
 {
     process::OpenStandardStreams();
+    process::LeaveNoCore();
+    IgnoreSignalsOfWriting();
+    Logs logs;
     try {
         int exitStatus = kDone;
         std::optional<rsvpsimd::Options> options = rsvpsimd::ReadOptions(argc, argv, exitStatus);
@@ -67,17 +105,20 @@ int main(int argc, char **argv)
         }
         rsvpsimd::Daemon daemon;
         rsvpsimd::Configure(daemon, *options);
-        if (options->trace)
-            OpenTrace(daemon, *options->trace);
-        return options->check ? kDone : Serve(daemon, *options);
+        if (options->trace) {
+            if (!options->trace->empty())
+                logs.OpenTrace(*options->trace);
+            daemon.TraceTo([&logs](const std::string &line) { logs.Trace(line); });
+        }
+        return options->check ? kDone : Serve(daemon, *options, logs);
     } catch (const rsvpsimd::InstanceError &error) {
-        std::fprintf(stderr, "rsvpsimd: %s\n", error.what());
+        logs.Tell(error.what());
         return kNoInstance;
     } catch (const std::system_error &error) {
-        std::fprintf(stderr, "rsvpsimd: %s\n", error.what());
+        logs.Tell(error.what());
         return kNoInstance;
     } catch (const std::exception &error) {
-        std::fprintf(stderr, "rsvpsimd: %s\n", error.what());
+        logs.Tell(error.what());
         return kUsage;
     }
 }

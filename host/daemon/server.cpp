@@ -1,19 +1,30 @@
 // Moves messages between the sockets and the daemon. Whatever a client does - sends nonsense, takes no answers, hangs
-// up at any moment, opens connections without end - costs that client its place and nobody else anything.
+// up at any moment, opens connections without end - costs that client its place and nobody else anything. What the
+// system refuses, memory or descriptors, is tried again: the daemon goes on with those that it has.
 #include "host/daemon/server.h"
 
+#include <algorithm>
 #include <cerrno>
-#include <poll.h>
+#include <cstring>
+#include <fmt/format.h>
 #include <sys/socket.h>
-#include <system_error>
+#include <thread>
 #include <unistd.h>
 
 namespace rsvpsimd {
 
 namespace {
 
-constexpr size_t kMaxClients = 256;
 constexpr size_t kAcceptsPerTurn = 16;
+constexpr std::chrono::seconds kBetweenChores{1};
+constexpr std::chrono::milliseconds kPause{100}; // before something is tried again that the system cannot do now
+
+pid_t ProcessOf(int fd)
+{
+    ucred peer{};
+    socklen_t size = sizeof(peer);
+    return getsockopt(fd, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 ? peer.pid : 0;
+}
 
 } // namespace
 
@@ -25,15 +36,19 @@ Server::~Server()
 
 Server::End Server::Run()
 {
+    nextChores_ = Clock::now() + kBetweenChores;
     std::vector<pollfd> polled;
     for (;;) {
-        polled.assign({{stop_, POLLIN, 0}, {listener_, POLLIN, 0}});
+        if (Clock::now() >= nextChores_)
+            DoChores();
+        // A negative descriptor is not looked at; a socket is, even if nothing is wanted of it.
+        polled.assign({{stop_, POLLIN, 0}, {Clock::now() >= nextAccept_ ? listener_ : -1, POLLIN, 0}});
         for (const Client &client : clients_) {
             const int wanted = client.answers.empty() ? POLLIN : client.blocked ? POLLOUT : 0;
             polled.push_back({client.fd, static_cast<short>(wanted), 0});
         }
-        if (poll(polled.data(), polled.size(), Timeout()) < 0 && errno != EINTR)
-            throw std::system_error(errno, std::generic_category(), "poll");
+        if (!WaitForEvents(polled))
+            continue;
         if (polled[0].revents != 0)
             return End::Stopped;
         auto client = clients_.begin();
@@ -52,35 +67,111 @@ Server::End Server::Run()
     }
 }
 
-// Until the first delayed answer is due, or for ever if there is none.
-int Server::Timeout() const
+// A poll that fails for want of memory or descriptors says nothing about the clients. After a pause it is tried
+// again, and meanwhile the loop can still be told to end.
+bool Server::WaitForEvents(std::vector<pollfd> &polled)
 {
-    int timeout = -1;
-    const auto now = Clock::now();
-    for (const Client &client : clients_) {
-        if (client.answers.empty() || client.blocked)
-            continue;
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(client.answers.front().due - now).count();
-        const int wait = static_cast<int>(std::max<int64_t>(left, 0));
-        timeout = timeout < 0 ? wait : std::min(timeout, wait);
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(NextDeadline() - Clock::now()).count();
+    if (poll(polled.data(), polled.size(), static_cast<int>(std::max<int64_t>(left, 0))) >= 0) {
+        trouble_.erase("poll");
+        return true;
     }
-    return timeout;
+    if (errno == EINTR)
+        return false;
+    TellOnce("poll", errno);
+    std::this_thread::sleep_for(kPause);
+    std::array<uint8_t, 128> content; // of an event or of a signal
+    polled[0].revents = read(stop_, content.data(), content.size()) > 0 ? POLLIN : 0;
+    return polled[0].revents != 0;
+}
+
+// The next chores, the first delayed answer, or the end of a pause.
+Server::Clock::time_point Server::NextDeadline() const
+{
+    Clock::time_point next = nextChores_;
+    if (nextAccept_ > Clock::now())
+        next = std::min(next, nextAccept_);
+    for (const Client &client : clients_)
+        if (client.Waits())
+            next = std::min(next, client.answers.front().due);
+    return next;
+}
+
+void Server::DoChores()
+{
+    nextChores_ = Clock::now() + kBetweenChores;
+    if (refused_ != 0)
+        Tell(fmt::format("{} connections were closed: a process has at most {} sessions, all together {}", refused_,
+                         places_.ofProcess, places_.ofAll));
+    refused_ = 0;
+    if (chore_)
+        chore_();
 }
 
 void Server::Accept()
 {
     for (size_t i = 0; i < kAcceptsPerTurn; ++i) {
         const int fd = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
-        if (fd < 0) {
-            // Out of descriptors: the client that was silent longest makes room, and the next turn accepts again.
-            if ((errno == EMFILE || errno == ENFILE || errno == ENOMEM || errno == ENOBUFS) && !clients_.empty())
-                Drop(clients_.begin());
-            return;
+        if (fd >= 0) {
+            trouble_.erase("accept");
+            Admit(fd);
+            continue;
         }
-        if (clients_.size() == kMaxClients)
-            Drop(clients_.begin());
-        clients_.push_back({.fd = fd, .number = ++accepted_});
+        if (errno == EAGAIN || errno == EWOULDBLOCK)
+            return;
+        if (errno == EINTR || errno == ECONNABORTED)
+            continue;
+        // Most likely no descriptor is left. The newcomers stay in their queue until one is.
+        const int error = errno;
+        if (!MakeRoom(std::nullopt)) {
+            TellOnce("accept", error);
+            nextAccept_ = Clock::now() + kPause;
+        }
+        return;
     }
+}
+
+void Server::Admit(int fd)
+{
+    const pid_t process = ProcessOf(fd);
+    const auto own = std::ranges::count(clients_, process, &Client::process);
+    bool room = true;
+    if (static_cast<size_t>(own) >= places_.ofProcess)
+        room = MakeRoom(process);
+    else if (clients_.size() >= places_.ofAll)
+        room = MakeRoom(std::nullopt);
+    if (room) {
+        clients_.push_back({.fd = fd, .number = ++accepted_, .process = process, .heard = Clock::now()});
+    } else {
+        close(fd);
+        ++refused_;
+    }
+}
+
+// Drops the session that was silent longest, of this process or of all, unless all of them are in use.
+bool Server::MakeRoom(std::optional<pid_t> process)
+{
+    const auto oldest = std::ranges::find_if(clients_, [&](const Client &client) {
+        return process.value_or(client.process) == client.process && !client.Waits() &&
+               Clock::now() - client.heard >= places_.idle;
+    });
+    if (oldest == clients_.end())
+        return false;
+    Drop(oldest);
+    return true;
+}
+
+// Once until the call works again: it is tried ten times a second.
+void Server::TellOnce(const std::string &call, int error)
+{
+    if (trouble_.insert(call).second)
+        Tell(fmt::format("{}: {}; clients wait until it works again", call, std::strerror(error)));
+}
+
+void Server::Tell(const std::string &sentence) const
+{
+    if (tell_)
+        tell_(sentence);
 }
 
 bool Server::Serve(Client &client, short events)
@@ -101,6 +192,7 @@ bool Server::Read(Client &client)
         return errno == EAGAIN || errno == EINTR;
     if (got == 0)
         return false;
+    client.heard = Clock::now();
     Reply reply = daemon_.Answer(ByteView(request).first(static_cast<size_t>(got)), client.number);
     crashed_ = reply.crash;
     for (int i = 0; i < reply.copies; ++i)

@@ -1,5 +1,6 @@
 // The loop: one thread, one poll, a limited number of clients. A client is read only when it has taken its last
 // answer, and each turn answers one request per client, so that none can fill the memory or keep the others waiting.
+// Places are counted for each process, so that one that connects without end takes them from itself alone.
 #ifndef HOST_DAEMON_SERVER_H
 #define HOST_DAEMON_SERVER_H
 
@@ -7,17 +8,34 @@
 
 #include <deque>
 #include <list>
+#include <poll.h>
+#include <set>
 
 namespace rsvpsimd {
+
+struct Places {
+    size_t ofAll = 256;
+    size_t ofProcess = 64;
+    std::chrono::milliseconds idle = std::chrono::minutes(1); // a session that is silent for longer makes room
+};
 
 class Server {
 public:
     // `listener` is a listening SOCK_SEQPACKET socket, `stop` a descriptor that becomes readable when it is time to
-    // end. Both remain the caller's.
-    Server(int listener, int stop, Daemon &daemon) : listener_(listener), stop_(stop), daemon_(daemon) {}
+    // end. Neither may block, and both remain the caller's.
+    Server(int listener, int stop, Daemon &daemon, Places places = {})
+        : listener_(listener), stop_(stop), daemon_(daemon), places_(places)
+    {
+    }
     ~Server();
     Server(const Server &) = delete;
     Server &operator=(const Server &) = delete;
+
+    // Who hears of what goes wrong with the sockets.
+    void TellTo(std::function<void(const std::string &)> sink) { tell_ = std::move(sink); }
+
+    // Is called once a second, between two turns. What it throws ends the loop.
+    void EverySecond(std::function<void()> chore) { chore_ = std::move(chore); }
 
     enum class End : uint8_t { Stopped, Crashed };
     End Run();
@@ -32,12 +50,22 @@ private:
     struct Client {
         int fd = -1;
         uint64_t number = 0;
+        pid_t process = 0;                 // 0 if it cannot be seen from here: such processes share their places
+        Clock::time_point heard{};         // when it connected or asked last
         std::deque<Outgoing> answers = {}; // never more than those to one request
         bool blocked = false;              // the socket did not take the answer
+
+        bool Waits() const { return !answers.empty() && !blocked; } // for an answer that is not due yet
     };
 
-    int Timeout() const;
+    bool WaitForEvents(std::vector<pollfd> &polled); // false: there is nothing to look at
+    Clock::time_point NextDeadline() const;
+    void DoChores();
     void Accept();
+    void Admit(int fd);
+    bool MakeRoom(std::optional<pid_t> process);
+    void TellOnce(const std::string &call, int error);
+    void Tell(const std::string &sentence) const;
     bool Serve(Client &client, short events); // false: the client is to be dropped
     bool Read(Client &client);
     bool Write(Client &client);
@@ -46,8 +74,15 @@ private:
     int listener_;
     int stop_;
     Daemon &daemon_;
+    Places places_;
+    std::function<void(const std::string &)> tell_;
+    std::function<void()> chore_;
     std::list<Client> clients_; // the one that was silent longest comes first
     uint64_t accepted_ = 0;
+    uint64_t refused_ = 0; // since the last chores
+    Clock::time_point nextChores_{};
+    Clock::time_point nextAccept_{}; // until then, newcomers wait
+    std::set<std::string> trouble_;  // calls of the system that fail at the moment
     bool crashed_ = false;
 };
 

@@ -7,9 +7,7 @@
 #include "host/text.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
@@ -80,9 +78,8 @@ std::string PrepareNodes(Nodes &nodes)
         if (const int error = ReplaceFile(file.c_str(), kDefaultNodes); error != 0)
             return file + " cannot be created: " + std::strerror(error);
     }
-    if (const char *problem = ReadNodes(directory.c_str(), nodes); problem != nullptr)
-        return file + " " + problem;
-    return {};
+    const Problem problem = ReadNodes(directory.c_str(), nodes);
+    return problem ? problem.Sentence(directory.c_str()) : "";
 }
 
 // The fast path of every later question: no heap, and nothing is created.
@@ -91,54 +88,55 @@ bool NodesAtHand(Nodes &nodes)
     char directory[kDirectoryRoom];
     if (FindDirectory(directory) != 0)
         return false;
-    return access(FilePath(directory, kNodesFile).Get(), F_OK) == 0 && ReadNodes(directory, nodes) == nullptr;
+    return access(FilePath(directory, kNodesFile).Get(), F_OK) == 0 && !ReadNodes(directory, nodes);
 }
 
-std::string FindNodes(Nodes &nodes)
+// Whether the nodes are known. If not, the callers get a code that says nothing, so the reason is printed.
+bool FindNodes(Nodes &nodes)
 {
-    return NodesAtHand(nodes) ? std::string() : PrepareNodes(nodes);
+    if (NodesAtHand(nodes))
+        return true;
+    const std::string problem = PrepareNodes(nodes);
+    if (!problem.empty())
+        TellOnce(problem);
+    return problem.empty();
 }
 
 } // namespace
 
-const char *ReadNodes(const char *directory, Nodes &nodes)
+Problem ReadNodes(const char *directory, Nodes &nodes)
 {
     nodes = {};
     char content[4096];
     const int length = ReadFile(FilePath(directory, kNodesFile).Get(), content, sizeof(content));
     if (length < 0 && length != -ENOENT)
-        return "cannot be read";
+        return {kNodesFile, "cannot be read", -length};
     if (length == sizeof(content))
-        return "has 4096 bytes or more";
+        return {kNodesFile, "has 4096 bytes or more"};
     std::string_view text = length < 0 ? kDefaultNodes : std::string_view(content, static_cast<size_t>(length));
     while (!text.empty())
         if (const char *problem = ParseLine(CutOff(text, "\n"), nodes); problem != nullptr)
-            return problem;
-    return nodes.master != 0 ? nullptr : "names no master";
+            return {kNodesFile, problem};
+    return nodes.master != 0 ? Problem() : Problem(kNodesFile, "names no master");
 }
 
 } // namespace rsvp_host
 
 extern "C" {
 
-// If the device cannot be read, the master is 0, which is not a node, so everything asked of it fails. The caller
-// cannot see why, so the reason is printed, but only once, since management programs ask again and again.
+// If the device cannot be read, the master is 0, which is not a node, so everything asked of it fails.
 uint32_t DEV_GetSystemMaster(void)
 {
-    static std::atomic_flag told = ATOMIC_FLAG_INIT;
-    rsvp_host::Nodes nodes;
-    const std::string problem = rsvp_host::FindNodes(nodes);
-    if (problem.empty())
-        return nodes.master;
-    if (!told.test_and_set())
-        std::fprintf(stderr, "rsvp_host: %s\n", problem.c_str());
-    return 0;
+    return rsvp_host::WithoutExceptions(0U, [] {
+        rsvp_host::Nodes nodes;
+        return rsvp_host::FindNodes(nodes) ? uint32_t{nodes.master} : 0U;
+    });
 }
 
 uint16_t *DEV_GetAllStandbyNodes(uint32_t *count)
 {
     rsvp_host::Nodes nodes;
-    if (count == nullptr || !rsvp_host::FindNodes(nodes).empty())
+    if (count == nullptr || !rsvp_host::WithoutExceptions(false, [&] { return rsvp_host::FindNodes(nodes); }))
         return nullptr;
     // A device without standby nodes has an empty list, not a null one.
     auto *list = static_cast<uint16_t *>(std::malloc(sizeof(nodes.standby)));

@@ -2,6 +2,8 @@
 #ifndef HOST_PLATFORM_NODES_H
 #define HOST_PLATFORM_NODES_H
 
+#include "host/platform/report.h"
+
 #include <cstdint>
 
 namespace rsvp_host {
@@ -12,9 +14,8 @@ struct Nodes {
     uint16_t standby[64];
 };
 
-// Reads the file without using the heap. Returns null, or what is wrong with the file, worded to follow its path in a
-// sentence. A missing file means master 1 and standby nodes 2 and 3.
-const char *ReadNodes(const char *directory, Nodes &nodes);
+// Reads the file without using the heap. A missing file means master 1 and standby nodes 2 and 3.
+Problem ReadNodes(const char *directory, Nodes &nodes);
 
 } // namespace rsvp_host
 

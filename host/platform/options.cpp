@@ -10,8 +10,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <string>
+#include <fcntl.h>
 #include <string_view>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -43,13 +45,20 @@ bool ReadPair(std::string_view pair, const HostOption *table, char *target)
 
 extern "C" {
 
+// A pipe in place of the file must not block the caller for ever.
 void *PLUGIN_OptInit(const char *path)
 {
     char directory[rsvp_host::kDirectoryRoom];
-    if (path == nullptr || rsvp_host::PathOf("", rsvp_host::kOptionFile) != path ||
+    if (path == nullptr || path[0] != '/' || path + 1 != rsvp_host::kOptionFile ||
         rsvp_host::FindDirectory(directory) != 0)
         return nullptr;
-    return std::fopen(rsvp_host::FilePath(directory, rsvp_host::kOptionFile).Get(), "re");
+    const int fd =
+        open(rsvp_host::FilePath(directory, rsvp_host::kOptionFile).Get(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    struct stat found;
+    std::FILE *file = fd >= 0 && fstat(fd, &found) == 0 && S_ISREG(found.st_mode) ? fdopen(fd, "r") : nullptr;
+    if (file == nullptr && fd >= 0)
+        close(fd);
+    return file;
 }
 
 // Puts the option's text into `buffer` and its length into `word`. An option that does not fit ends the walk: half an

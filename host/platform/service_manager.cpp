@@ -2,6 +2,7 @@
 // living process. A standby node has no machine here to run the service, so its status is a number in a file.
 #include "host/platform/checked_directory.h"
 #include "host/platform/daemon_process.h"
+#include "host/platform/daemon_state.h"
 #include "host/platform/files.h"
 #include "host/platform/nodes.h"
 #include "platform/service.h"
@@ -70,41 +71,54 @@ bool IsOurs(const char *service)
     return service != nullptr && std::strcmp(service, "RSVP") == 0;
 }
 
-FilePath StatusFile(const char *directory, uint32_t standbyNode)
-{
-    char name[16];
-    std::snprintf(name, sizeof(name), "%s/%u", kServiceFolder.data(), static_cast<unsigned>(standbyNode & 0xffff));
-    return {directory, name};
-}
+// The status file of a standby node, in the host directory.
+class StatusFile {
+public:
+    explicit StatusFile(uint32_t node)
+    {
+        std::snprintf(name_, sizeof(name_), "%s/%u", kServiceFolder.data(), static_cast<unsigned>(node & 0xffff));
+    }
 
-// On a node where it was never started, the service counts as stopped. If that were an error, the node would drop out
-// of the list of nodes to start, and the service would never start there.
-bool ReadStandbyStatus(const char *directory, uint32_t node, uint32_t &status)
-{
-    char text[2];
-    const int length = ReadFile(StatusFile(directory, node).Get(), text, sizeof(text));
-    if (length != -ENOENT && (length < 1 || text[0] < '0' || text[0] > '3'))
-        return false;
-    status = length < 0 ? 0 : static_cast<uint32_t>(text[0] - '0');
-    return true;
-}
+    // On a node where it was never started, the service counts as stopped. If that were an error, the node would drop
+    // out of the list of nodes to start, and the service would never start there.
+    Problem Read(const char *directory, uint32_t &status) const
+    {
+        char text[2];
+        const int length = ReadFile(FilePath(directory, name_).Get(), text, sizeof(text));
+        if (length < 0 && length != -ENOENT)
+            return {name_, "cannot be read", -length};
+        if (length >= 0 && (length == 0 || text[0] < '0' || text[0] > '3'))
+            return {name_, "does not hold a status from 0 to 3"};
+        status = length < 0 ? 0 : static_cast<uint32_t>(text[0] - '0');
+        return {};
+    }
+
+    // Stopping removes the file, which a full disk cannot prevent.
+    Problem Write(const char *directory, bool start) const
+    {
+        const FilePath path(directory, name_);
+        const int error = start ? ReplaceFile(path.Get(), "1\n") : unlink(path.Get()) != 0 ? errno : 0;
+        return error == 0 || (!start && error == ENOENT) ? Problem() : Problem(name_, "cannot be changed", error);
+    }
+
+private:
+    char name_[16];
+};
 
 std::string Change(const std::string &directory, uint32_t node, bool start)
 {
     Nodes nodes;
-    if (const char *problem = ReadNodes(directory.c_str(), nodes); problem != nullptr)
-        return PathOf(directory, kNodesFile) + " " + problem;
-    const std::string lockPath = PathOf(directory, kServiceLockFile);
-    const ManagerLock lock(lockPath);
+    if (const Problem problem = ReadNodes(directory.c_str(), nodes))
+        return problem.Sentence(directory.c_str());
+    const ManagerLock lock(PathOf(directory, kServiceLockFile));
     if (lock.Error() != 0)
-        return lockPath + " cannot be locked: " + std::strerror(lock.Error());
+        return Problem(kServiceLockFile, "cannot be locked", lock.Error()).Sentence(directory.c_str());
     switch (RoleOf(node, nodes)) {
     case Role::Master:
         return start ? StartDaemon(directory) : StopDaemon(directory);
     case Role::Standby: {
-        const FilePath file = StatusFile(directory.c_str(), node);
-        const int error = ReplaceFile(file.Get(), start ? "1\n" : "0\n");
-        return error == 0 ? "" : std::string(file.Get()) + " cannot be written: " + std::strerror(error);
+        const Problem problem = StatusFile(node).Write(directory.c_str(), start);
+        return problem ? problem.Sentence(directory.c_str()) : "";
     }
     case Role::Unknown:
         break;
@@ -115,17 +129,19 @@ std::string Change(const std::string &directory, uint32_t node, bool start)
 // Callers reduce every code to success or failure, or ignore it, so the reason is printed here.
 uint32_t ChangeService(uint32_t node, const char *service, bool start)
 {
-    if (!IsOurs(service))
+    return WithoutExceptions(uint32_t{RSVP_MOR_ERR_FAIL}, [&]() -> uint32_t {
+        if (!IsOurs(service))
+            return RSVP_MOR_ERR_FAIL;
+        const std::string directory = DirectoryPath();
+        std::string problem = PrepareDirectory(directory);
+        if (problem.empty())
+            problem = Change(directory, node, start);
+        if (problem.empty())
+            return 0;
+        std::fprintf(stderr, "rsvp_host: cannot %s RSVP on node %u: %s\n", start ? "start" : "stop",
+                     static_cast<unsigned>(node), problem.c_str());
         return RSVP_MOR_ERR_FAIL;
-    const std::string directory = DirectoryPath();
-    std::string problem = PrepareDirectory(directory);
-    if (problem.empty())
-        problem = Change(directory, node, start);
-    if (problem.empty())
-        return 0;
-    std::fprintf(stderr, "rsvp_host: cannot %s RSVP on node %u: %s\n", start ? "start" : "stop",
-                 static_cast<unsigned>(node), problem.c_str());
-    return RSVP_MOR_ERR_FAIL;
+    });
 }
 
 // A node that fails does not stop the others from being changed.
@@ -140,6 +156,25 @@ uint32_t ChangeAll(const uint16_t *nodes, uint32_t count, const char *service, b
     return result;
 }
 
+Problem ReadStatus(const char *directory, uint32_t node, uint32_t &status)
+{
+    Nodes nodes;
+    if (const Problem problem = ReadNodes(directory, nodes))
+        return problem;
+    switch (RoleOf(node, nodes)) {
+    case Role::Master: {
+        const DaemonState state = FindDaemon(directory);
+        status = state.pid != 0 ? 1 : 0;
+        return state.problem;
+    }
+    case Role::Standby:
+        return StatusFile(node).Read(directory, status);
+    case Role::Unknown:
+        break;
+    }
+    return {kNodesFile, "does not have the node that is asked for"};
+}
+
 } // namespace
 
 } // namespace rsvp_host
@@ -151,24 +186,18 @@ uint32_t SERVICE_GetStatus(uint32_t node, const char *service, int32_t, uint32_t
 {
     using namespace rsvp_host;
     char directory[kDirectoryRoom];
-    Nodes nodes;
     if (!IsOurs(service) || status == nullptr)
         return RSVP_MOR_ERR_FAIL;
     // If there is no directory yet, nothing has been started.
     if (const int error = FindDirectory(directory); error != 0 && error != ENOENT)
         return RSVP_MOR_ERR_FAIL;
-    if (ReadNodes(directory, nodes) != nullptr)
+    uint32_t found = 0;
+    if (const Problem problem = ReadStatus(directory, node, found)) {
+        problem.Tell(directory);
         return RSVP_MOR_ERR_FAIL;
-    switch (RoleOf(node, nodes)) {
-    case Role::Master:
-        *status = DaemonIsUp(directory) ? 1 : 0;
-        return 0;
-    case Role::Standby:
-        return ReadStandbyStatus(directory, node, *status) ? 0 : RSVP_MOR_ERR_FAIL;
-    case Role::Unknown:
-        break;
     }
-    return RSVP_MOR_ERR_FAIL;
+    *status = found;
+    return 0;
 }
 
 uint32_t SERVICE_Start(uint32_t node, const char *service, uint32_t, uint32_t)

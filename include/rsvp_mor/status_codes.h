@@ -35,7 +35,8 @@
  */
 #define RSVP_MOR_ERR_NOT_ENABLED 0x6001001au
 
-/** The largest message, header included, in bytes. */
+/** The largest message, header included, in bytes. The system cuts a longer one to this size before the library sees
+ * it: a reply that is too long is refused, unless its header tells exactly what is left, a body of 8184 bytes. */
 #define RSVP_MOR_MSG_MAX 8192
 
 #endif

@@ -138,7 +138,7 @@ std::string ValueText(const Meaning &meaning, const void *record)
         return WithUnit(fmt::format("{}", single), double{single}, meaning.unit);
     }
     case Form::Text:
-        return PrintableText(Characters(meaning, record));
+        return HarmlessText(Characters(meaning, record));
     }
     return {};
 }
@@ -156,6 +156,8 @@ Json ValueJson(const Meaning &meaning, const void *record)
         return number != 0;
     case Form::Bits:
         return WordsOfBits(meaning, number);
+    case Form::Text:
+        return Characters(meaning, record);
     case Form::Single:
     case Form::Rate:
         return FloatToJson(SingleOf(meaning, record));

@@ -71,7 +71,7 @@ bool IsUtf8(const char *text)
 
 std::string JsonText(const Json &value)
 {
-    return value.dump(-1, ' ', false, Json::error_handler_t::replace);
+    return value.dump(-1, ' ', true, Json::error_handler_t::replace);
 }
 
 } // namespace manager

@@ -20,8 +20,9 @@ Json ScalarToJson(const Field &field, const void *element);
 /** Whether a text can be written as it is. */
 bool IsUtf8(const char *text);
 
-/** The document as text on one line. Bytes that are not UTF-8 become the replacement character: what a user typed or
- * a file holds must not keep a document from being written. */
+/** The document as text on one line, in ASCII alone: what a user typed or a file holds must neither keep a document
+ * from being written nor steer the terminal that shows it. Bytes that are not UTF-8 become the replacement character.
+ */
 std::string JsonText(const Json &value);
 
 } // namespace manager

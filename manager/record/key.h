@@ -4,6 +4,7 @@
 #define MANAGER_RECORD_KEY_H
 
 #include "manager/record/record.h"
+#include "manager/record/text.h"
 
 #include <map>
 #include <stdexcept>
@@ -12,9 +13,10 @@
 
 namespace manager {
 
-/** Text that is not a key of the record; says what is wrong with it. */
+/** Text that is not a key of the record; says what is wrong with it. The names in it come from outside, and a byte 0
+ * would cut it short. */
 struct KeyError : std::runtime_error {
-    using std::runtime_error::runtime_error;
+    explicit KeyError(std::string_view text) : std::runtime_error(HarmlessText(text)) {}
 };
 
 /** Further names under which the fields of a key may be given: alias to field. */

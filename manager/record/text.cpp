@@ -21,6 +21,27 @@ struct Unit {
 
 constexpr Unit kUnits[] = {{"h", 3600000}, {"m", 60000}, {"s", 1000}, {"ms", 1}};
 
+// The bytes of the character at the front of a text, or 0 if it is a control character or no UTF-8. A sequence that
+// is longer than its character needs is none: it could hide a control character.
+size_t HarmlessLength(std::string_view text)
+{
+    const auto first = static_cast<uint8_t>(text.front());
+    if (first < 0x80)
+        return first >= 0x20 && first != 0x7f ? 1 : 0;
+    const size_t length = first >= 0xf0 ? 4 : first >= 0xe0 ? 3 : 2;
+    if (first < 0xc0 || first > 0xf4 || text.size() < length)
+        return 0;
+    uint32_t character = first & (0x7fU >> length);
+    for (const char c : text.substr(1, length - 1)) {
+        const auto byte = static_cast<uint8_t>(c);
+        if ((byte & 0xc0) != 0x80)
+            return 0;
+        character = character << 6 | (byte & 0x3fU);
+    }
+    constexpr uint32_t kLeast[] = {0xa0, 0x800, 0x10000};
+    return character >= kLeast[length - 2] && character <= 0x10ffff ? length : 0;
+}
+
 } // namespace
 
 std::string DottedText(uint32_t address)
@@ -32,7 +53,8 @@ std::string DottedText(uint32_t address)
 std::optional<uint32_t> ParseAddress(std::string_view text)
 {
     in_addr address{};
-    if (inet_pton(AF_INET, std::string(text).c_str(), &address) != 1)
+    const bool cut = text.find('\0') != std::string_view::npos; // the call would take what is in front of it
+    if (cut || inet_pton(AF_INET, std::string(text).c_str(), &address) != 1)
         return std::nullopt;
     return ntohl(address.s_addr);
 }
@@ -99,15 +121,14 @@ std::string HexText(std::span<const std::byte> bytes)
     return text;
 }
 
-std::string PrintableText(std::string_view text)
+std::string HarmlessText(std::string_view text)
 {
     std::string out;
-    for (const char c : text) {
-        const auto byte = static_cast<uint8_t>(c);
-        if (byte >= 0x20 && byte < 0x7f)
-            out += c;
-        else
-            out += fmt::format("\\x{:02x}", byte);
+    while (!text.empty()) {
+        const size_t length = HarmlessLength(text);
+        out += length != 0 ? std::string(text.substr(0, length))
+                           : fmt::format("\\x{:02x}", static_cast<uint8_t>(text.front()));
+        text.remove_prefix(std::max<size_t>(length, 1));
     }
     return out;
 }

@@ -47,8 +47,9 @@ std::string HexText(std::span<const std::byte> bytes);
 /** The number in so many bytes, most significant first. */
 uint64_t NetNumber(const void *at, uint32_t width);
 
-/** The daemon's names are bytes of any kind; what is not printable ASCII is written as \xNN. */
-std::string PrintableText(std::string_view text);
+/** Text from outside in which only what a terminal merely shows is left as it is: of UTF-8, all but the two sets of
+ * control characters. Every other byte becomes \xNN, line ends and tabs among them. */
+std::string HarmlessText(std::string_view text);
 
 /** "1 row", "2 rows". */
 std::string CountText(uint64_t count, std::string_view noun);

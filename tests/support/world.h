@@ -26,10 +26,13 @@ struct World {
     std::map<uint32_t, uint32_t> services;        // status by node; a node that is missing cannot be asked
     std::optional<std::vector<uint16_t>> standby; // no value: there is no list
     size_t failingAllocation = 0;                 // the n-th allocation fails; 0 for none
+    bool zeroIsFree = false;                      // the next session has the number 0
 
     std::vector<std::string> calls; // all except those of the item library
     std::vector<uint32_t> rooms;    // of the items written
     Bytes request;                  // the last message sent
+    void *area = nullptr;           // where the request is built
+    size_t wiped = 0;               // bytes of it, when it was built
     std::set<int> descriptors;
     std::map<void *, size_t> blocks; // on the heap, with their sizes
     std::set<void *> freed;          // kept until the next Reset, so that a second free is seen

@@ -1,5 +1,6 @@
 // Entry of the tool: from the words of a command line to an exit status. A closed pipe must end a walk, not kill the
 // process while a session is open, so SIGPIPE is ignored and shows as a failed write.
+#include "process/hardening.h"
 #include "process/standard_streams.h"
 #include "tools/rsvpctl/command/command_line.h"
 #include "tools/rsvpctl/command/run.h"
@@ -39,6 +40,7 @@ Exit RunProgram(const std::vector<std::string> &words)
 int main(int argc, char **argv)
 {
     process::OpenStandardStreams();
+    process::LeaveNoCore();
     (void)std::signal(SIGPIPE, SIG_IGN);
     try {
         return static_cast<int>(rsvpctl::RunProgram({argv + 1, argv + argc}));

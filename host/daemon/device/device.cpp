@@ -6,9 +6,6 @@ namespace rsvpsimd {
 
 namespace {
 
-// A client that sets one interface after the other must not fill the memory.
-constexpr size_t kMostKeptRows = 100'000;
-
 constexpr std::array kCounts{
     Count{"upLspNumber", 100, "crlsp"},
     Count{"frrIfNum", 109, "interface"},
@@ -128,23 +125,24 @@ uint32_t Device::ApplyToRow(const RowKind &kind, const Command &command, uint8_t
 {
     Table &table = Rows(kind);
     const Bytes key = RowKey(kind, number);
+    Table *switches = command.target == Target::Interface ? &Rows("ifconfig") : nullptr;
+    const bool removesSwitches = command.makesRow && switches != nullptr && switches->Has(key);
+    if (op == kUndo && !table.Has(key) && !removesSwitches)
+        return kOk; // it was never set
+    if (!table.HasRoomFor(key) || (switches != nullptr && !switches->HasRoomFor(key)))
+        return kNoRoom;
     if (command.makesRow && op == kUndo) {
         table.Remove(key);
-        if (command.target == Target::Interface)
-            Rows("ifconfig").Remove(key);
+        if (switches != nullptr)
+            switches->Remove(key);
         return kOk;
     }
-    if (table.Edit(key) == nullptr) {
-        if (op == kUndo)
-            return kOk; // it was never set
-        if (table.Kept() >= kMostKeptRows)
-            return kNoRoom;
+    if (!table.Has(key))
         table.Insert(NewRow(kind, number));
-    }
     const size_t size = kind.RowLayout()->size;
     const auto row = PlaceIn(*table.Edit(key), {0, size});
     Store(row, Bytes(size), command, op, value);
-    if (command.target == Target::Interface)
+    if (switches != nullptr)
         NoteInterface(command, op, number, row);
     return kOk;
 }
@@ -192,22 +190,28 @@ uint32_t Device::ResetStatistics(uint64_t interface)
     }
     Bytes key;
     AppendNet(key, interface, 4);
-    Bytes *body = Rows("interface").Edit(key);
-    if (body == nullptr)
+    Table &table = Rows("interface");
+    if (!table.Has(key))
         return kNoSuchRow;
-    Clear(PlaceIn(*body, FieldAt("ifInfo", "counters1")));
-    Clear(PlaceIn(*body, FieldAt("ifInfo", "counters2")));
+    if (!table.HasRoomFor(key))
+        return kNoRoom;
+    Bytes &body = *table.Edit(key);
+    Clear(PlaceIn(body, FieldAt("ifInfo", "counters1")));
+    Clear(PlaceIn(body, FieldAt("ifInfo", "counters2")));
     return kOk;
 }
 
 // The entry's sequence numbers start again; its key and settings stay.
 uint32_t Device::ResetAuth(ByteView key)
 {
-    Bytes *body = Rows("auth").Edit(key);
-    if (body == nullptr)
+    Table &table = Rows("auth");
+    if (!table.Has(key))
         return kNoSuchRow;
-    Clear(PlaceIn(*body, FieldAt("auth", "authEntryLong0")));
-    Clear(PlaceIn(*body, FieldAt("auth", "authEntryLong1")));
+    if (!table.HasRoomFor(key))
+        return kNoRoom;
+    Bytes &body = *table.Edit(key);
+    Clear(PlaceIn(body, FieldAt("auth", "authEntryLong0")));
+    Clear(PlaceIn(body, FieldAt("auth", "authEntryLong1")));
     return kOk;
 }
 

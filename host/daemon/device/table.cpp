@@ -11,10 +11,13 @@ namespace {
 constexpr uint32_t kFirstAddress = 0x0A000001; // made rows with an address in front count from 10.0.0.1
 constexpr uint8_t kRoleHead = 1;
 
-bool IsHead(const EncodedRow &row)
+// A client that sets or undoes one interface after the other must not fill the memory.
+constexpr size_t kMostStored = 100'000;
+
+bool IsHead(const RowKind &kind, const EncodedRow &row)
 {
     constexpr size_t kOffset = kItemHeaderSize + FieldAt("tunnel", "tunnelRole").offset;
-    return row.body[kOffset] == kRoleHead;
+    return kind.hasIngressWalk && row.body[kOffset] == kRoleHead;
 }
 
 } // namespace
@@ -26,32 +29,57 @@ Table::Table(const RowKind &kind) : kind_(&kind)
     base_ = counted.order == Order::Address ? kFirstAddress : 1;
 }
 
+bool Table::HasRoomFor(ByteView key) const
+{
+    return kept_.size() + made_.Runs() < kMostStored || kept_.contains(key);
+}
+
 bool Table::Insert(EncodedRow row)
 {
-    if (FindMade(Seek::Exact, row.key))
-        replaced_.insert(row.key);
-    return kept_.emplace(std::move(row.key), std::move(row.body)).second;
+    if (kept_.contains(row.key))
+        return false;
+    RemoveMade(row.key);
+    if (IsHead(*kind_, row))
+        keptHeads_.insert(row.key);
+    kept_.emplace(std::move(row.key), std::move(row.body));
+    return true;
 }
 
 bool Table::Remove(ByteView key)
 {
-    if (const auto kept = kept_.find(key); kept != kept_.end()) {
-        kept_.erase(kept);
-        return true;
-    }
-    if (!FindMade(Seek::Exact, key))
+    const auto kept = kept_.find(key);
+    if (kept == kept_.end())
+        return RemoveMade(key);
+    keptHeads_.erase(kept->first);
+    kept_.erase(kept);
+    return true;
+}
+
+bool Table::RemoveMade(ByteView key)
+{
+    if (!FindMade(Seek::Exact, key, false))
         return false;
-    replaced_.emplace(key.begin(), key.end());
+    const auto number = static_cast<uint32_t>(LoadNet(key.first(4)) - base_);
+    made_.Remove(number);
+    madeHeads_.Remove(number);
     return true;
 }
 
 void Table::Make(std::vector<EncodedRow> variants, uint32_t count)
 {
     variants_ = std::move(variants);
-    made_ = count;
+    const auto cycle = static_cast<uint32_t>(variants_.size());
+    std::vector<uint32_t> all;
+    std::vector<uint32_t> heads;
+    for (uint32_t place = 0; place < cycle; ++place) {
+        all.push_back(place);
+        if (IsHead(*kind_, variants_[place]))
+            heads.push_back(place);
+    }
+    made_ = MadeRows(count, cycle, std::move(all));
+    madeHeads_ = MadeRows(count, cycle, std::move(heads));
     for (const auto &[key, body] : kept_)
-        if (FindMade(Seek::Exact, key))
-            replaced_.insert(key);
+        RemoveMade(key);
 }
 
 EncodedRow Table::MakeRow(uint32_t number) const
@@ -62,57 +90,55 @@ EncodedRow Table::MakeRow(uint32_t number) const
     return row;
 }
 
-std::optional<EncodedRow> Table::FindMade(Seek seek, ByteView key) const
+std::optional<EncodedRow> Table::FindMade(Seek seek, ByteView key, bool ingressOnly) const
 {
-    uint64_t number = 0;
-    if (seek != Seek::First) {
-        const uint64_t word = LoadNet(key.first(4));
-        if (seek == Seek::Exact && word < base_)
-            return std::nullopt;
-        number = word < base_ ? 0 : word - base_;
-    }
-    for (; number < made_; ++number) {
-        EncodedRow row = MakeRow(static_cast<uint32_t>(number));
-        const bool wanted = seek == Seek::First || (seek == Seek::Exact && std::ranges::equal(row.key, key)) ||
-                            (seek == Seek::After && KeyOrder()(key, row.key));
-        if (wanted && !replaced_.contains(row.key))
-            return row;
-        if (seek == Seek::Exact)
-            return std::nullopt;
-    }
-    return std::nullopt;
+    const MadeRows &rows = ingressOnly ? madeHeads_ : made_;
+    const uint64_t word = seek == Seek::First ? 0 : LoadNet(key.first(4));
+    const std::optional<uint32_t> number = rows.From(word < base_ ? 0 : word - base_);
+    if (!number)
+        return std::nullopt;
+    EncodedRow row = MakeRow(*number);
+    if (seek == Seek::First || (seek == Seek::Exact && std::ranges::equal(row.key, key)) ||
+        (seek == Seek::After && KeyOrder()(key, row.key)))
+        return row;
+    // Its first word is that of the key, so the one behind it is greater.
+    const std::optional<uint32_t> next = seek == Seek::After ? rows.From(uint64_t{*number} + 1) : std::nullopt;
+    return next ? std::optional(MakeRow(*next)) : std::nullopt;
 }
 
-std::optional<EncodedRow> Table::FindAny(Seek seek, ByteView key) const
+Table::Rows::const_iterator Table::FindKept(Seek seek, ByteView key, bool ingressOnly) const
 {
-    auto kept = kept_.begin();
-    if (seek == Seek::Exact)
-        kept = kept_.find(key);
-    else if (seek == Seek::After)
-        kept = kept_.upper_bound(key);
-    std::optional<EncodedRow> made = FindMade(seek, key);
+    const auto find = [&](const auto &rows) {
+        if (seek == Seek::First)
+            return rows.begin();
+        return seek == Seek::After ? rows.upper_bound(key) : rows.find(key);
+    };
+    if (!ingressOnly)
+        return find(kept_);
+    const auto head = find(keptHeads_);
+    return head == keptHeads_.end() ? kept_.end() : kept_.find(*head);
+}
+
+std::optional<EncodedRow> Table::Find(Seek seek, ByteView key, bool ingressOnly) const
+{
+    const auto kept = FindKept(seek, key, ingressOnly);
+    std::optional<EncodedRow> made = FindMade(seek, key, ingressOnly);
     if (kept == kept_.end() || (made && KeyOrder()(made->key, kept->first)))
         return made;
     return EncodedRow{kept->first, kept->second};
 }
 
-std::optional<EncodedRow> Table::Find(Seek seek, ByteView key, bool ingressOnly) const
-{
-    std::optional<EncodedRow> row = FindAny(seek, key);
-    while (row && ingressOnly && !IsHead(*row))
-        row = FindAny(Seek::After, row->key);
-    return row;
-}
-
 Bytes *Table::Edit(ByteView key)
 {
-    if (const auto kept = kept_.find(key); kept != kept_.end())
-        return &kept->second;
-    std::optional<EncodedRow> made = FindMade(Seek::Exact, key);
-    if (!made)
-        return nullptr;
-    replaced_.insert(made->key);
-    return &kept_.emplace(std::move(made->key), std::move(made->body)).first->second;
+    auto kept = kept_.find(key);
+    if (kept == kept_.end()) {
+        std::optional<EncodedRow> made = FindMade(Seek::Exact, key, false);
+        if (!made)
+            return nullptr;
+        Insert(std::move(*made));
+        kept = kept_.find(key);
+    }
+    return &kept->second;
 }
 
 } // namespace rsvpsimd

@@ -1,8 +1,10 @@
 // One table: rows in the order of their key bytes, some stored, some made on demand from a number. Get, get-first and
-// get-next are one search, so that all tables behave alike.
+// get-next are one search, so that all tables behave alike. No search looks at more rows than it has to: it takes
+// time with the logarithm of what is stored, whatever clients have set and removed.
 #ifndef HOST_DAEMON_DEVICE_TABLE_H
 #define HOST_DAEMON_DEVICE_TABLE_H
 
+#include "host/daemon/device/made_rows.h"
 #include "host/daemon/device/row.h"
 
 #include <set>
@@ -22,8 +24,12 @@ public:
     explicit Table(const RowKind &kind);
 
     const RowKind &Kind() const { return *kind_; }
-    size_t Kept() const { return kept_.size(); }
-    uint64_t Size() const { return kept_.size() + made_ - replaced_.size(); }
+    uint64_t Size() const { return kept_.size() + made_.Size(); }
+
+    bool Has(ByteView key) const { return Find(Seek::Exact, key).has_value(); }
+
+    // False if the table is full and would have to store more to make, change or remove this row.
+    bool HasRoomFor(ByteView key) const;
 
     // False if a row with this key is already kept.
     bool Insert(EncodedRow row);
@@ -36,21 +42,26 @@ public:
     // With `ingressOnly`, rows whose role is not head are skipped.
     std::optional<EncodedRow> Find(Seek seek, ByteView key, bool ingressOnly = false) const;
 
-    // The body of this row, to be changed in place, or null. A made row is kept from now on.
+    // The body of this row, to be changed in place, or null. A made row is kept from now on. The role must stay as it
+    // is.
     Bytes *Edit(ByteView key);
 
 private:
-    std::optional<EncodedRow> FindAny(Seek seek, ByteView key) const;
-    std::optional<EncodedRow> FindMade(Seek seek, ByteView key) const;
+    using Rows = std::map<Bytes, Bytes, KeyOrder>;
+
+    Rows::const_iterator FindKept(Seek seek, ByteView key, bool ingressOnly) const;
+    std::optional<EncodedRow> FindMade(Seek seek, ByteView key, bool ingressOnly) const;
     EncodedRow MakeRow(uint32_t number) const;
+    bool RemoveMade(ByteView key);
 
     const RowKind *kind_;
-    std::map<Bytes, Bytes, KeyOrder> kept_;
+    Rows kept_;
+    std::set<Bytes, KeyOrder> keptHeads_; // keys of the kept rows that an ingress walk meets
     std::vector<EncodedRow> variants_;
-    uint32_t made_ = 0;
-    uint32_t base_ = 0;                  // first word of the key of made row 0
-    size_t numberOffset_ = 0;            // of the counted field in the body
-    std::set<Bytes, KeyOrder> replaced_; // keys of made rows that were removed or are kept by now
+    MadeRows made_;
+    MadeRows madeHeads_;
+    uint32_t base_ = 0;       // first word of the key of made row 0
+    size_t numberOffset_ = 0; // of the counted field in the body
 };
 
 } // namespace rsvpsimd

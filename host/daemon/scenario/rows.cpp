@@ -46,15 +46,14 @@ Bytes ReadHex(const Node &node)
     const auto *text = node.As<std::string>();
     if (text == nullptr)
         throw std::invalid_argument("must be bytes, as hexadecimal text");
-    Bytes bytes(text->size() / 2);
-    for (size_t i = 0; i < bytes.size(); ++i) {
-        const char *digits = text->data() + 2 * i;
-        const auto [end, error] = std::from_chars(digits, digits + 2, bytes[i], 16);
-        if (error != std::errc{} || end != digits + 2)
-            throw std::invalid_argument(fmt::format("\"{}\" is not hexadecimal", *text));
-    }
+    // The text may be a key, so a message does not repeat it.
+    if (const size_t wrong = text->find_first_not_of("0123456789abcdefABCDEF"); wrong != std::string::npos)
+        throw std::invalid_argument(fmt::format("character {} is not a hexadecimal digit", wrong + 1));
     if (text->size() % 2 != 0)
-        throw std::invalid_argument(fmt::format("\"{}\" has half a byte at its end", *text));
+        throw std::invalid_argument("has half a byte at its end");
+    Bytes bytes(text->size() / 2);
+    for (size_t i = 0; i < bytes.size(); ++i)
+        std::from_chars(text->data() + 2 * i, text->data() + 2 * i + 2, bytes[i], 16);
     return bytes;
 }
 

@@ -7,12 +7,12 @@
 #include <filesystem>
 #include <fmt/format.h>
 #include <fstream>
-#include <iterator>
 
 namespace rsvpsimd {
 
 namespace {
 
+constexpr size_t kMostText = 64UL << 20; // a device has no end
 constexpr std::string_view kNoSuchKey = "there is no such key";
 
 const Node::Table &AsTable(const Node &node, std::string_view key)
@@ -150,7 +150,12 @@ Behaviour ReadScenario(Device &device, const std::string &path)
     std::ifstream file(path, std::ios::binary);
     if (!file || std::filesystem::is_directory(path))
         throw ScenarioError(fmt::format("{}: the file cannot be opened", path));
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    std::string text;
+    for (std::array<char, 65536> part; file.read(part.data(), part.size()), file.gcount() > 0;) {
+        text.append(part.data(), static_cast<size_t>(file.gcount()));
+        if (text.size() > kMostText)
+            throw ScenarioError(fmt::format("{}: the file has more than {} bytes", path, kMostText));
+    }
     return ReadScenarioText(device, text, path);
 }
 

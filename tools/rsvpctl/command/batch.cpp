@@ -10,14 +10,16 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <fmt/format.h>
-#include <fstream>
-#include <iostream>
-#include <unistd.h>
+#include <optional>
+#include <stdexcept>
+#include <system_error>
 
 namespace rsvpctl {
 namespace {
+
+// Far more than any command needs: a file without line ends must not fill the memory.
+constexpr size_t kLongestLine = 65536;
 
 struct BatchOptions {
     bool keepGoing = false;
@@ -35,21 +37,38 @@ Exit RunLine(Output &out, CommandLine &line, const std::string &text, const Batc
     }
 }
 
+/** The next line; nothing at the end of the file. Throws std::system_error if that is not what ended it. */
+std::optional<std::string> ReadLine(FILE *input)
+{
+    std::string text;
+    int c = 0;
+    while ((c = std::getc(input)) != EOF && c != '\n') {
+        text += static_cast<char>(c);
+        if (text.size() > kLongestLine)
+            throw std::length_error(fmt::format("the line has more than {} bytes", kLongestLine));
+    }
+    if (std::ferror(input) != 0)
+        throw std::system_error(errno, std::generic_category(), "the file cannot be read");
+    return c == EOF && text.empty() ? std::nullopt : std::optional(std::move(text));
+}
+
 /** Runs the lines of `input`; `name` is what messages call it. The result is the highest exit status of the lines. */
-Exit RunBatch(Output &out, CommandLine &line, std::istream &input, const std::string &name,
-              const BatchOptions &options)
+Exit RunBatch(Output &out, CommandLine &line, FILE *input, const std::string &name, const BatchOptions &options)
 {
     bool complete = true;
-    std::string text;
     out.BeginBatch(name);
-    // A dry run looks at every line, since it is there to find what is wrong with any of them.
-    for (uint64_t number = 1; complete && std::getline(input, text); ++number) {
-        out.BatchLine(number);
-        const Exit exit = RunLine(out, line, text, options);
-        complete = exit == Exit::Done || options.keepGoing || options.dryRun;
-    }
-    if (input.bad()) {
-        out.WrongUsage("batch", UsageError(std::string("cannot be read: ") + std::strerror(errno)));
+    try {
+        for (uint64_t number = 1; complete; ++number) {
+            out.BatchLine(number);
+            const std::optional<std::string> text = ReadLine(input);
+            if (!text)
+                break;
+            const Exit exit = RunLine(out, line, *text, options);
+            // A dry run looks at every line, since it is there to find what is wrong with any of them.
+            complete = exit == Exit::Done || options.keepGoing || options.dryRun;
+        }
+    } catch (const std::exception &error) {
+        out.Broken("batch", error.what());
         complete = false;
     }
     return out.EndBatch(complete);
@@ -59,6 +78,8 @@ Exit RunBatch(Output &out, CommandLine &line, std::istream &input, const std::st
 
 std::vector<std::string> SplitWords(std::string_view line)
 {
+    if (line.find('\0') != std::string_view::npos)
+        throw UsageError("the line has a byte 0, which no word can have");
     std::vector<std::string> words;
     std::string word;
     char quote = '\0';
@@ -110,15 +131,10 @@ void AddBatchCommand(CommandLine &line)
         "--dry-run", "Parse every line and print the class, operation and items of what it would send; send nothing");
     command.run = [&line, file, keepGoing, dryRun](Output &out) {
         const std::string name = file.Text();
-        const bool fromInput = name == "-";
-        const BatchOptions options{keepGoing.IsGiven(), dryRun.IsGiven()};
-        struct stat itself {};
-        std::ifstream input(fromInput ? "/dev/null" : name);
-        if (!input || (fromInput ? fstat(STDIN_FILENO, &itself) : stat(name.c_str(), &itself)) != 0)
-            throw UsageError(fmt::format("batch: {}: {}", name, std::strerror(errno)));
-        const ReservedInput reserved(itself);
-        return fromInput ? RunBatch(out, line, std::cin, "standard input", options)
-                         : RunBatch(out, line, input, name, options);
+        const InputFile input = OpenInput("batch", name);
+        const ReservedInput reserved(input);
+        return RunBatch(out, line, input.get(), name == "-" ? "standard input" : name,
+                        {keepGoing.IsGiven(), dryRun.IsGiven()});
     };
 }
 

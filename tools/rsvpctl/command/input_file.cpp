@@ -7,6 +7,8 @@
 #include <cstring>
 #include <fmt/format.h>
 #include <optional>
+#include <sys/stat.h>
+#include <system_error>
 
 namespace rsvpctl {
 namespace {
@@ -20,9 +22,12 @@ std::optional<struct stat> reserved;
 
 } // namespace
 
-ReservedInput::ReservedInput(const struct stat &file)
+ReservedInput::ReservedInput(const InputFile &file)
 {
-    reserved = file;
+    struct stat found {};
+    if (fstat(fileno(file.get()), &found) != 0)
+        throw std::system_error(errno, std::generic_category(), "fstat");
+    reserved = found;
 }
 
 ReservedInput::~ReservedInput()

@@ -6,23 +6,22 @@
 #include <cstdio>
 #include <memory>
 #include <string>
-#include <sys/stat.h>
 
 namespace rsvpctl {
-
-/** While the object lives, no command may read this file, by whatever name. */
-class ReservedInput {
-public:
-    explicit ReservedInput(const struct stat &file);
-    ~ReservedInput();
-    ReservedInput(const ReservedInput &) = delete;
-    ReservedInput &operator=(const ReservedInput &) = delete;
-};
 
 struct InputCloser {
     void operator()(FILE *file) const;
 };
 using InputFile = std::unique_ptr<FILE, InputCloser>;
+
+/** While the object lives, no command may read this file, by whatever name. Throws std::system_error. */
+class ReservedInput {
+public:
+    explicit ReservedInput(const InputFile &file);
+    ~ReservedInput();
+    ReservedInput(const ReservedInput &) = delete;
+    ReservedInput &operator=(const ReservedInput &) = delete;
+};
 
 /** Opens the file that an option names, or standard input for "-". Throws UsageError. */
 InputFile OpenInput(const std::string &option, const std::string &name);

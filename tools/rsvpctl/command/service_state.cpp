@@ -1,6 +1,7 @@
 // Status values are read as the library reads them: 1 and 2 are running, 0 and 3 are stopped.
 #include "tools/rsvpctl/command/service_state.h"
 
+#include "manager/table/session.h"
 #include "platform/device.h"
 #include "platform/service.h"
 
@@ -73,6 +74,15 @@ ServiceState AskService()
         state.nodes.push_back({standby[i], "standby", ServiceOn(standby[i])});
     free(standby);
     return state;
+}
+
+uint32_t AskDaemon()
+{
+    const manager::Session session;
+    if (session.IsMissing())
+        return RSVP_MOR_ERR_LIPC;
+    RSVP_MOR_DebugInfo info{};
+    return RSVP_MOR_GetRsvpDebug(session.Fd(), &info);
 }
 
 } // namespace rsvpctl

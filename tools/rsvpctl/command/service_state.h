@@ -37,6 +37,9 @@ struct ServiceState {
 
 ServiceState AskService();
 
+/** Asks the daemon the cheapest question and returns the status. */
+uint32_t AskDaemon();
+
 } // namespace rsvpctl
 
 #endif

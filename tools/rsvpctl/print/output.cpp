@@ -20,7 +20,8 @@
 namespace rsvpctl {
 namespace {
 
-using manager::CountText, manager::Json, manager::JsonText, manager::WalkEnd, manager::WalkResult;
+using manager::CountText, manager::HarmlessText, manager::Json, manager::JsonText, manager::WalkEnd,
+    manager::WalkResult;
 
 constexpr size_t kWidthWithoutTerminal = 120;
 
@@ -53,21 +54,10 @@ const char *EndName(WalkEnd end)
     }
 }
 
-std::string Advice(const StatusText &text)
+std::string Advice(const Reason &reason)
 {
-    return fmt::format("\n  likely cause:  {}\n  what to do:    {}", text.cause, text.remedy);
-}
-
-// Names and words come from files and command lines: what would steer a terminal is shown, not sent to it.
-std::string Printable(const std::string &text)
-{
-    std::string out;
-    for (const char c : text) {
-        const auto byte = static_cast<uint8_t>(c);
-        const bool steers = (byte < 0x20 && c != '\n' && c != '\t') || byte == 0x7f;
-        out += steers ? fmt::format("\\x{:02x}", byte) : std::string(1, c);
-    }
-    return out;
+    return fmt::format("\n  what happened: {}\n  likely cause:  {}\n  what to do:    {}", HarmlessText(reason.what),
+                       reason.text.cause, reason.text.remedy);
 }
 
 // What ended a walk before its table did.
@@ -149,7 +139,7 @@ bool Output::Flush()
 
 void Output::Message(const std::string &text)
 {
-    Write(Printable(text));
+    Write(HarmlessText(text));
 }
 
 void Output::Write(const std::string &line)
@@ -159,11 +149,11 @@ void Output::Write(const std::string &line)
     (void)std::fputc('\n', messages_);
 }
 
-void Output::Complain(const std::string &text)
+void Output::Complain(const std::string &text, const std::string &below)
 {
     const std::string where = inBatch_ ? fmt::format("{}:{}: ", batchFile_, batchLine_) : "";
-    Write(fmt::format("{}rsvpctl: {}{}{}", colorMessages_ ? "\x1b[31m" : "", Printable(where),
-                      colorMessages_ ? "\x1b[0m" : "", Printable(text)));
+    Write(fmt::format("{}rsvpctl: {}{}{}{}", colorMessages_ ? "\x1b[31m" : "", HarmlessText(where),
+                      colorMessages_ ? "\x1b[0m" : "", HarmlessText(text), below));
 }
 
 Exit Output::Finish(Exit exit)
@@ -267,9 +257,9 @@ Exit Output::Fail(const Outcome &failure, const std::string &headline, const Rea
     // "for interface 3" says it already.
     const std::string link = failure.asked.empty() ? "" : failure.asked.starts_with("for ") ? " " : " for ";
     const std::string asked = link + failure.asked;
-    Complain(fmt::format("{}: {}{}{} gave {:#010x} {}\n  what happened: {}{}", failure.operation, headline,
-                         failure.function, asked, failure.status, reason.text.name, reason.what,
-                         Advice(reason.text)));
+    Complain(fmt::format("{}: {}{}{} gave {:#010x} {}", failure.operation, headline, failure.function, asked,
+                         failure.status, reason.text.name),
+             Advice(reason));
     OpenDocument(failure.operation);
     if (IsJson()) {
         Member("function", failure.function);
@@ -420,8 +410,9 @@ Exit Output::EndRows(const WalkResult &result)
     const Reason broken = BreakOf(result, manager::LastExchange());
     const std::string onward =
         result.lastKey.empty() ? "" : fmt::format("; '--after {}' goes on after the last one", result.lastKey);
-    Complain(fmt::format("{}: walk {} after {}{}\n  what happened: {}{}", operation_, EndName(result.end),
-                         CountText(result.rows, "row"), onward, broken.what, Advice(broken.text)));
+    Complain(
+        fmt::format("{}: walk {} after {}{}", operation_, EndName(result.end), CountText(result.rows, "row"), onward),
+        Advice(broken));
     CloseRows(result);
     if (IsJson()) {
         Member("after", result.lastKey.empty() ? Json() : Json(result.lastKey));

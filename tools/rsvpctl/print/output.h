@@ -103,7 +103,8 @@ public:
     void BatchLine(uint64_t line);
     Exit EndBatch(bool complete);
 
-    /** A line on standard error. */
+    /** A line on standard error. What would steer a terminal is shown, not sent to it: words come from files and
+     * command lines. */
     void Message(const std::string &text);
 
     /** From now on Ctrl-C ends the document as a whole one, and the process. It is a document of the operation even
@@ -130,7 +131,7 @@ private:
     void Member(const char *name, const manager::Json &value);
     std::string Ending() const;
     void Write(const std::string &line);
-    void Complain(const std::string &text);
+    void Complain(const std::string &text, const std::string &below = {});
     bool Flush();
 
     Style style_;

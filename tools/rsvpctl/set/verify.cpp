@@ -11,6 +11,14 @@ namespace {
 
 constexpr auto kCannotTell = "the platform does not say whether the service runs";
 
+// A daemon that hangs runs too. A reply that is a refusal or nonsense still shows that it has started.
+bool DaemonHangs()
+{
+    AskDaemon();
+    const manager::Exchange &exchange = manager::LastExchange();
+    return exchange.stage != manager::Exchange::Stage::Receive || exchange.error != 0;
+}
+
 Exit Report(Output &out, const Outcome &outcome, const std::string &problem)
 {
     return problem.empty() ? out.Done(outcome.operation, outcome.asked) : out.NotDone(outcome, problem);
@@ -39,7 +47,7 @@ Exit ReportStart(Output &out, const Outcome &outcome)
     const ServiceState state = AskService();
     switch (state.Everywhere()) {
     case Running::Yes:
-        return Report(out, outcome, "");
+        return Report(out, outcome, DaemonHangs() ? "the service runs, but the daemon does not answer" : "");
     case Running::No:
         return Report(out, outcome, "the service does not run on " + state.NodesThatAre(Running::No));
     default:

@@ -1,5 +1,4 @@
 // `status`: whether the service runs and where, whether the daemon answers, how many LSPs are up.
-#include "manager/table/session.h"
 #include "tools/rsvpctl/command/command_line.h"
 #include "tools/rsvpctl/command/service_state.h"
 #include "tools/rsvpctl/print/render.h"
@@ -13,21 +12,12 @@ namespace {
 
 using manager::Json;
 
-// The daemon answers if the cheapest question gets a reply, whatever the reply says.
-uint32_t AskDaemon()
-{
-    const manager::Session session;
-    if (session.IsMissing())
-        return RSVP_MOR_ERR_LIPC;
-    RSVP_MOR_DebugInfo info{};
-    return RSVP_MOR_GetRsvpDebug(session.Fd(), &info);
-}
-
 Exit ShowStatus(Output &out, const std::string &operation)
 {
     const ServiceState state = AskService();
     const Running running = state.Anywhere();
     const uint32_t answer = AskDaemon();
+    // It answers if a reply came, whatever that says.
     const bool answers = answer != RSVP_MOR_ERR_LIPC && answer != RSVP_MOR_ERR_FAIL;
     Json record{{"service", NameOf(running)}, {"daemon", answers ? "answers" : "does not answer"}};
     uint32_t count = 0;

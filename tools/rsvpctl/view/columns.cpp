@@ -75,7 +75,7 @@ std::string LeafText(const Leaf &leaf, const void *row)
 {
     const Json value = ScalarToJson(*leaf.field, manager::At(row, leaf.offset));
     if (value.is_string())
-        return manager::PrintableText(value.get_ref<const std::string &>());
+        return manager::HarmlessText(value.get_ref<const std::string &>());
     return value.is_null() ? "-" : value.dump();
 }
 

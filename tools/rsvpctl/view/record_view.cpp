@@ -19,7 +19,7 @@ constexpr size_t kNumbersPerLine = 8;
 std::string PlainText(const Json &scalar)
 {
     if (scalar.is_string())
-        return manager::PrintableText(scalar.get_ref<const std::string &>());
+        return manager::HarmlessText(scalar.get_ref<const std::string &>());
     return scalar.is_null() ? "-" : scalar.dump();
 }
 
@@ -105,7 +105,7 @@ void AddValues(const Json &value, const std::string &path, Lines &lines)
         for (size_t i = 0; i < value.size(); ++i)
             AddValues(value[i], fmt::format("{}[{}]", path, i), lines);
     } else {
-        lines.emplace_back(path, value.is_array() ? ArrayText(value) : PlainText(value));
+        lines.emplace_back(manager::HarmlessText(path), value.is_array() ? ArrayText(value) : PlainText(value));
     }
 }
 

@@ -3,6 +3,8 @@
 
 #include "manager/record/text.h"
 
+#include <fmt/format.h>
+#include <stdexcept>
 #include <utility>
 
 namespace rsvpctl {
@@ -68,7 +70,7 @@ std::vector<FieldChange> Compare(const Json &before, const Json &after, double s
 
 } // namespace
 
-RowChanges::RowChanges(const std::vector<std::string> &keyFields)
+RowChanges::RowChanges(const std::vector<std::string> &keyFields, size_t mostBytes) : mostBytes_(mostBytes)
 {
     for (std::string path : keyFields) {
         std::replace(path.begin(), path.end(), '.', '/');
@@ -87,10 +89,17 @@ Json RowChanges::KeyOf(const Json &row) const
 void RowChanges::Row(std::string_view text, double seconds)
 {
     const auto known = rows_.find(text);
-    if (known != rows_.end())
+    if (known != rows_.end()) {
         known->second = {seconds, poll_};
-    else
-        new_.push_back(&*rows_.emplace(text, Read{seconds, poll_}).first);
+        return;
+    }
+    const KnownRow &row = *rows_.emplace(text, Read{seconds, poll_}).first;
+    new_.push_back(&row);
+    bytes_ += BytesOf(row);
+    if (bytes_ > mostBytes_)
+        throw std::length_error(fmt::format("after {} rows there are still more, and they already take the {} MiB "
+                                            "that a watch may keep; 'show' reads a table of any length",
+                                            rows_.size(), mostBytes_ >> 20));
 }
 
 RowChanges::ByKey RowChanges::MissingRows()
@@ -134,7 +143,9 @@ void RowChanges::EndPoll(bool complete, double seconds, const OnRowEvent &onEven
     if (onEvent && (complete || !new_.empty()))
         Tell(complete, seconds, onEvent);
     std::erase_if(rows_, [&](const KnownRow &row) {
-        return row.second.poll == kReplaced || (complete && row.second.poll != poll_);
+        const bool gone = row.second.poll == kReplaced || (complete && row.second.poll != poll_);
+        bytes_ -= gone ? BytesOf(row) : 0;
+        return gone;
     });
     new_.clear();
     ++poll_;

@@ -41,10 +41,13 @@ using OnRowEvent = std::function<bool(const RowEvent &event)>;
 
 class RowChanges {
 public:
-    /** `keyFields` are the paths of the fields that are a row's key: "session", "key.keyWord0". */
-    explicit RowChanges(const std::vector<std::string> &keyFields);
+    static constexpr size_t kMostBytes = size_t{1} << 30;
 
-    /** A row that the poll read at `seconds`, as the text of its JSON object. */
+    /** `keyFields` are the paths of the fields that are a row's key: "session", "key.keyWord0". */
+    explicit RowChanges(const std::vector<std::string> &keyFields, size_t mostBytes = kMostBytes);
+
+    /** A row that the poll read at `seconds`, as the text of its JSON object. Throws std::length_error if the rows of
+     * this poll and the one before take more than the bytes that may be kept: a table need not have an end. */
     void Row(std::string_view text, double seconds);
 
     /**
@@ -74,8 +77,12 @@ private:
     ByKey MissingRows();
     void Tell(bool complete, double seconds, const OnRowEvent &onEvent);
 
+    static size_t BytesOf(const KnownRow &row) { return row.first.size() + sizeof(row); }
+
     std::vector<manager::Json::json_pointer> keyFields_;
     KnownRows rows_;
+    size_t mostBytes_;
+    size_t bytes_ = 0;                  // of rows_
     std::vector<const KnownRow *> new_; // of this poll, in the order of the table
     uint64_t poll_ = kReplaced + 1;
 };
