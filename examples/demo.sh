@@ -97,7 +97,6 @@ say "Switch it off: the daemon is told, the standby nodes stop, the master last.
 run rsvpctl disable
 enabled=
 run_refused 5 rsvpctl status
-run grep . "$device/service/2" "$device/service/3"
 
 say "Nothing is left behind."
 for process in /proc/[0-9]*; do

@@ -751,7 +751,7 @@ TEST(LineLog, CountsWhatItCannotWrite)
     close(ends[1]);
 
     mkfifo(directory.PathOf("fifo").c_str(), 0600);
-    symlink(path.c_str(), directory.PathOf("link").c_str());
+    ASSERT_EQ(symlink(path.c_str(), directory.PathOf("link").c_str()), 0);
     for (const std::string &refused :
          {directory.PathOf("fifo"), directory.PathOf("link"), directory.PathOf("."), std::string("/dev/null")})
         EXPECT_THROW(LineLog{refused}, std::runtime_error) << refused;
