@@ -2,7 +2,7 @@
 // reason or is the key that it says: written out again, it reads as the same bytes.
 #include "promise.h"
 
-#include "manager/record/json.h"
+#include "manager/dictionary/document.h"
 #include "manager/record/key.h"
 #include "tools/rsvpctl/show/shows.h"
 
@@ -17,7 +17,7 @@ using Bytes = std::vector<std::byte>; // as long as the key, so that a write beh
 Bytes Read(bool json, const manager::RecordDescription &description, std::string_view text)
 {
     Bytes key(description.size);
-    (json ? manager::ReadJsonKey : manager::ReadKey)(description, text, key.data());
+    (json ? manager::ReadJsonKey : manager::ReadKey)(description, text, key.data(), {});
     return key;
 }
 

@@ -521,11 +521,11 @@ TEST(Rsvpctl, ShowsTheRowsThatAllOfItsOptionsChoose)
         {"show rsb --end-point 10.0.0.2 --lsp-id 5", 0},
         {"show phsb --sender 10.0.0.3 --lsp-id 5", 1},
         {"show phsb --sender 10.0.0.3 --lsp-id 4", 0}, // each of another filter
-        {"show crlsp --sender 0.0.0.3 --tunnel-id 4 --lsp-id 5", 2},
-        {"show crlsp --sender 0.0.0.3 --end-point 0.0.0.2", 1},
-        {"show crlsp --sender 0.0.0.3 --tunnel-id 4 --lsp-id 6", 0},
-        {"show crlsp --after 0.0.0.1,0.0.0.2,0.0.0.3,4,5,06060605", 2}, // the bytes belong to the key
-        {"show crlsp --after 0.0.0.1,0.0.0.2,0.0.0.3,4,5,06060606", 1},
+        {"show crlsp --sender 10.0.0.2 --tunnel-id 4 --lsp-id 5", 2},
+        {"show crlsp --sender 10.0.0.2 --end-point 0.0.0.2", 1},
+        {"show crlsp --sender 10.0.0.2 --tunnel-id 4 --lsp-id 6", 0},
+        {"show crlsp --after 0.0.0.1,10.0.0.1,10.0.0.2,4,5,06060605", 2}, // the bytes belong to the key
+        {"show crlsp --after 0.0.0.1,10.0.0.1,10.0.0.2,4,5,06060606", 1},
     };
     for (const auto &row : cases)
         EXPECT_EQ(CtlJson(directory, row.line)["rows"].size(), row.rows) << row.line;
@@ -981,8 +981,7 @@ TEST(Rsvpctl, AWatchTellsWhatChangedFromWhatWasNotSeen)
 TEST(Rsvpctl, AWatchOfATableWithoutAnEndEnds)
 {
     constexpr size_t kMostBytes = 10000;
-    constexpr manager::KeyPart kKeys[] = {{"row", 0, 4}};
-    rsvpctl::RowChanges changes(kKeys, kMostBytes);
+    rsvpctl::RowChanges changes({"row"}, kMostBytes);
     size_t number = 0;
     const auto addRows = [&](size_t count) {
         for (size_t i = 0; i < count; ++i)

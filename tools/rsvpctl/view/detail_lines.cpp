@@ -41,16 +41,6 @@ std::string ParameterText(const RSVP_MOR_AdspecParam &parameter)
     return fmt::format("{} {}", known->name, parameter.paramValue);
 }
 
-std::string ParametersText(std::span<const RSVP_MOR_AdspecParam> parameters)
-{
-    std::string text;
-    for (const RSVP_MOR_AdspecParam &parameter : parameters) {
-        if (IsThere(parameter))
-            text += (text.empty() ? "" : ", ") + ParameterText(parameter);
-    }
-    return text;
-}
-
 } // namespace
 
 DetailLines::DetailLines(std::string title) : text_(std::move(title))
@@ -123,6 +113,18 @@ void DetailLines::AddFlowSpec(const RSVP_MOR_FlowSpec &flowSpec)
     AddBucket("Flow spec", flowSpec);
     if (flowSpec.rspecParamLength != 0 || NetFloat(flowSpec.rspecRate) != 0)
         More(fmt::format("guaranteed {}, slack {} us", RateText(Shown(flowSpec.rspecRate)), Shown(flowSpec.slackTerm)));
+}
+
+std::string DetailLines::ParametersText(std::span<const RSVP_MOR_AdspecParam> parameters)
+{
+    std::string text;
+    for (const RSVP_MOR_AdspecParam &parameter : parameters) {
+        if (IsThere(parameter)) {
+            text += (text.empty() ? "" : ", ") + ParameterText(parameter);
+            Shown(parameter.paramValue);
+        }
+    }
+    return text;
 }
 
 void DetailLines::AddAdspec(const RSVP_MOR_Adspec &adspec)

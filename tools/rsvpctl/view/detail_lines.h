@@ -7,6 +7,7 @@
 #include "tools/rsvpctl/view/record_view.h"
 
 #include <rsvp_mor.h>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -56,6 +57,7 @@ public:
 private:
     void AddOthers(const manager::RecordDescription &description, const void *record,
                    const manager::RecordMeanings &meanings);
+    std::string ParametersText(std::span<const RSVP_MOR_AdspecParam> parameters);
     template <typename Spec> void AddBucket(std::string_view name, const Spec &spec);
 
     std::string text_;
