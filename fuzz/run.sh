@@ -19,8 +19,9 @@ cmake -S . -B $build -DCMAKE_BUILD_TYPE=None \
 cmake --build $build --parallel --target make_seeds $harnesses >/dev/null
 export LLVM_PROFILE_FILE=/dev/null
 $build/bin/make_seeds $build/fuzz/seeds
-mkdir -p $build/fuzz/seeds/fuzz_scenario
+mkdir -p $build/fuzz/seeds/fuzz_scenario $build/fuzz/seeds/fuzz_dictionary
 cp host/scenarios/*.toml $build/fuzz/seeds/fuzz_scenario/
+cp host/dictionaries/*.toml $build/fuzz/seeds/fuzz_dictionary/
 
 # The lines that the inputs of a harness reach, of those in the sources behind its name. Paths are relative to the root
 # or to the folder where the compiler ran.

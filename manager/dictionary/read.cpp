@@ -40,6 +40,16 @@ const std::string &TextOf(const Member &member)
     return Require<std::string>(member, "a text");
 }
 
+// A text that terminals and documents show as it is.
+const std::string &PlainTextOf(const Member &member)
+{
+    const std::string &text = TextOf(member);
+    const auto isPlain = [](char c) { return c >= ' ' && c <= '~' && c != '"' && c != '\\'; };
+    if (!std::all_of(text.begin(), text.end(), isPlain))
+        Refuse(member.node.line, member.name, "must be printable characters without quotes and backslashes");
+    return text;
+}
+
 const Member *FindMember(const Node::Table &table, std::string_view name)
 {
     const auto found = std::find_if(table.begin(), table.end(), [&](const Member &one) { return one.name == name; });
@@ -137,9 +147,7 @@ std::map<uint64_t, std::string> ReadWords(const Node::Table &table, uint64_t mos
         const auto number = ParseNumber(member.name);
         if (!number || *number > most)
             Refuse(member.line, member.name, fmt::format("must be a number from 0 to {}", most));
-        const std::string &word = TextOf(member);
-        if (word.find_first_of("\"\\") != std::string::npos)
-            Refuse(member.node.line, member.name, fmt::format("the word '{}' has a quote or a backslash", word));
+        const std::string &word = PlainTextOf(member);
         const bool isTaken =
             std::any_of(words.begin(), words.end(), [&](const auto &other) { return other.second == word; });
         if (word.empty() || isTaken)
@@ -214,7 +222,7 @@ void ReadMeaning(const Member &member, const Node::Table &table, Meaning &meanin
     if (const Member *mib = FindMember(table, "mib"))
         meaning.mib = NameIn(*mib);
     if (const Member *setting = FindMember(table, "setting"))
-        meaning.setting = TextOf(*setting);
+        meaning.setting = PlainTextOf(*setting);
 }
 
 void Place(const Field &field, uint32_t offset, uint32_t width, bool isPart, Meaning &meaning)
@@ -445,7 +453,7 @@ try {
         Refuse(version == nullptr ? 1 : version->line, "dictionary",
                fmt::format("must be {}, the version of this form", kVersion));
     const Member *daemon = FindMember(top, "daemon");
-    if (daemon == nullptr || TextOf(*daemon).empty())
+    if (daemon == nullptr || PlainTextOf(*daemon).empty())
         Refuse(daemon == nullptr ? 1 : daemon->line, "daemon", "must be the daemon's name");
     daemon_ = TextOf(*daemon);
     const Member *ends = FindMember(top, "end-of-table");
