@@ -102,6 +102,7 @@ say "Nothing is left behind."
 for process in /proc/[0-9]*; do
   # A process may end while this looks at it.
   if tr '\0' ' ' 2>/dev/null <"$process/cmdline" | grep -qF -- "--host-dir $device"; then
+    fail "process ${process#/proc/} is left"
   fi
 done
 left=$(find "$elsewhere" -mindepth 1)
