@@ -13,6 +13,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <sstream>
+#include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -169,15 +170,33 @@ Problem CheckLog(int log)
     return {};
 }
 
-// The daemon is the child of a child that ends at once, so the caller never has to reap it; its pid comes back
-// through a pipe. Returns 0 and sets errno if a step fails.
+// A word that the child of a fork writes and the parent reads. Unlike a pipe it has no call that can fail after the
+// daemon was started, which would leave it to nobody.
+class SharedWord {
+public:
+    SharedWord() : at_(mmap(nullptr, sizeof(int), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0)) {}
+    ~SharedWord()
+    {
+        if (IsThere())
+            munmap(at_, sizeof(int));
+    }
+    SharedWord(const SharedWord &) = delete;
+    SharedWord &operator=(const SharedWord &) = delete;
+
+    bool IsThere() const { return at_ != MAP_FAILED; }
+    volatile int &Word() const { return *static_cast<volatile int *>(at_); }
+
+private:
+    void *at_;
+};
+
+// The daemon is the child of a child that ends at once, so the caller never has to reap it. Returns 0 and sets errno if
+// a step fails; then there is no daemon.
 pid_t ForkTwice(char *const *arguments, char *const *environment, int input, int log)
 {
-    int ends[2];
-    if (pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0)
+    const SharedWord daemonOrError;
+    if (!daemonOrError.IsThere())
         return 0;
-    const Descriptor from(ends[0]);
-    const Descriptor to(ends[1]);
     const pid_t child = fork();
     if (child < 0)
         return 0;
@@ -186,19 +205,16 @@ pid_t ForkTwice(char *const *arguments, char *const *environment, int input, int
         const pid_t daemon = fork();
         if (daemon == 0)
             BecomeDaemon(arguments, environment, input, log);
-        const bool told = daemon > 0 && write(to.Get(), &daemon, sizeof(daemon)) == sizeof(daemon);
-        if (daemon > 0 && !told)
-            kill(daemon, SIGKILL); // nobody would know it
-        _exit(told ? 0 : 1);
+        daemonOrError.Word() = daemon > 0 ? daemon : -errno;
+        _exit(0);
     }
-    // A caller that ignores SIGCHLD has no child to wait for; only the pipe says how it went.
+    // A caller that ignores SIGCHLD has no child to reap, and waits for its end all the same.
     while (waitpid(child, nullptr, 0) < 0 && errno == EINTR)
         ;
-    pid_t daemon = 0;
-    if (read(from.Get(), &daemon, sizeof(daemon)) == sizeof(daemon))
-        return daemon;
-    errno = EAGAIN;
-    return 0;
+    const int word = daemonOrError.Word();
+    if (word <= 0)
+        errno = word < 0 ? -word : ECHILD; // the child ended before it could say more
+    return word > 0 ? word : 0;
 }
 
 } // namespace
