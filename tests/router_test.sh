@@ -37,6 +37,7 @@ diff "$work/platform" "$work/open" || {
 sh "$source/tests/elf_test.sh" "$triplet-readelf" router "$work/build/lib"
 
 build "$work/libplatform.so"
+sh "$source/tests/elf_test.sh" "$triplet-readelf" router "$work/build/lib"
 "$triplet-readelf" -d "$library" | grep -q 'NEEDED.*\[libplatform.so.1\]' || {
   echo "the platform's library was named, but the library does not need it"
   exit 1
