@@ -76,8 +76,8 @@ std::vector<manager::Field> Unshown(const RecordDescription &description)
     return {manager::UnlessTag(bytes, offsetof(Row, kind), RSVP_MOR_LABEL_REQUEST_ATM)};
 }
 
-// The tool's description with nothing left out, nothing hidden, every address as a plain number, and as bytes what was
-// not converted.
+// The tool's description with nothing left out, nothing hidden, every address as a plain number, and as bytes what
+// was not converted.
 const RecordDescription &Whole(const RecordDescription &shown)
 {
     struct Made {
@@ -97,7 +97,8 @@ const RecordDescription &Whole(const RecordDescription &shown)
             field.record = &Whole(*field.record);
         if (field.kind == FieldKind::Address)
             field.kind = FieldKind::Number;
-        if (field.kind == FieldKind::Secret || field.kind == FieldKind::NetNumber || field.kind == FieldKind::NetAddress)
+        if (field.kind == FieldKind::Secret || field.kind == FieldKind::NetNumber ||
+            field.kind == FieldKind::NetAddress)
             field.kind = FieldKind::Bytes;
         field.isQuiet = false;
     }

@@ -190,8 +190,8 @@ private:
     void *at_;
 };
 
-// The daemon is the child of a child that ends at once, so the caller never has to reap it. Returns 0 and sets errno if
-// a step fails; then there is no daemon.
+// The daemon is the child of a child that ends at once, so the caller never has to reap it. Returns 0 and sets errno
+// if a step fails; then there is no daemon.
 pid_t ForkTwice(char *const *arguments, char *const *environment, int input, int log)
 {
     const SharedWord daemonOrError;

@@ -7,7 +7,8 @@ namespace manager {
 
 bool RecordMeanings::IsEmpty() const
 {
-    return own.empty() && std::all_of(inside.begin(), inside.end(), [](const auto &one) { return one.second.name.empty(); });
+    return own.empty() &&
+           std::all_of(inside.begin(), inside.end(), [](const auto &one) { return one.second.name.empty(); });
 }
 
 const Meaning *RecordMeanings::Find(std::string_view name) const

@@ -1,6 +1,6 @@
 // Documents are written as text at once: a walk prints one for each row, and building each as a tree of values first
-// took longer than the call that read it. Texts that need care go through the JSON library; names of fields, names of a
-// dictionary and its words need none.
+// took longer than the call that read it. Texts that need care go through the JSON library; names of fields, names of
+// a dictionary and its words need none.
 #include "manager/dictionary/document.h"
 
 #include "manager/dictionary/standard.h"

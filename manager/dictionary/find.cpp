@@ -19,7 +19,9 @@ constexpr const char *kSystemFile = "/etc/rsvp-mor/dictionary.toml";
 
 std::string ReadWhole(const std::string &file)
 {
-    const auto fail = [&](const std::string &problem) { throw DictionaryError(fmt::format("{}: {}", file, problem)); };
+    const auto fail = [&](const std::string &problem) {
+        throw DictionaryError(fmt::format("{}: {}", file, problem));
+    };
     const int fd = open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (fd < 0)
         fail(std::strerror(errno));

@@ -22,9 +22,9 @@ struct KnownParameter {
     AdspecParameter parameter;
 };
 constexpr KnownParameter kParameters[] = {
-    {4, {"hopCount", "count", false}},       {6, {"pathBandwidth", "B/s", true}}, {8, {"minPathLatency", "us", false}},
-    {10, {"composedMtu", "B", false}},       {133, {"Ctot", "B", false}},         {134, {"Dtot", "us", false}},
-    {135, {"Csum", "B", false}},             {136, {"Dsum", "us", false}},
+    {4, {"hopCount", "count", false}}, {6, {"pathBandwidth", "B/s", true}}, {8, {"minPathLatency", "us", false}},
+    {10, {"composedMtu", "B", false}}, {133, {"Ctot", "B", false}},         {134, {"Dtot", "us", false}},
+    {135, {"Csum", "B", false}},       {136, {"Dsum", "us", false}},
 };
 
 template <typename Record> const Record &As(const void *record)
@@ -76,8 +76,8 @@ void NameParameter(const void *record, Json &named)
     if (!known)
         return;
     named["parameter"] = known->name;
-    named["value"] = known->isSingle ? FloatToJson(std::bit_cast<float>(parameter.paramValue))
-                                                : Json(parameter.paramValue);
+    named["value"] =
+        known->isSingle ? FloatToJson(std::bit_cast<float>(parameter.paramValue)) : Json(parameter.paramValue);
 }
 
 void NameAdspec(const void *record, Json &named)

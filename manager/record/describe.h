@@ -67,16 +67,16 @@ constexpr Field Quiet(Field field)
 
 // The macros exist for the field's name alone: it becomes the JSON key, the member's type and its offset in Row, the
 // record that the surrounding DESCRIBE is about.
-#define MEMBER(field)  decltype(Row::field)
-#define NUMBER(field)  Elements<MEMBER(field)>(#field, FieldKind::Number, offsetof(Row, field))
-#define ADDRESS(field) Elements<MEMBER(field)>(#field, FieldKind::Address, offsetof(Row, field))
+#define MEMBER(field)      decltype(Row::field)
+#define NUMBER(field)      Elements<MEMBER(field)>(#field, FieldKind::Number, offsetof(Row, field))
+#define ADDRESS(field)     Elements<MEMBER(field)>(#field, FieldKind::Address, offsetof(Row, field))
 #define NET_NUMBER(field)  Elements<MEMBER(field)>(#field, FieldKind::NetNumber, offsetof(Row, field))
 #define NET_ADDRESS(field) Elements<MEMBER(field)>(#field, FieldKind::NetAddress, offsetof(Row, field))
-#define BYTES(field)   Whole<MEMBER(field)>(#field, FieldKind::Bytes, offsetof(Row, field))
-#define RATE(field)    Whole<MEMBER(field)>(#field, FieldKind::Rate, offsetof(Row, field))
-#define FLOAT(field)   Whole<MEMBER(field)>(#field, FieldKind::Float, offsetof(Row, field))
-#define SECRET(field)  Whole<MEMBER(field)>(#field, FieldKind::Secret, offsetof(Row, field))
-#define TEXT(field)    Whole<MEMBER(field)>(#field, FieldKind::Text, offsetof(Row, field))
+#define BYTES(field)       Whole<MEMBER(field)>(#field, FieldKind::Bytes, offsetof(Row, field))
+#define RATE(field)        Whole<MEMBER(field)>(#field, FieldKind::Rate, offsetof(Row, field))
+#define FLOAT(field)       Whole<MEMBER(field)>(#field, FieldKind::Float, offsetof(Row, field))
+#define SECRET(field)      Whole<MEMBER(field)>(#field, FieldKind::Secret, offsetof(Row, field))
+#define TEXT(field)        Whole<MEMBER(field)>(#field, FieldKind::Text, offsetof(Row, field))
 #define RECORD(field)                                                                                                \
     Elements<MEMBER(field)>(#field, FieldKind::Record, offsetof(Row, field),                                         \
                             &Describe<std::remove_extent_t<MEMBER(field)>>())

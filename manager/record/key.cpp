@@ -165,8 +165,8 @@ void ReadKey(const RecordDescription &description, std::string_view text, void *
     const auto named = std::find_if(parts.begin(), parts.end(), hasName);
     const auto inOrder = static_cast<size_t>(named - parts.begin());
     if (inOrder != 0 && inOrder != plain.size())
-        throw KeyError(fmt::format("takes {} ({}), got {}", CountText(plain.size(), "value"), KeyShape(description),
-                                   inOrder));
+        throw KeyError(
+            fmt::format("takes {} ({}), got {}", CountText(plain.size(), "value"), KeyShape(description), inOrder));
     Values values;
     for (size_t i = 0; i < inOrder; ++i)
         Add(values, plain[i], parts[i]);
@@ -192,7 +192,8 @@ std::string KeyText(const RecordDescription &description, const void *record)
     std::string quiet;
     for (const Leaf &leaf : Leaves(description)) {
         const std::byte *at = At(record, leaf.offset);
-        if (leaf.field->isQuiet && std::all_of(at, at + leaf.field->width, [](auto byte) { return byte == std::byte{0}; }))
+        if (leaf.field->isQuiet &&
+            std::all_of(at, at + leaf.field->width, [](auto byte) { return byte == std::byte{0}; }))
             continue;
         const Json value = ScalarToJson(*leaf.field, at);
         const std::string word = value.is_string() ? value.get<std::string>() : value.dump();

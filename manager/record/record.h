@@ -15,18 +15,18 @@
 namespace manager {
 
 enum class FieldKind : uint8_t {
-    Number,  // unsigned, host order, 1 to 8 bytes
-    Address, // IPv4 address as a number, shown dotted
+    Number,     // unsigned, host order, 1 to 8 bytes
+    Address,    // IPv4 address as a number, shown dotted
     NetNumber,  // a number that nobody converted: most significant byte first
     NetAddress, // an address likewise
-    Bytes,   // bytes in their order on the wire, shown as hex text
-    Rate,    // IEEE single, most significant byte first
-    Float,   // the machine's own float
-    Secret,  // key material: shown as "hidden", or as an empty text if all its bytes are zero
-    Record,  // a record inside this one
-    List,    // pointer to an array of records, followed by a 16-bit count
-    Chain,   // pointer to the first of a chain of records, each of which begins with the pointer to the next
-    Text,    // pointer to terminated text, or null
+    Bytes,      // bytes in their order on the wire, shown as hex text
+    Rate,       // IEEE single, most significant byte first
+    Float,      // the machine's own float
+    Secret,     // key material: shown as "hidden", or as an empty text if all its bytes are zero
+    Record,     // a record inside this one
+    List,       // pointer to an array of records, followed by a 16-bit count
+    Chain,      // pointer to the first of a chain of records, each of which begins with the pointer to the next
+    Text,       // pointer to terminated text, or null
 };
 
 struct RecordDescription;

@@ -41,7 +41,8 @@ void AddAlias(const std::vector<Leaf> &ofKey, const std::string &alias, const Le
 
 const Leaf *LeafAt(const std::vector<Leaf> &leaves, uint32_t offset)
 {
-    const auto leaf = std::find_if(leaves.begin(), leaves.end(), [&](const Leaf &one) { return one.offset == offset; });
+    const auto leaf =
+        std::find_if(leaves.begin(), leaves.end(), [&](const Leaf &one) { return one.offset == offset; });
     return leaf == leaves.end() ? nullptr : &*leaf;
 }
 

@@ -1,5 +1,5 @@
-// The tables, one description each. Which fields of a row the daemon takes as the key of the next one stands here only
-// where the record itself says it; else a dictionary does.
+// The tables, one description each. Which fields of a row the daemon takes as the key of the next one stands here
+// only where the record itself says it; else a dictionary does.
 #include "manager/table/tables.h"
 
 #include "manager/record/describe.h"
@@ -222,10 +222,10 @@ std::span<const TableShape> AllTableShapes()
 {
     static const std::vector<TableShape> shapes = [] {
         std::vector<TableShape> all;
-        for (const Table *table :
-             {&kInterfaces, &kInterfaceConfig, &kNeighbours, &kAuthentication, &kResources, &kTunnels, &kIngressTunnels,
-              &kFrrFacility, &kFrrGeneral, &kComputedHops, &kActualHops, &kExtendedHops, &kPathState,
-              &kReservationState, &kPreviousHopState, &kCrLsps, &kP2mpPathState, &kP2mpReservationState, &kP2mpCrLsps})
+        for (const Table *table : {&kInterfaces, &kInterfaceConfig, &kNeighbours, &kAuthentication, &kResources,
+                                   &kTunnels, &kIngressTunnels, &kFrrFacility, &kFrrGeneral, &kComputedHops,
+                                   &kActualHops, &kExtendedHops, &kPathState, &kReservationState, &kPreviousHopState,
+                                   &kCrLsps, &kP2mpPathState, &kP2mpReservationState, &kP2mpCrLsps})
             all.push_back({table->name, &table->row(), &table->key()});
         return all;
     }();

@@ -142,7 +142,8 @@ Option Node::AddChoice(const std::string &names, const std::string &type, const 
 Option Node::AddText(const std::string &names, const std::string &type,
                      std::function<std::string(const std::string &)> check, const std::string &help) const
 {
-    return Option(app_->add_option(names, help)->type_name(type)->check(std::move(check)));
+    CLI::Option *option = app_->add_option(names, help)->type_name(type);
+    return Option(check == nullptr ? option : option->check(std::move(check)));
 }
 
 Option Node::AddWords(const std::string &names, const std::string &type, const std::string &help) const
@@ -188,9 +189,11 @@ void RequireKey(const KeySpec &key, const std::string &text, void *record)
 
 KeyOptions AddKeyOptions(const Node &node, const KeySpec &key, bool isLong)
 {
-    const Option words = !isLong ? node.AddKey("key,--key", key, "One row only") : node.AddKeyWords("--key", key,
-                                          "The key: every field, or all values in their order (" +
-                                              KeyShape(*key.description) + "); a number may be written as an address");
+    const Option words =
+        !isLong ? node.AddKey("key,--key", key, "One row only")
+                : node.AddKeyWords("--key", key,
+                                   "The key: every field, or all values in their order (" +
+                                       KeyShape(*key.description) + "); a number may be written as an address");
     const Option file =
         node.AddFile("--key-file", "JSON file with the key: an object of field names with values").Excludes(words);
     return {key, words, file};

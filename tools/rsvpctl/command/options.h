@@ -87,7 +87,8 @@ public:
                        const std::string &help) const;
     Option AddChoice(const std::string &names, const std::string &type, const std::vector<std::string> &choices,
                      const std::string &help) const;
-    /** A text that `check` takes; it gives an empty text, or says what is wrong. */
+    /** A text that `check` takes; it gives an empty text, or says what is wrong. Without a check any text is taken.
+     */
     Option AddText(const std::string &names, const std::string &type,
                    std::function<std::string(const std::string &)> check, const std::string &help) const;
     Option AddWords(const std::string &names, const std::string &type, const std::string &help) const;

@@ -35,12 +35,10 @@ Exit WithRecord(Output &out, const std::string &operation, const manager::Table 
 Exit ShowRecord(Output &out, const std::string &operation, const manager::Table &table, const void *key,
                 const std::string &asked)
 {
-    return WithRecord(out, operation, table, key, asked,
-                      [&](void *record) {
-                          return out.Record(operation, table.row(), record, [&](const void *row) {
-                              return RecordText(table.row(), row, Names().Of(table.row()));
-                          });
-                      });
+    return WithRecord(out, operation, table, key, asked, [&](void *record) {
+        return out.Record(operation, table.row(), record,
+                          [&](const void *row) { return RecordText(table.row(), row, Names().Of(table.row())); });
+    });
 }
 
 } // namespace rsvpctl

@@ -49,6 +49,8 @@ const char *EndName(WalkEnd end)
         return "stuck";
     case WalkEnd::NoKey:
         return "no key";
+    case WalkEnd::Stopped:
+        return "limit";
     default:
         return "broken";
     }
@@ -374,36 +376,62 @@ Exit Output::EndList()
     return Exit::Done;
 }
 
-void Output::BeginRows(const std::string &operation, const manager::Table &table, Columns columns,
-                       const DetailView &detail)
+void Output::BeginRows(const std::string &operation, const manager::Table &table, RowForm form)
 {
     TellMissingNames();
     BeginList(operation);
     table_ = &table;
-    detail_ = detail;
+    form_ = std::move(form);
+    sorted_.clear();
     if (style_ == Style::Table)
-        layout_.emplace(std::move(columns), lineWidth_);
+        layout_.emplace(form_.columns, form_.shape == RowForm::Shape::Fitted ? lineWidth_ : SIZE_MAX);
 }
 
-bool Output::Row(const void *record)
+std::string Output::RowText(const void *record) const
 {
-    if (style_ == Style::Table)
-        return ListRow(nullptr, (rows_ == 0 ? Heading(layout_->Header()) : "") + layout_->Row(record));
     if (style_ == Style::Detail)
-        return ListRow(nullptr, (rows_ == 0 ? "" : "\n") + detail_(record));
-    text_ += rows_ == 0 ? "" : ",";
-    AppendJson(text_, table_->row(), record, Names().Of(table_->row()));
-    text_ += '\n';
+        return form_.detail(record);
+    if (style_ == Style::Table)
+        return form_.shape == RowForm::Shape::Csv ? layout_->CsvRow(record) : layout_->Row(record);
+    std::string text;
+    AppendJson(text, table_->row(), record, Names().Of(table_->row()));
+    return text + "\n";
+}
+
+// What stands between two rows, or before the first.
+bool Output::WriteRow(const std::string &row)
+{
+    if (rows_ != 0)
+        text_ += IsJson() ? "," : style_ == Style::Detail ? "\n" : "";
+    else if (style_ == Style::Table && form_.hasHeaders)
+        text_ += form_.shape == RowForm::Shape::Csv ? layout_->CsvHeader() : Heading(layout_->Header());
+    text_ += row;
     ++rows_;
     return Flush();
 }
 
+bool Output::Row(const void *record)
+{
+    if (!form_.sortBy)
+        return WriteRow(RowText(record)) && rows_ < form_.limit;
+    const Column &by = *form_.sortBy;
+    sorted_.emplace(by.number ? SortKey{by.number(record), ""} : SortKey{0, by.text(record)}, RowText(record));
+    // Rows behind the limit need not be kept.
+    if (sorted_.size() > form_.limit)
+        sorted_.erase(std::prev(sorted_.end()));
+    return true;
+}
+
 Exit Output::EndRows(const WalkResult &result)
 {
+    for (const auto &[key, row] : std::exchange(sorted_, {})) {
+        if (!WriteRow(row))
+            break;
+    }
     // A table that can no longer be written has no end to report; Finish says what happened.
-    if (result.end == WalkEnd::Stopped)
+    if (writeError_ != 0)
         return Exit::Done;
-    if (result.end == WalkEnd::EndOfTable) {
+    if (result.end == WalkEnd::EndOfTable || result.end == WalkEnd::Stopped) {
         EndWholeTable(result);
         return Exit::Done;
     }
@@ -423,13 +451,19 @@ Exit Output::EndRows(const WalkResult &result)
     return broken.text.exit;
 }
 
+// Rows that were read and not printed are as good as not read.
+const char *Output::EndOf(const WalkResult &result) const
+{
+    return result.rows > rows_ ? "limit" : EndName(result.end);
+}
+
 void Output::EndWholeTable(const WalkResult &result)
 {
     if (!IsJson()) {
         const size_t hidden = layout_ ? layout_->Hidden() : 0;
         const std::string more =
             hidden == 0 ? "" : fmt::format("; --detail shows {} more of each", CountText(hidden, "field"));
-        Message(CountText(result.rows, "row") + ", end of table" + more);
+        Message(fmt::format("{}, {}{}", CountText(rows_, "row"), EndOf(result), more));
     }
     CloseRows(result);
     CloseDocument(RSVP_MOR_OK, Exit::Done);
@@ -440,9 +474,9 @@ void Output::CloseRows(const WalkResult &result)
     if (!IsJson())
         return;
     text_ += "]";
-    Member("count", result.rows);
-    Member("complete", result.end == WalkEnd::EndOfTable);
-    Member("end", EndName(result.end));
+    Member("count", rows_);
+    Member("complete", result.end == WalkEnd::EndOfTable && result.rows <= rows_);
+    Member("end", EndOf(result));
     Member("function", result.function);
 }
 

@@ -11,6 +11,7 @@
 
 #include <cstdio>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 
@@ -24,6 +25,22 @@ enum class Color : uint8_t { Auto, Always, Never };
 
 /** Everything about one row. */
 using DetailView = std::function<std::string(const void *row)>;
+
+/** How the rows of a table are printed. */
+struct RowForm {
+    enum class Shape : uint8_t {
+        Fitted, // the columns that fit into a line
+        Wide,   // all columns
+        Csv,    // all columns, for other programs
+    };
+
+    Columns columns;
+    DetailView detail;
+    std::optional<Column> sortBy = {}; // then the rows wait for the last one
+    uint64_t limit = UINT64_MAX;
+    bool hasHeaders = true;
+    Shape shape = Shape::Fitted;
+};
 
 /** What a call of the library gave. */
 struct Outcome {
@@ -82,8 +99,9 @@ public:
     /** Arguments that cannot be taken; nothing was sent. */
     Exit WrongUsage(const std::string &operation, const UsageError &error);
 
-    /** The rows of a walk: begin, any number of rows, end. Row gives false when the document cannot be written. */
-    void BeginRows(const std::string &operation, const manager::Table &table, Columns columns, const DetailView &detail);
+    /** The rows of a walk: begin, any number of rows, end. Row gives false when no more are wanted: they are as many
+     * as the form allows, or the document cannot be written. */
+    void BeginRows(const std::string &operation, const manager::Table &table, RowForm form);
     bool Row(const void *record);
     Exit EndRows(const manager::WalkResult &result);
 
@@ -119,10 +137,16 @@ public:
     bool IsJson() const { return style_ == Style::Json; }
 
 private:
+    /** By number, or by text where there is none. */
+    using SortKey = std::pair<uint64_t, std::string>;
+
     Exit Document(const std::string &operation, const char *name, const manager::Json &value, const std::string &text,
                   uint32_t status);
     void OpenDocument(const std::string &operation);
     void CloseDocument(uint32_t status, Exit exit, const char *name = nullptr);
+    std::string RowText(const void *record) const;
+    bool WriteRow(const std::string &row);
+    const char *EndOf(const manager::WalkResult &result) const;
     void EndWholeTable(const manager::WalkResult &result);
     void CloseRows(const manager::WalkResult &result);
     Exit Fail(const Outcome &failure, const std::string &headline, const Reason &reason);
@@ -146,7 +170,8 @@ private:
     std::string operation_;
     const manager::Table *table_ = nullptr;
     std::optional<TableLayout> layout_;
-    DetailView detail_;
+    RowForm form_;
+    std::multimap<SortKey, std::string> sorted_; // rows that wait
     uint64_t rows_ = 0;
     bool inList_ = false;
 

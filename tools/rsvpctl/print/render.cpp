@@ -1,6 +1,7 @@
 // Tables, and documents as lines.
 #include "tools/rsvpctl/print/render.h"
 
+#include "manager/record/text.h"
 #include "tools/rsvpctl/view/record_view.h"
 
 #include <algorithm>
@@ -21,6 +22,12 @@ std::string Trimmed(std::string line)
 {
     line.erase(line.find_last_not_of(' ') + 1);
     return line;
+}
+
+std::string CsvCell(const std::string &text)
+{
+    static constexpr manager::Quotes kCsvQuotes{'"', "\"", "\"", ""};
+    return text.find_first_of(",\"\r\n") == std::string::npos ? text : manager::Quoted(text, kCsvQuotes);
 }
 
 } // namespace
@@ -57,6 +64,22 @@ std::string TableLayout::Row(const void *record) const
     if (columns_.rest)
         line += columns_.rest(record);
     return Trimmed(std::move(line)) + "\n";
+}
+
+std::string TableLayout::CsvHeader() const
+{
+    std::vector<std::string> cells;
+    for (const Column &column : columns_.all)
+        cells.push_back(CsvCell(column.name));
+    return manager::Joined(cells, ",") + "\r\n";
+}
+
+std::string TableLayout::CsvRow(const void *record) const
+{
+    std::vector<std::string> cells;
+    for (const Column &column : columns_.all)
+        cells.push_back(CsvCell(column.text(record)));
+    return manager::Joined(cells, ",") + "\r\n";
 }
 
 std::string DetailText(const Json &record)

@@ -19,6 +19,10 @@ public:
     std::string Header() const;
     std::string Row(const void *record) const;
 
+    /** The same with commas between them (RFC 4180), and all columns, for which the line must be wide enough. */
+    std::string CsvHeader() const;
+    std::string CsvRow(const void *record) const;
+
     /** What no column shows: those that the line has no room for, and lists. */
     size_t Hidden() const { return hidden_; }
 

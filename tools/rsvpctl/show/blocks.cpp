@@ -52,10 +52,9 @@ Exit WithBlock(Output &out, const std::string &operation, const ShowSpec &show, 
     return WithSession(out, operation, table.get.held, [&](int32_t fd) {
         std::vector<std::byte> block(table.row().size);
         const uint32_t status =
-            table.ask == nullptr
-                ? ReadRow(table, table.get, fd, key.data(), block.data())
-                : table.ask(fd, options.itemType.NumberOr(manager::kP2mpPathStateItem),
-                            options.operation.NumberOr(manager::kGetRow), key.data(), block.data());
+            table.ask == nullptr ? ReadRow(table, table.get, fd, key.data(), block.data())
+                                 : table.ask(fd, options.itemType.NumberOr(manager::kP2mpPathStateItem),
+                                             options.operation.NumberOr(manager::kGetRow), key.data(), block.data());
         if (status != RSVP_MOR_OK)
             return out.Failed({operation, table.get.function, "key " + KeyText(table.key(), key.data()), status});
         const Exit exit = print(block.data());

@@ -59,8 +59,9 @@ void ListMeanings(Output &out, const RecordDescription &record, const RecordMean
         if (!inside.name.empty()) {
             Meaning route;
             route.name = inside.name;
-            out.ListRow(RowOf(record.name, prefix + field, route),
-                        fmt::format("{}  {:<28} {:<24} route\n", std::exchange(heading, ""), prefix + field, inside.name));
+            out.ListRow(
+                RowOf(record.name, prefix + field, route),
+                fmt::format("{}  {:<28} {:<24} route\n", std::exchange(heading, ""), prefix + field, inside.name));
         }
         ListMeanings(out, record, inside, prefix + field + ".", heading);
     }

@@ -155,7 +155,7 @@ const std::map<std::string, Json> &MembersOfAnswers()
         {"rows", ArrayOf({{"type", "object"}})},
         {"count", Integer(UINT64_MAX)},
         {"complete", {{"type", "boolean"}}},
-        {"end", OneOfTexts({"end of table", "stuck", "no key", "broken", "interrupted"})},
+        {"end", OneOfTexts({"end of table", "stuck", "no key", "limit", "broken", "interrupted"})},
         {"file", Text()},
     };
     return members;
@@ -273,16 +273,15 @@ void AddOwnRecords(Json &definitions)
                              {{"type", {"number", "string", "boolean", "array"}}, {"items", {{"type", "string"}}}}}};
     const Json textOrNull = NullOr(Text());
     definitions["dictionaryFile"] = Object({{"file", Text()}, {"daemon", Text()}});
-    definitions["dictionaryRow"] =
-        Object({{"record", Text()},
-                {"field", Text()},
-                {"name", Text()},
-                {"form", Text()},
-                {"words", NullOr({{"type", "object"}, {"additionalProperties", Text()}})},
-                {"unit", textOrNull},
-                {"counter", {{"type", "boolean"}}},
-                {"mib", textOrNull},
-                {"setting", textOrNull}});
+    definitions["dictionaryRow"] = Object({{"record", Text()},
+                                           {"field", Text()},
+                                           {"name", Text()},
+                                           {"form", Text()},
+                                           {"words", NullOr({{"type", "object"}, {"additionalProperties", Text()}})},
+                                           {"unit", textOrNull},
+                                           {"counter", {{"type", "boolean"}}},
+                                           {"mib", textOrNull},
+                                           {"setting", textOrNull}});
     definitions["request"] = Object({{"class", Integer(UINT8_MAX)},
                                      {"op", Integer(UINT8_MAX)},
                                      {"items", ArrayOf(Object({{"type", Integer(UINT16_MAX)},

@@ -6,6 +6,7 @@
 #include "manager/table/tables.h"
 #include "manager/table/walk.h"
 #include "tools/rsvpctl/command/command_line.h"
+#include "tools/rsvpctl/command/nearest.h"
 #include "tools/rsvpctl/command/session.h"
 #include "tools/rsvpctl/print/names.h"
 #include "tools/rsvpctl/print/progress.h"
@@ -35,6 +36,11 @@ constexpr GroupSpec kGroups[] = {
 
 /** The options of a walk; those that a table does not have are never given. */
 struct RowOptions {
+    Option columns;
+    Option sort;
+    Option limit;
+    Option noHeaders;
+    Option form;
     Option after;
     BlockOptions one; // row, by its key
     Option ingress;
@@ -58,6 +64,43 @@ LspFilter FilterOf(const RowOptions &options)
     return filter;
 }
 
+const Column &ColumnNamed(const Columns &columns, std::string_view name)
+{
+    std::vector<Spelling> names;
+    for (const Column &column : columns.all) {
+        if (column.name == name)
+            return column;
+        names.push_back({column.name, column.name});
+    }
+    throw UsageError(fmt::format("there is no column '{}'{}", name, DidYouMean(name, names)));
+}
+
+RowForm FormOf(const Output &out, const ShowSpec &show, const RowOptions &options)
+{
+    RowForm form{.columns = ColumnsOf(show), .detail = DetailOf(show)};
+    const bool forTable = options.columns.IsGiven() || options.noHeaders.IsGiven() || options.form.IsGiven();
+    if (forTable && out.ChosenStyle() != Style::Table)
+        throw UsageError("--columns, --no-headers and --output are for tables, not for --json and --detail");
+    if (options.sort.IsGiven())
+        form.sortBy = ColumnNamed(form.columns, options.sort.Text());
+    if (options.columns.IsGiven()) {
+        Columns chosen;
+        const std::string names = options.columns.Text();
+        for (const std::string_view name : manager::Split(names, ','))
+            chosen.all.push_back(ColumnNamed(form.columns, name));
+        form.columns = std::move(chosen);
+        form.shape = RowForm::Shape::Wide; // what was asked for is not hidden
+    }
+    if (options.limit.IsGiven())
+        form.limit = options.limit.Number();
+    form.hasHeaders = !options.noHeaders.IsGiven();
+    if (options.form.Text() == "csv")
+        form.shape = RowForm::Shape::Csv;
+    else if (options.form.Text() == "wide")
+        form.shape = RowForm::Shape::Wide;
+    return form;
+}
+
 Exit ShowRows(Output &out, const std::string &operation, const ShowSpec &show, const RowOptions &options)
 {
     const manager::Table &table = options.ingress.IsGiven() ? *show.ingressTable : *show.table;
@@ -67,7 +110,7 @@ Exit ShowRows(Output &out, const std::string &operation, const ShowSpec &show, c
     std::vector<std::byte> after(table.key().size);
     if (options.after.IsGiven())
         RequireKey(table, options.after.Text(), after.data());
-    out.BeginRows(operation, table, ColumnsOf(show), DetailOf(show));
+    out.BeginRows(operation, table, FormOf(out, show, options));
     const manager::Session session(table.first.held);
     if (session.IsMissing())
         return out.EndRows({manager::WalkEnd::Broken, 0, RSVP_MOR_ERR_LIPC, "RSVP_MOR_LIPCOpen", ""});
@@ -94,15 +137,21 @@ Exit ShowRows(Output &out, const std::string &operation, const ShowSpec &show, c
 
 Exit ShowRow(Output &out, const std::string &operation, const ShowSpec &show, const BlockOptions &options)
 {
-    return WithBlock(out, operation, show, options, [&](void *row) {
-        return out.Record(operation, show.table->row(), row, DetailOf(show));
-    });
+    return WithBlock(out, operation, show, options,
+                     [&](void *row) { return out.Record(operation, show.table->row(), row, DetailOf(show)); });
 }
 
 RowOptions AddRowOptions(const Node &node, const ShowSpec &show)
 {
     RowOptions options;
     const manager::Table &key = *show.table;
+    options.columns = node.AddText("--columns", "NAME,...", nullptr, "These columns, in this order");
+    options.sort =
+        node.AddText("--sort", "NAME", nullptr, "Rows in the order of a column; they wait for the last one");
+    options.limit = node.AddNumber("--limit", UINT32_MAX, "At most so many rows");
+    options.noHeaders = node.AddFlag("--no-headers", "Rows without a heading");
+    options.form = node.AddChoice("-o,--output", "FORM", {"table", "wide", "csv"},
+                                  "The columns that fit into a line, all columns, or all with commas between them");
     options.after = node.AddKey("--after", key, "Begin after the row with this key");
     if (show.HasRecord()) {
         options.one = AddBlockOptions(node, show);

@@ -67,7 +67,8 @@ size_t WidestValue(const Meaning &meaning)
             return kBandwidthWidth;
         if (meaning.form == Form::Single)
             return kFloatWidth;
-        return kDigits[meaning.width] + (meaning.unit.empty() || meaning.unit == "count" ? 0 : meaning.unit.size() + 1);
+        return kDigits[meaning.width] +
+               (meaning.unit.empty() || meaning.unit == "count" ? 0 : meaning.unit.size() + 1);
     }
 }
 
@@ -86,15 +87,35 @@ bool IsNumber(const Meaning &meaning)
 
 Column ColumnOf(const Leaf &leaf)
 {
-    return {leaf.path, leaf.path, WidestField(*leaf.field), leaf.field->kind == FieldKind::Number,
-            [leaf](const void *row) { return LeafText(leaf, row); }};
+    const bool isNumber = leaf.field->kind == FieldKind::Number;
+    Column column{leaf.path,
+                  leaf.path,
+                  WidestField(*leaf.field),
+                  isNumber,
+                  [leaf](const void *row) { return LeafText(leaf, row); },
+                  nullptr};
+    if (isNumber || leaf.field->kind == FieldKind::Address)
+        column.number = [leaf](const void *row) {
+            return manager::LoadNumber(manager::At(row, leaf.offset), leaf.field->width);
+        };
+    return column;
 }
 
 Column ColumnOf(const PlacedMeaning &placed)
 {
     const Meaning &meaning = *placed.meaning;
-    return {meaning.name, HeadingOf(meaning.name), WidestValue(meaning), IsNumber(meaning),
-            [placed](const void *row) { return ValueText(*placed.meaning, manager::At(row, placed.base)); }};
+    Column column{meaning.name,
+                  HeadingOf(meaning.name),
+                  WidestValue(meaning),
+                  IsNumber(meaning),
+                  [placed](const void *row) { return ValueText(*placed.meaning, manager::At(row, placed.base)); },
+                  nullptr};
+    // The bits of a single that is not negative grow with it.
+    if (meaning.width <= sizeof(uint64_t) && meaning.form != Form::Enumeration && meaning.form != Form::Text)
+        column.number = [placed](const void *row) {
+            return NumberOf(*placed.meaning, manager::At(row, placed.base));
+        };
+    return column;
 }
 
 bool Overlaps(const PlacedMeaning &placed, const Leaf &leaf)
@@ -156,7 +177,8 @@ Columns ColumnsOf(const manager::Table &table, const manager::Dictionary &dictio
     std::stable_partition(found.begin(), found.end(), [](const auto &one) { return one.first; });
 
     for (const std::string &name : chosen) {
-        const auto one = std::find_if(found.begin(), found.end(), [&](const auto &column) { return column.second.name == name; });
+        const auto one =
+            std::find_if(found.begin(), found.end(), [&](const auto &column) { return column.second.name == name; });
         if (one != found.end()) {
             columns.all.push_back(std::move(one->second));
             found.erase(one);

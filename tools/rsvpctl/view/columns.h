@@ -1,5 +1,5 @@
-// What a table shows of its rows: columns whose widths come from the types of their values, not from the rows, so that
-// a row can be printed when it comes.
+// What a table shows of its rows: columns whose widths come from the types of their values, not from the rows, so
+// that a row can be printed when it comes.
 #ifndef TOOLS_RSVPCTL_VIEW_COLUMNS_H
 #define TOOLS_RSVPCTL_VIEW_COLUMNS_H
 
@@ -20,6 +20,7 @@ struct Column {
     size_t width;        // of the widest value; a text of the daemon's may be wider and then shifts its own row alone
     bool isNumber;       // set to the right
     std::function<std::string(const void *row)> text;
+    std::function<uint64_t(const void *row)> number; // by which rows are sorted; null: by the text
 };
 
 struct Columns {

@@ -37,7 +37,8 @@ std::string ParameterText(const RSVP_MOR_AdspecParam &parameter)
     if (!known)
         return fmt::format("parameter {} {}", parameter.paramHeader[0], parameter.paramValue);
     if (known->isSingle)
-        return fmt::format("{} {}", known->name, BandwidthText(double{std::bit_cast<float>(parameter.paramValue)} * 8));
+        return fmt::format("{} {}", known->name,
+                           BandwidthText(double{std::bit_cast<float>(parameter.paramValue)} * 8));
     return fmt::format("{} {}", known->name, parameter.paramValue);
 }
 
@@ -55,14 +56,15 @@ void DetailLines::Add(std::string_view name, std::string_view value)
 
 void DetailLines::AddSession(const RSVP_MOR_Session &session)
 {
-    Add("Session", fmt::format("end point {}, tunnel {}, extended tunnel {}", DottedText(Shown(session.tunnelEndpoint)),
-                               Shown(session.tunnelId), DottedText(Shown(session.extendedTunnelId))));
+    Add("Session",
+        fmt::format("end point {}, tunnel {}, extended tunnel {}", DottedText(Shown(session.tunnelEndpoint)),
+                    Shown(session.tunnelId), DottedText(Shown(session.extendedTunnelId))));
 }
 
 void DetailLines::AddSession(const RSVP_MOR_P2mpSession &session)
 {
-    Add("Session", fmt::format("P2MP {}, tunnel {}, extended tunnel {}", Shown(session.p2mpId), Shown(session.tunnelId),
-                               DottedText(Shown(session.extendedTunnelId))));
+    Add("Session", fmt::format("P2MP {}, tunnel {}, extended tunnel {}", Shown(session.p2mpId),
+                               Shown(session.tunnelId), DottedText(Shown(session.extendedTunnelId))));
 }
 
 void DetailLines::AddSender(std::string_view name, const RSVP_MOR_Sender &sender)
@@ -72,8 +74,9 @@ void DetailLines::AddSender(std::string_view name, const RSVP_MOR_Sender &sender
 
 void DetailLines::AddSender(std::string_view name, const RSVP_MOR_P2mpSender &sender)
 {
-    Add(name, fmt::format("{}, LSP {}, sub-group {} of {}", DottedText(Shown(sender.senderAddress)), Shown(sender.lspId),
-                          Shown(sender.subGroupId), DottedText(Shown(sender.subGroupOriginator))));
+    Add(name,
+        fmt::format("{}, LSP {}, sub-group {} of {}", DottedText(Shown(sender.senderAddress)), Shown(sender.lspId),
+                    Shown(sender.subGroupId), DottedText(Shown(sender.subGroupOriginator))));
 }
 
 void DetailLines::AddHop(std::string_view name, const RSVP_MOR_Hop &hop)
@@ -91,9 +94,10 @@ void DetailLines::AddInterface(const RSVP_MOR_IfRef &reference)
     Shown(reference);
     const bool plain = reference.ifRefHead[0] == 0 && reference.ifRefHead[1] == 0 && reference.ifRefTail[0] == 0 &&
                        reference.ifRefTail[1] == 0;
-    Add("Interface ref.", plain ? fmt::format("{}", reference.ifRefNumber)
-                                : fmt::format("{}, head {:02x}, tail {:02x}", reference.ifRefNumber,
-                                              fmt::join(reference.ifRefHead, ""), fmt::join(reference.ifRefTail, "")));
+    Add("Interface ref.", plain
+                              ? fmt::format("{}", reference.ifRefNumber)
+                              : fmt::format("{}, head {:02x}, tail {:02x}", reference.ifRefNumber,
+                                            fmt::join(reference.ifRefHead, ""), fmt::join(reference.ifRefTail, "")));
 }
 
 template <typename Spec> void DetailLines::AddBucket(std::string_view name, const Spec &spec)
@@ -112,7 +116,8 @@ void DetailLines::AddFlowSpec(const RSVP_MOR_FlowSpec &flowSpec)
 {
     AddBucket("Flow spec", flowSpec);
     if (flowSpec.rspecParamLength != 0 || NetFloat(flowSpec.rspecRate) != 0)
-        More(fmt::format("guaranteed {}, slack {} us", RateText(Shown(flowSpec.rspecRate)), Shown(flowSpec.slackTerm)));
+        More(fmt::format("guaranteed {}, slack {} us", RateText(Shown(flowSpec.rspecRate)),
+                         Shown(flowSpec.slackTerm)));
 }
 
 std::string DetailLines::ParametersText(std::span<const RSVP_MOR_AdspecParam> parameters)
@@ -135,8 +140,8 @@ void DetailLines::AddAdspec(const RSVP_MOR_Adspec &adspec)
     }
     const auto bandwidth = std::bit_cast<float>(Shown(adspec.pathBandwidth.paramValue));
     const uint32_t latency = Shown(adspec.minPathLatency.paramValue);
-    Add("Adspec", fmt::format("hops {}, path bandwidth {}, least latency {}, MTU {}", Shown(adspec.hopCount.paramValue),
-                              BandwidthText(double{bandwidth} * 8),
+    Add("Adspec", fmt::format("hops {}, path bandwidth {}, least latency {}, MTU {}",
+                              Shown(adspec.hopCount.paramValue), BandwidthText(double{bandwidth} * 8),
                               latency == manager::kUnknownLatency ? "unknown" : fmt::format("{} us", latency),
                               Shown(adspec.composedMtu.paramValue)));
     // A service's fragment is left out if the sender did not put it there.

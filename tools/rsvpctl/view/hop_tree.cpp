@@ -122,10 +122,10 @@ HopTree TreeOf(const RSVP_MOR_P2mpCrlspInfo &record, const manager::RecordMeanin
         node->leaves.push_back(LeafOf(*sub, meanings));
         ++tree.leafCount;
     }
-    tree.title = fmt::format("{}P2MP {}, tunnel {}, LSP {}: {} {}",
-                             record.name == nullptr ? "" : manager::HarmlessText(record.name) + ", ",
-                             named("p2mpId"), named("tunnelId"), named("lspId"), tree.leafCount,
-                             tree.leafCount == 1 ? "leaf" : "leaves");
+    tree.title =
+        fmt::format("{}P2MP {}, tunnel {}, LSP {}: {} {}",
+                    record.name == nullptr ? "" : manager::HarmlessText(record.name) + ", ", named("p2mpId"),
+                    named("tunnelId"), named("lspId"), tree.leafCount, tree.leafCount == 1 ? "leaf" : "leaves");
     return tree;
 }
 

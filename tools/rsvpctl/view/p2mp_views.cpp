@@ -2,7 +2,6 @@
 #include "manager/record/text.h"
 #include "tools/rsvpctl/view/detail_lines.h"
 #include "tools/rsvpctl/view/views.h"
-#include "tools/rsvpctl/view/words.h"
 
 #include <fmt/format.h>
 
@@ -56,22 +55,15 @@ template <typename Row> Columns StateColumns()
 {
     Columns columns;
     columns.all = {
-        ViewColumn<Row>(
-            "p2mpId", 10, [](const Row &row) { return fmt::format("{}", row.pathState.session.p2mpId); }, true),
-        ViewColumn<Row>(
-            "tunnel", 5, [](const Row &row) { return fmt::format("{}", row.pathState.session.tunnelId); }, true),
-        ViewColumn<Row>("sender", kAddressWidth,
-                        [](const Row &row) { return AddressText(row.subGroup.sender.senderAddress); }),
-        ViewColumn<Row>("lsp", 5, [](const Row &row) { return fmt::format("{}", row.subGroup.sender.lspId); }, true),
-        ViewColumn<Row>(
-            "subGroup", 5, [](const Row &row) { return fmt::format("{}", row.subGroup.sender.subGroupId); }, true),
-        ViewColumn<Row>("hop", kAddressWidth, [](const Row &row) { return AddressText(row.pathState.hop.hopAddress); }),
-        ViewColumn<Row>("bandwidth", kBandwidthWidth,
-                        [](const Row &row) {
-                            return manager::BandwidthText(double{manager::NetFloat(row.pathState.tspec.tokenRate)} * 8);
-                        }),
-        ViewColumn<Row>("extendedId", kAddressWidth,
-                        [](const Row &row) { return AddressText(row.pathState.session.extendedTunnelId); })};
+        NumberColumn<Row>("p2mpId", 10, [](const Row &row) -> uint64_t { return row.pathState.session.p2mpId; }),
+        NumberColumn<Row>("tunnel", 5, [](const Row &row) -> uint64_t { return row.pathState.session.tunnelId; }),
+        AddressColumn<Row>("sender", [](const Row &row) -> uint64_t { return row.subGroup.sender.senderAddress; }),
+        NumberColumn<Row>("lsp", 5, [](const Row &row) -> uint64_t { return row.subGroup.sender.lspId; }),
+        NumberColumn<Row>("subGroup", 5, [](const Row &row) -> uint64_t { return row.subGroup.sender.subGroupId; }),
+        AddressColumn<Row>("hop", [](const Row &row) -> uint64_t { return row.pathState.hop.hopAddress; }),
+        BandwidthColumn<Row>([](const Row &row) { return manager::NetFloat(row.pathState.tspec.tokenRate); }),
+        AddressColumn<Row>("extendedId",
+                           [](const Row &row) -> uint64_t { return row.pathState.session.extendedTunnelId; })};
     return columns;
 }
 

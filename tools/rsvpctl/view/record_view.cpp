@@ -76,8 +76,7 @@ void AddRecords(const Field &field, const void *record, const RecordMeanings &me
     }
     size_t count = 0;
     ForEachElement(field, record, [&](const void *element) {
-        AddRecord(*field.record, element, inside, fmt::format("{}[{}].", path, count++), shown,
-                  lines);
+        AddRecord(*field.record, element, inside, fmt::format("{}[{}].", path, count++), shown, lines);
     });
     if (count == 0)
         lines.emplace_back(path, "none");
@@ -145,9 +144,8 @@ void ShownParts::Note(const void *part, size_t size)
 bool ShownParts::Contain(const void *part, size_t size) const
 {
     const auto *at = static_cast<const std::byte *>(part);
-    return std::any_of(parts_.begin(), parts_.end(), [&](const auto &one) {
-        return at >= one.first && at + size <= one.first + one.second;
-    });
+    return std::any_of(parts_.begin(), parts_.end(),
+                       [&](const auto &one) { return at >= one.first && at + size <= one.first + one.second; });
 }
 
 std::vector<std::string> HopTexts(const RSVP_MOR_HopList &list)

@@ -1,5 +1,5 @@
-// Any record for people, whatever it is: one line a value, under the name that the dictionary gives it, or under that of
-// its field.
+// Any record for people, whatever it is: one line a value, under the name that the dictionary gives it, or under that
+// of its field.
 #ifndef TOOLS_RSVPCTL_VIEW_RECORD_VIEW_H
 #define TOOLS_RSVPCTL_VIEW_RECORD_VIEW_H
 
@@ -36,7 +36,8 @@ private:
     std::vector<std::pair<const std::byte *, size_t>> parts_;
 };
 
-/** Adds every value of a record, but for what is shown already. What a dictionary says of some bytes of a field comes before the field itself. */
+/** Adds every value of a record, but for what is shown already. What a dictionary says of some bytes of a field comes
+ * before the field itself. */
 void AddRecord(const manager::RecordDescription &description, const void *record,
                const manager::RecordMeanings &meanings, const std::string &prefix, const ShownParts &shown,
                Lines &lines);

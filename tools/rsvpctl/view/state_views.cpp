@@ -14,39 +14,33 @@ using manager::DottedText, manager::NetFloat;
 
 template <typename Row> void AddSessionColumns(Columns &columns)
 {
-    columns.all.push_back(ViewColumn<Row>(
-        "endPoint", kAddressWidth, [](const Row &row) { return AddressText(row.session.tunnelEndpoint); }));
     columns.all.push_back(
-        ViewColumn<Row>("tunnel", 5, [](const Row &row) { return fmt::format("{}", row.session.tunnelId); }, true));
+        AddressColumn<Row>("endPoint", [](const Row &row) -> uint64_t { return row.session.tunnelEndpoint; }));
+    columns.all.push_back(
+        NumberColumn<Row>("tunnel", 5, [](const Row &row) -> uint64_t { return row.session.tunnelId; }));
 }
 
 template <typename Row> Column ExtendedIdColumn()
 {
-    return ViewColumn<Row>("extendedId", kAddressWidth,
-                         [](const Row &row) { return AddressText(row.session.extendedTunnelId); });
+    return AddressColumn<Row>("extendedId", [](const Row &row) -> uint64_t { return row.session.extendedTunnelId; });
 }
 
 template <typename Row, RSVP_MOR_Sender Row::*Member> void AddSenderColumns(Columns &columns)
 {
     columns.all.push_back(
-        ViewColumn<Row>("sender", kAddressWidth, [](const Row &row) { return AddressText((row.*Member).senderAddress); }));
+        AddressColumn<Row>("sender", [](const Row &row) -> uint64_t { return (row.*Member).senderAddress; }));
     columns.all.push_back(
-        ViewColumn<Row>("lsp", 5, [](const Row &row) { return fmt::format("{}", (row.*Member).lspId); }, true));
+        NumberColumn<Row>("lsp", 5, [](const Row &row) -> uint64_t { return (row.*Member).lspId; }));
 }
 
 template <typename Row> Column HopColumn(const char *name)
 {
-    return ViewColumn<Row>(name, kAddressWidth, [](const Row &row) { return AddressText(row.hop.hopAddress); });
+    return AddressColumn<Row>(name, [](const Row &row) -> uint64_t { return row.hop.hopAddress; });
 }
 
 template <typename Row> Column StyleColumn()
 {
     return ViewColumn<Row>("style", 5, [](const Row &row) { return manager::StyleText(row.style); });
-}
-
-std::string BandwidthOf(const uint8_t (&rate)[4])
-{
-    return manager::BandwidthText(double{NetFloat(rate)} * 8);
 }
 
 void AddFilters(DetailLines &lines, const RSVP_MOR_ReplyFSInfo *filter)
@@ -84,8 +78,7 @@ Columns PsbColumns()
     AddSessionColumns<Row>(columns);
     AddSenderColumns<Row, &Row::sender>(columns);
     columns.all.push_back(HopColumn<Row>("previousHop"));
-    columns.all.push_back(ViewColumn<Row>("bandwidth", kBandwidthWidth,
-                                        [](const Row &row) { return BandwidthOf(row.tspec.tokenRate); }));
+    columns.all.push_back(BandwidthColumn<Row>([](const Row &row) { return NetFloat(row.tspec.tokenRate); }));
     columns.all.push_back(ViewColumn<Row>("priorities", 3, PrioritiesText));
     columns.all.push_back(ExtendedIdColumn<Row>());
     return columns;
@@ -115,8 +108,7 @@ Columns RsbColumns()
     AddSessionColumns<Row>(columns);
     AddSenderColumns<Row, &Row::filter>(columns);
     columns.all.push_back(HopColumn<Row>("nextHop"));
-    columns.all.push_back(ViewColumn<Row>("bandwidth", kBandwidthWidth,
-                                        [](const Row &row) { return BandwidthOf(row.flowSpec.tokenRate); }));
+    columns.all.push_back(BandwidthColumn<Row>([](const Row &row) { return NetFloat(row.flowSpec.tokenRate); }));
     columns.all.push_back(StyleColumn<Row>());
     columns.all.push_back(ViewColumn<Row>("label", 7, [](const Row &row) { return LabelsText(row.fsList); }));
     columns.all.push_back(ExtendedIdColumn<Row>());
@@ -153,9 +145,8 @@ Columns PhsbColumns()
     Columns columns;
     AddSessionColumns<Row>(columns);
     columns.all.push_back(HopColumn<Row>("previousHop"));
-    columns.all.push_back(ViewColumn<Row>("bandwidth", kBandwidthWidth, [](const Row &row) {
-        return row.fdList == nullptr ? "-" : BandwidthOf(row.fdList->flowSpec.tokenRate);
-    }));
+    columns.all.push_back(BandwidthColumn<Row>(
+        [](const Row &row) { return row.fdList == nullptr ? 0.0F : NetFloat(row.fdList->flowSpec.tokenRate); }));
     columns.all.push_back(StyleColumn<Row>());
     columns.all.push_back(ViewColumn<Row>("label", 7, LabelsOfAll));
     columns.all.push_back(ExtendedIdColumn<Row>());

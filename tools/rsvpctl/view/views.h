@@ -3,7 +3,9 @@
 #define TOOLS_RSVPCTL_VIEW_VIEWS_H
 
 #include "tools/rsvpctl/view/columns.h"
+#include "tools/rsvpctl/view/words.h"
 
+#include <algorithm>
 #include <string>
 
 namespace rsvpctl {
@@ -22,9 +24,57 @@ std::string ShowRow(const void *row, const manager::RecordMeanings &meanings)
 }
 
 /** A column whose text a function makes of a row of the type that it knows. */
-template <typename Row> Column ViewColumn(const char *name, size_t width, std::string (*text)(const Row &), bool isNumber = false)
+template <typename Row>
+Column ViewColumn(const char *name, size_t width, std::string (*text)(const Row &),
+                  uint64_t (*number)(const Row &) = nullptr)
 {
-    return {name, HeadingOf(name), width, isNumber, [text](const void *row) { return text(*static_cast<const Row *>(row)); }};
+    Column column{name,
+                  HeadingOf(name),
+                  width,
+                  false,
+                  [text](const void *row) { return text(*static_cast<const Row *>(row)); },
+                  nullptr};
+    if (number != nullptr)
+        column.number = [number](const void *row) { return number(*static_cast<const Row *>(row)); };
+    return column;
+}
+
+/** A column of a number. */
+template <typename Row> Column NumberColumn(const char *name, size_t width, uint64_t (*number)(const Row &))
+{
+    return {name,
+            HeadingOf(name),
+            width,
+            true,
+            [number](const void *row) { return std::to_string(number(*static_cast<const Row *>(row))); },
+            [number](const void *row) { return number(*static_cast<const Row *>(row)); }};
+}
+
+/** A column of an address, "-" for 0. */
+template <typename Row> Column AddressColumn(const char *name, uint64_t (*address)(const Row &))
+{
+    return {name,
+            HeadingOf(name),
+            kAddressWidth,
+            false,
+            [address](const void *row) {
+                return AddressText(static_cast<uint32_t>(address(*static_cast<const Row *>(row))));
+            },
+            [address](const void *row) { return address(*static_cast<const Row *>(row)); }};
+}
+
+/** A column of a rate in bytes a second, as it is signalled. */
+template <typename Row> Column BandwidthColumn(float (*rate)(const Row &))
+{
+    return {
+        "bandwidth",
+        HeadingOf("bandwidth"),
+        kBandwidthWidth,
+        false,
+        [rate](const void *row) { return manager::BandwidthText(double{rate(*static_cast<const Row *>(row))} * 8); },
+        [rate](const void *row) {
+            return static_cast<uint64_t>(std::max(rate(*static_cast<const Row *>(row)), 0.0F));
+        }};
 }
 
 extern const RowView kPsbView;
