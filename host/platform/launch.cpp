@@ -94,7 +94,9 @@ std::string MakeCommandLine(const std::string &directory, Words &words)
     if (program.empty())
         return "no program rsvpsimd can be found; set RSVP_SIMD to its path";
     words.insert(words.end(), {program, "--host-dir", Absolute(directory)});
-    if (const std::string scenario = PathOf(directory, kScenarioFile); access(scenario.c_str(), F_OK) == 0)
+    // If it cannot be looked at, the daemon is to say so; without it the device would be another one.
+    if (const std::string scenario = PathOf(directory, kScenarioFile);
+        access(scenario.c_str(), F_OK) == 0 || errno != ENOENT)
         words.insert(words.end(), {"--scenario", Absolute(scenario)});
     return {};
 }
