@@ -11,9 +11,9 @@ bool RecordMeanings::IsEmpty() const
            std::all_of(inside.begin(), inside.end(), [](const auto &one) { return one.second.name.empty(); });
 }
 
-const Meaning *RecordMeanings::Find(std::string_view name) const
+const Meaning *RecordMeanings::Find(std::string_view wanted) const
 {
-    const auto found = std::find_if(own.begin(), own.end(), [&](const Meaning &one) { return one.name == name; });
+    const auto found = std::find_if(own.begin(), own.end(), [&](const Meaning &one) { return one.name == wanted; });
     return found == own.end() ? nullptr : &*found;
 }
 

@@ -22,7 +22,7 @@ struct RecordMeanings {
     /** Whether none of the record's own fields has a meaning, and none of its lists. */
     bool IsEmpty() const;
 
-    const Meaning *Find(std::string_view name) const;
+    const Meaning *Find(std::string_view wanted) const;
     const RecordMeanings &Inside(std::string_view field) const; // without a meaning where there is none
 };
 

@@ -156,6 +156,8 @@ Behaviour ReadScenario(Device &device, const std::string &path)
         if (text.size() > kMostText)
             throw ScenarioError(fmt::format("{}: the file has more than {} bytes", path, kMostText));
     }
+    if (file.bad())
+        throw ScenarioError(fmt::format("{}: the file cannot be read", path));
     return ReadScenarioText(device, text, path);
 }
 
