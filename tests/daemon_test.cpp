@@ -143,7 +143,7 @@ TEST(TableEngine, FindsWhatAPlainMapFinds)
     };
     std::mt19937 random(1);
     for (int turn = 0; turn < 2000; ++turn) {
-        const auto &[key, body] = *std::next(made.begin(), random() % made.size());
+        const auto &[key, body] = *std::next(made.begin(), static_cast<ptrdiff_t>(random() % made.size()));
         const auto what = random() % 5;
         if (what < 3) {
             EXPECT_EQ(table.Remove(key), rows.erase(key) == 1);
@@ -153,7 +153,7 @@ TEST(TableEngine, FindsWhatAPlainMapFinds)
             ++edited->back();
             ++rows.at(key).back();
         }
-        const Bytes &from = std::next(made.begin(), random() % made.size())->first;
+        const Bytes &from = std::next(made.begin(), static_cast<ptrdiff_t>(random() % made.size()))->first;
         expect(table.Find(Seek::Exact, from), rows.find(from), false);
         for (const bool ingress : {false, true}) {
             expect(table.Find(Seek::First, {}, ingress), rows.begin(), ingress);

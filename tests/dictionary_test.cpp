@@ -343,7 +343,8 @@ TEST(SimulatedDaemon, EveryWordOfTheScenariosHasAName)
         ASSERT_EQ(RSVP_MOR_SetMplsRsvp(0), RSVP_MOR_OK) << directory.Log();
         const int32_t fd = RSVP_MOR_LIPCOpen();
         std::set<std::string> unnamed;
-        for (const auto &[kind, table] : kTables) {
+        for (const auto &[kind, walked] : kTables) {
+            const manager::Table *table = walked;
             const auto result = manager::Walk(*table, dictionary, fd, nullptr, [&](const void *row) {
                 AddUnnamed(table->row(), dictionary.Of(table->row()), row, unnamed);
                 return true;

@@ -344,7 +344,8 @@ TEST_F(HostPlatform, DaemonsThatCannotBeSeen)
     fs::rename(kept, lock);
     rlimit before;
     getrlimit(RLIMIT_NOFILE, &before);
-    for (const rlim_t more : {0, 1}) { // none at all, and one for the list of nodes, which is closed again
+    for (const rlim_t more :
+         {rlim_t{0}, rlim_t{1}}) { // none at all, and one for the list of nodes, which is closed again
         const int used = dup(0);
         close(used);
         const rlimit none = {static_cast<rlim_t>(used) + more, before.rlim_max};
