@@ -99,7 +99,7 @@ void AppendRecord(std::string &out, const RecordDescription &description, const 
 
 void AppendElement(std::string &out, const Field &field, const std::byte *element, const RecordMeanings *inside)
 {
-    if (field.kind == FieldKind::Record)
+    if (field.record != nullptr)
         AppendRecord(out, *field.record, element, inside);
     else
         AppendScalar(out, field, element);
@@ -108,7 +108,7 @@ void AppendElement(std::string &out, const Field &field, const std::byte *elemen
 void AppendField(std::string &out, const Field &field, const void *record, const RecordMeanings *inside)
 {
     const std::byte *start = At(record, field.offset);
-    const bool isList = field.kind == FieldKind::List || field.kind == FieldKind::Chain;
+    const bool isList = field.record != nullptr && field.kind != FieldKind::Record;
     if (!isList && field.count == 0)
         return AppendElement(out, field, start, inside);
     Members elements(out, '[', ']');
