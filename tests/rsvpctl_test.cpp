@@ -938,7 +938,7 @@ public:
     }
 
 private:
-    rsvpctl::RowChanges changes_{std::vector<std::string>{"row"}};
+    rsvpctl::RowChanges changes_{{.key = {"/row"}, .counters = {"/statWord3"}}};
 };
 
 TEST(Rsvpctl, AWatchedCounterIsARateUntilItIsCleared)
@@ -989,7 +989,7 @@ TEST(Rsvpctl, AWatchTellsWhatChangedFromWhatWasNotSeen)
 TEST(Rsvpctl, AWatchOfATableWithoutAnEndEnds)
 {
     constexpr size_t kMostBytes = 10000;
-    rsvpctl::RowChanges changes({"row"}, kMostBytes);
+    rsvpctl::RowChanges changes({.key = {"/row"}}, kMostBytes);
     size_t number = 0;
     const auto addRows = [&](size_t count) {
         for (size_t i = 0; i < count; ++i)

@@ -12,12 +12,6 @@ namespace {
 
 using manager::Json;
 
-// Counters only go up, 32 bits wide; no field that has a name for people is a counter.
-bool IsCounter(std::string_view pointer)
-{
-    return pointer.find("/counts") != std::string_view::npos || pointer.find("/statWord") != std::string_view::npos;
-}
-
 // A counter that seems to have gone more than half way round was cleared instead.
 std::optional<double> Rate(const Json &before, const Json &after, double seconds)
 {
@@ -44,7 +38,8 @@ Json Values(Json row)
     return row.flatten();
 }
 
-std::vector<FieldChange> Compare(const Json &before, const Json &after, double seconds)
+std::vector<FieldChange> Compare(const Json &before, const Json &after, double seconds,
+                                 const std::set<std::string, std::less<>> &counters)
 {
     std::vector<FieldChange> changes;
     const Json old = Values(before);
@@ -60,7 +55,7 @@ std::vector<FieldChange> Compare(const Json &before, const Json &after, double s
         }
         if (*found->second != value)
             changes.push_back({field, *found->second, value,
-                               IsCounter(field) ? Rate(*found->second, value, seconds) : std::nullopt});
+                               counters.contains(field) ? Rate(*found->second, value, seconds) : std::nullopt});
         left.erase(found);
     }
     for (const auto &[field, value] : left)
@@ -70,12 +65,9 @@ std::vector<FieldChange> Compare(const Json &before, const Json &after, double s
 
 } // namespace
 
-RowChanges::RowChanges(const std::vector<std::string> &keyFields, size_t mostBytes) : mostBytes_(mostBytes)
+RowChanges::RowChanges(const RowShape &shape, size_t mostBytes)
+    : keyFields_(shape.key.begin(), shape.key.end()), counters_(shape.counters), mostBytes_(mostBytes)
 {
-    for (std::string path : keyFields) {
-        std::replace(path.begin(), path.end(), '.', '/');
-        keyFields_.emplace_back("/" + path);
-    }
 }
 
 Json RowChanges::KeyOf(const Json &row) const
@@ -123,7 +115,7 @@ void RowChanges::Tell(bool complete, double seconds, const OnRowEvent &onEvent)
         if (found != missing.end()) {
             auto &[before, readBefore] = *found->second;
             event.kind = RowEvent::Kind::Changed;
-            event.changes = Compare(Json::parse(before), event.row, read.seconds - readBefore.seconds);
+            event.changes = Compare(Json::parse(before), event.row, read.seconds - readBefore.seconds, counters_);
             readBefore.poll = kReplaced;
             missing.erase(found);
         }

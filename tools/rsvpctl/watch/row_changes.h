@@ -12,6 +12,7 @@
 #include <map>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -39,12 +40,17 @@ struct RowEvent {
 /** Looks at an event; false if no other is wanted. */
 using OnRowEvent = std::function<bool(const RowEvent &event)>;
 
+/** What is known of the fields of a row, by JSON pointer. */
+struct RowShape {
+    std::vector<std::string> key;                     // "/session", "/key/keyWord0"
+    std::set<std::string, std::less<>> counters = {}; // 32 bits wide, and only growing
+};
+
 class RowChanges {
 public:
     static constexpr size_t kMostBytes = size_t{1} << 30;
 
-    /** `keyFields` are the paths of the fields that are a row's key: "session", "key.keyWord0". */
-    explicit RowChanges(const std::vector<std::string> &keyFields, size_t mostBytes = kMostBytes);
+    explicit RowChanges(const RowShape &shape, size_t mostBytes = kMostBytes);
 
     /** A row that the poll read at `seconds`, as the text of its JSON object. Throws std::length_error if the rows of
      * this poll and the one before take more than the bytes that may be kept: a table need not have an end. */
@@ -80,6 +86,7 @@ private:
     static size_t BytesOf(const KnownRow &row) { return row.first.size() + sizeof(row); }
 
     std::vector<manager::Json::json_pointer> keyFields_;
+    std::set<std::string, std::less<>> counters_;
     KnownRows rows_;
     size_t mostBytes_;
     size_t bytes_ = 0;                  // of rows_

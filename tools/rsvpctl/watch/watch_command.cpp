@@ -169,17 +169,41 @@ private:
     uint32_t lastStatus_ = RSVP_MOR_OK;
 };
 
+std::string PointerOf(std::string path)
+{
+    std::replace(path.begin(), path.end(), '.', '/');
+    std::replace(path.begin(), path.end(), '[', '/');
+    std::erase(path, ']');
+    return "/" + path;
+}
+
+// A counter is one under its name and under that of its field.
+void AddCounters(const manager::RecordDescription &record, const manager::RecordMeanings &meanings,
+                 const std::string &prefix, RowShape &shape)
+{
+    for (const manager::Meaning &meaning : meanings.own) {
+        if (meaning.counter)
+            shape.counters.insert({PointerOf(prefix + meaning.field), PointerOf(prefix + "named." + meaning.name)});
+    }
+    for (const manager::Field &field : record.fields) {
+        if (field.kind == manager::FieldKind::Record && field.count == 0)
+            AddCounters(*field.record, meanings.Inside(field.name), prefix + field.name + ".", shape);
+    }
+}
+
 // A command that gives one record has no key: the record is one row.
-std::vector<std::string> KeyFieldsOf(std::string_view command)
+RowShape ShapeOf(std::string_view command)
 {
     constexpr std::string_view kPrefix = "watch show ";
     const ShowSpec *show = command.starts_with(kPrefix) ? &ShowNamed(command.substr(kPrefix.size())) : nullptr;
-    std::vector<std::string> fields;
+    RowShape shape;
     if (show == nullptr || show->table == nullptr)
-        return fields;
+        return shape;
+    const manager::RecordDescription &row = show->table->row();
     for (const manager::KeyPart &part : KeyPartsOf(*show->table, Names()))
-        fields.push_back(PathAt(show->table->row(), part.offset, part.size));
-    return fields;
+        shape.key.push_back(PointerOf(PathAt(row, part.offset, part.size)));
+    AddCounters(row, Names().Of(row), "", shape);
+    return shape;
 }
 
 /** Tells whether nobody waits for more, as the end of the time that a watch was given does not say. */
@@ -195,7 +219,7 @@ Exit Watch(Output &out, const Command &command, const std::function<Exit(Output 
     const uint64_t lastPoll = options.count.Number();
     const milliseconds duration = options.duration.DurationOr({});
     const Waiter waiter(options.duration.IsGiven() ? std::optional(duration) : std::nullopt);
-    RowChanges changes(KeyFieldsOf(command.name));
+    RowChanges changes(ShapeOf(command.name));
     Reporter reporter(out, command.name);
     std::optional<Exit> exit;
     bool print = options.initial.IsGiven();
