@@ -36,7 +36,7 @@ print_reach() {
     /^SF/ {
       file = substr($0, 4)
       sub(root, "", file)
-      sub(/^.*\.\.\//, "", file)
+      sub(/^(.*\.\.\/|\.\/)/, "", file)
       wanted = 0
       for (i = 1; i <= count; ++i) wanted = wanted || index(file, names[i]) == 1
     }
