@@ -103,8 +103,8 @@ bool WaitForEnd(const std::string &directory, const Process &process, millisecon
 
 std::string EndDaemon(const std::string &directory, pid_t pid, const Process &process)
 {
-    // A daemon that a signal has stopped gets to its end only if it is woken up. It is woken first: a wake-up that comes
-    // while the daemon ends cancels the stop by which a sanitizer looks for leaks, and neither would ever end.
+    // A daemon that a signal has stopped gets to its end only if it is woken up. It is woken first: a wake-up that
+    // comes while the daemon ends cancels the stop by which a sanitizer looks for leaks, and neither would ever end.
     process.Signal(SIGCONT);
     process.Signal(SIGTERM);
     if (WaitForEnd(directory, process, kTermPatience))
