@@ -1,5 +1,4 @@
-// Single values of RSVP in the words that operators know: addresses, rates, styles, flags. Every view of an LSP is
-// made of these, so that one thing is written in one way everywhere.
+// Single values as the views show them; what a standard says of a value is in manager/dictionary/standard.h.
 #ifndef TOOLS_RSVPCTL_VIEW_WORDS_H
 #define TOOLS_RSVPCTL_VIEW_WORDS_H
 
