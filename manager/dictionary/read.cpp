@@ -5,10 +5,8 @@
 #include "toml/document.h"
 
 #include <algorithm>
-#include <array>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
-#include <optional>
 
 namespace manager {
 namespace {
