@@ -16,7 +16,7 @@
 namespace rsvpctl {
 namespace {
 
-using manager::ParseAddress, manager::ParseNumber, manager::RecordDescription;
+using manager::ParseAddress, manager::ParseNumber;
 
 constexpr size_t kLongestKeyFile = 65536;
 constexpr int kMostWords = 1000;
