@@ -151,6 +151,8 @@ TEST(Rsvpctl, SaysWhatItDidAndWhyNot)
         {"show tunnels --columns egress,indx", 2, "", "there is no column 'indx'; did you mean 'index'?"},
         {"show tunnels --columns egress --json", 2, "", "are for tables"},
         {"show tunnels --sort role --columns index --no-headers", 0, "1\n         3\n         2\n", "3 rows"},
+        {"show tunnels --limit 0", 2, "", "--limit takes a number from 1 on"},
+        {"show tunnels 1,2,0.0.0.3,10.0.0.2 --sort index", 2, "", "--sort"},
         {"show tunnels --limit 2 --json", 0, "\"complete\":false,\"end\":\"limit\"", ""},
         {"show tunnels --sort index --limit 2", 0, "", "2 rows, limit"},
         {"show tunnels -o csv --limit 1", 0, "index,instance,ingress,egress,role", "1 row, limit"},

@@ -102,12 +102,6 @@ uint64_t NumberOf(const Meaning &meaning, const void *record)
     return IsRaw(meaning) ? NetNumber(at, meaning.width) : LoadNumber(at, meaning.width);
 }
 
-bool IsZero(const Meaning &meaning, const void *record)
-{
-    const auto *bytes = BytesOf(meaning, record);
-    return std::all_of(bytes, bytes + meaning.width, [](uint8_t byte) { return byte == 0; });
-}
-
 std::string ValueText(const Meaning &meaning, const void *record)
 {
     const uint64_t number = NumberOf(meaning, record);

@@ -52,9 +52,6 @@ std::string ValueText(const Meaning &meaning, const void *record);
  * are text, since programs that read numbers as doubles would drop their last digits. */
 Json ValueJson(const Meaning &meaning, const void *record);
 
-/** Whether every byte of the value is 0. */
-bool IsZero(const Meaning &meaning, const void *record);
-
 /** A rate as operators count it, in bits a second: "1 Mbit/s", "-" for none. */
 std::string BandwidthText(double bitsPerSecond);
 

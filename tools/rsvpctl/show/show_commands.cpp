@@ -93,6 +93,8 @@ RowForm FormOf(const Output &out, const ShowSpec &show, const RowOptions &option
     }
     if (options.limit.IsGiven())
         form.limit = options.limit.Number();
+    if (form.limit == 0)
+        throw UsageError("--limit takes a number from 1 on, not 0");
     form.hasHeaders = !options.noHeaders.IsGiven();
     if (options.form.Text() == "csv")
         form.shape = RowForm::Shape::Csv;
@@ -153,14 +155,18 @@ RowOptions AddRowOptions(const Node &node, const ShowSpec &show)
     options.form = node.AddChoice("-o,--output", "FORM", {"table", "wide", "csv"},
                                   "The columns that fit into a line, all columns, or all with commas between them");
     options.after = node.AddKey("--after", key, "Begin after the row with this key");
+    if (show.ingressTable != nullptr)
+        options.ingress = node.AddFlag("--ingress", "Only tunnels that begin here; not with a key");
     if (show.HasRecord()) {
         options.one = AddBlockOptions(node, show);
-        options.one.key.words.Excludes(options.after);
-        options.one.key.file.Excludes(options.after);
+        for (const Option &ofRows :
+             {options.columns, options.sort, options.limit, options.noHeaders, options.form, options.after}) {
+            options.one.key.words.Excludes(ofRows);
+            options.one.key.file.Excludes(ofRows);
+        }
     }
     if (show.ingressTable != nullptr)
-        options.ingress =
-            node.AddFlag("--ingress", "Only tunnels that begin here; not with a key").Excludes(options.one.key.words);
+        options.ingress.Excludes(options.one.key.words).Excludes(options.one.key.file);
     if (show.takes != nullptr) {
         options.tunnelId = node.AddNumber("--tunnel-id", UINT16_MAX, "Only LSPs of this tunnel");
         options.lspId = node.AddNumber("--lsp-id", UINT16_MAX, "Only LSPs with this identifier");

@@ -31,9 +31,10 @@ std::string P2mpTitle(const char *what, const RSVP_MOR_P2mpPathState &path, cons
                        path.session.tunnelId, subGroup.sender.lspId, subGroup.sender.subGroupId);
 }
 
-std::string P2mpPsbDetail(const RSVP_MOR_P2mpPsbInfo &block, const manager::RecordMeanings &meanings)
+template <typename Block>
+std::string P2mpDetail(const char *what, const Block &block, const manager::RecordMeanings &meanings)
 {
-    DetailLines lines(P2mpTitle("Path state", block.pathState, block.subGroup));
+    DetailLines lines(P2mpTitle(what, block.pathState, block.subGroup));
     AddPathSide(lines, block.pathState, block.subGroup);
     AddResvSide(lines, block.resvState);
     lines.AddHops("RRO", block.hopList);
@@ -41,14 +42,14 @@ std::string P2mpPsbDetail(const RSVP_MOR_P2mpPsbInfo &block, const manager::Reco
     return lines.Text();
 }
 
+std::string P2mpPsbDetail(const RSVP_MOR_P2mpPsbInfo &block, const manager::RecordMeanings &meanings)
+{
+    return P2mpDetail("Path state", block, meanings);
+}
+
 std::string P2mpRsbDetail(const RSVP_MOR_P2mpRsbInfo &block, const manager::RecordMeanings &meanings)
 {
-    DetailLines lines(P2mpTitle("Reservation state", block.pathState, block.subGroup));
-    AddPathSide(lines, block.pathState, block.subGroup);
-    AddResvSide(lines, block.resvState);
-    lines.AddHops("RRO", block.hopList);
-    lines.AddOthers(block, meanings);
-    return lines.Text();
+    return P2mpDetail("Reservation state", block, meanings);
 }
 
 template <typename Row> Columns StateColumns()

@@ -24,19 +24,14 @@ std::string ShowRow(const void *row, const manager::RecordMeanings &meanings)
 }
 
 /** A column whose text a function makes of a row of the type that it knows. */
-template <typename Row>
-Column ViewColumn(const char *name, size_t width, std::string (*text)(const Row &),
-                  uint64_t (*number)(const Row &) = nullptr)
+template <typename Row> Column ViewColumn(const char *name, size_t width, std::string (*text)(const Row &))
 {
-    Column column{name,
-                  HeadingOf(name),
-                  width,
-                  false,
-                  [text](const void *row) { return text(*static_cast<const Row *>(row)); },
-                  nullptr};
-    if (number != nullptr)
-        column.number = [number](const void *row) { return number(*static_cast<const Row *>(row)); };
-    return column;
+    return {name,
+            HeadingOf(name),
+            width,
+            false,
+            [text](const void *row) { return text(*static_cast<const Row *>(row)); },
+            nullptr};
 }
 
 /** A column of a number. */
