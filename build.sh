@@ -62,6 +62,27 @@ need() {
   fi
 }
 
+# Unpacks packages of Debian that hold services into build/counterparts, for the tests to start. They are not installed:
+# a machine must not begin to serve anything because it ran our tests.
+unpack() {
+  local root=$PWD/build/counterparts missing=()
+  for package in "$@"; do
+    [ -e "$root/$package.unpacked" ] || missing+=("$package")
+  done
+  if [ ${#missing[@]} -eq 0 ]; then
+    return
+  fi
+  say "unpacking ${missing[*]}, into build/counterparts"
+  mkdir -p "$root"
+  for package in "${missing[@]}"; do
+    rm -f "$root/$package"_*.deb
+    (cd "$root" && quietly apt-get -q download "$package")
+    dpkg-deb -x "$root/$package"_*.deb "$root"
+    rm "$root/$package"_*.deb
+    touch "$root/$package.unpacked"
+  done
+}
+
 need_host() {
   need g++ cmake make binutils libcli11-dev libfmt-dev nlohmann-json3-dev libtomlplusplus-dev
 }
