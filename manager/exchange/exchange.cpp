@@ -11,6 +11,9 @@ namespace {
 
 std::string ErrorText(const Exchange &exchange)
 {
+    if (exchange.givenUp != GivenUp::No)
+        return exchange.givenUp == GivenUp::TimeOver ? "given up, as its time was over"
+                                                     : "given up, as it was told to";
     return std::strerror(exchange.error);
 }
 

@@ -2,9 +2,11 @@
 // an exchange came, and a status that the daemon sent may have the number of one of the library's own.
 //
 // The library connects, sends and receives by the system's calls of these names. A program that links this file takes
-// their place, notes what passes and hands everything on as it is.
+// their place, notes what passes and hands everything on as it is, within the thread's deadline if it has one.
 #ifndef MANAGER_EXCHANGE_EXCHANGE_H
 #define MANAGER_EXCHANGE_EXCHANGE_H
+
+#include "manager/exchange/deadline.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -23,10 +25,11 @@ inline constexpr size_t kHeaderSize = 8;
 
 struct Exchange {
     enum class Stage : uint8_t { None, Open, Send, Receive };
-    Stage stage = Stage::None; // the last one that began
-    int error = 0;             // errno, if the stage failed
-    double seconds = 0;        // from the begin of the exchange to the end of the stage
-    size_t length = 0;         // of the request
+    Stage stage = Stage::None;     // the last one that began
+    int error = 0;                 // errno, if the stage failed
+    GivenUp givenUp = GivenUp::No; // the stage failed since nobody waits any more
+    double seconds = 0;            // from the begin of the exchange to the end of the stage
+    size_t length = 0;             // of the request
     size_t sent = 0;
     size_t received = 0; // 0 with no error: the daemon closed the session
     FrameHeader request;

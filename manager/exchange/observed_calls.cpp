@@ -1,13 +1,16 @@
 // The three system calls of an exchange, in the place of the C library's. A program's own definition comes before
-// that of any library, so the calls of librsvp_mor come here. Each thread has a note of its own.
+// that of any library, so the calls of librsvp_mor come here. Each thread has a note of its own, and a call that a
+// deadline bounds waits here and not in the system.
 #include "manager/exchange/exchange.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstring>
+#include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 namespace manager {
@@ -27,6 +30,7 @@ void Begin(Exchange::Stage stage)
     }
     last.stage = stage;
     last.error = 0;
+    last.givenUp = GivenUp::No;
 }
 
 // `result` is that of the system call, whose errno the caller of the library may still look at.
@@ -43,6 +47,73 @@ FrameHeader HeaderOf(const void *message, size_t length)
     std::memcpy(bytes, message, std::min(length, sizeof(bytes)));
     return {bytes[0], bytes[1], static_cast<uint16_t>(bytes[2] << 8 | bytes[3]),
             uint32_t{bytes[4]} << 24 | uint32_t{bytes[5]} << 16 | uint32_t{bytes[6]} << 8 | bytes[7]};
+}
+
+// ---- Within a deadline ----
+
+// What the library asks of every session, where the session itself does not tell.
+constexpr timeval kOwnTimeout = {10, 0};
+
+// A wait that lasts this long at most, where nothing tells when to try again.
+constexpr auto kPause = std::chrono::milliseconds(10);
+
+// When the call would end without a deadline, which does not make it longer.
+Clock::time_point OwnEnd(int fd, int option)
+{
+    timeval time{};
+    socklen_t length = sizeof(time);
+    if (getsockopt(fd, SOL_SOCKET, option, &time, &length) != 0 || (time.tv_sec == 0 && time.tv_usec == 0))
+        time = kOwnTimeout;
+    return Clock::now() + std::chrono::seconds(time.tv_sec) + std::chrono::microseconds(time.tv_usec);
+}
+
+int Refuse(GivenUp why)
+{
+    last.givenUp = why;
+    errno = why == GivenUp::Cancelled ? ECANCELED : ETIMEDOUT;
+    return -1;
+}
+
+bool WouldWait(int error)
+{
+    return error == EAGAIN || error == EINTR || error == EINPROGRESS || error == EALREADY;
+}
+
+// Makes a call that does not wait, as often as it says that it would have to.
+template <typename Call> ssize_t Bounded(Deadline &deadline, int fd, short events, int ownOption, Call call)
+{
+    const Clock::time_point ownEnd = OwnEnd(fd, ownOption);
+    for (;;) {
+        if (const GivenUp why = deadline.Wait(fd, events, ownEnd); why != GivenUp::No)
+            return Refuse(why);
+        const ssize_t result = call();
+        if (result >= 0 || !WouldWait(errno) || Clock::now() >= ownEnd)
+            return result;
+        // Someone else was faster, or a queue is full that no event tells of.
+        if (const GivenUp why = deadline.Wait(-1, 0, Clock::now() + kPause); why != GivenUp::No)
+            return Refuse(why);
+    }
+}
+
+// A full backlog has no event: connecting is tried again after each pause.
+template <typename Call> ssize_t BoundedConnect(Deadline &deadline, int fd, Call call)
+{
+    const int flags = fcntl(fd, F_GETFL);
+    if (flags < 0 || fcntl(fd, F_SETFL, flags | O_NONBLOCK) != 0)
+        return -1;
+    const ssize_t result = Bounded(deadline, fd, POLLOUT, SO_SNDTIMEO, call);
+    const int error = errno;
+    (void)fcntl(fd, F_SETFL, flags);
+    errno = error;
+    return result;
+}
+
+template <typename Call> ssize_t Within(int fd, short events, int ownOption, int flags, Call call)
+{
+    Deadline *deadline = Deadline::Current();
+    if (deadline == nullptr)
+        return call(flags);
+    return Bounded(*deadline, fd, events, ownOption, [&] { return call(flags | MSG_DONTWAIT); });
 }
 
 } // namespace
@@ -66,7 +137,10 @@ extern "C" {
 int connect(int fd, const sockaddr *address, socklen_t length)
 {
     manager::Begin(Exchange::Stage::Open);
-    const auto result = static_cast<int>(syscall(SYS_connect, fd, address, length));
+    const auto attempt = [&] { return syscall(SYS_connect, fd, address, length); };
+    auto *deadline = manager::Deadline::Current();
+    const auto result =
+        static_cast<int>(deadline == nullptr ? attempt() : manager::BoundedConnect(*deadline, fd, attempt));
     manager::End(result);
     return result;
 }
@@ -76,7 +150,9 @@ ssize_t send(int fd, const void *data, size_t length, int flags)
     manager::Begin(Exchange::Stage::Send);
     manager::last.length = length;
     manager::last.request = manager::HeaderOf(data, length);
-    const ssize_t result = sendto(fd, data, length, flags, nullptr, 0);
+    const ssize_t result = manager::Within(fd, POLLOUT, SO_SNDTIMEO, flags, [&](int itsFlags) {
+        return sendto(fd, data, length, itsFlags, nullptr, 0);
+    });
     manager::last.sent = static_cast<size_t>(std::max<ssize_t>(result, 0));
     manager::End(result);
     return result;
@@ -85,7 +161,9 @@ ssize_t send(int fd, const void *data, size_t length, int flags)
 ssize_t recv(int fd, void *data, size_t length, int flags)
 {
     manager::Begin(Exchange::Stage::Receive);
-    const ssize_t result = recvfrom(fd, data, length, flags, nullptr, nullptr);
+    const ssize_t result = manager::Within(fd, POLLIN, SO_RCVTIMEO, flags, [&](int itsFlags) {
+        return recvfrom(fd, data, length, itsFlags, nullptr, nullptr);
+    });
     manager::last.received = static_cast<size_t>(std::max<ssize_t>(result, 0));
     manager::last.reply = manager::HeaderOf(data, manager::last.received);
     manager::End(result);
