@@ -230,6 +230,27 @@ TEST(Scenario, RefusalsNameLineAndKey)
         {"[rows]\npsbs = 3\n", "f.toml:2: psbs: \"psbs\" is not a kind of row"},
         {"[[fault]]\nkind = \"late\"\nclass = 3\n", "f.toml:1: fault: late needs a number"},
         {"[[refuse]]\nclass = 0\n", "f.toml:1: refuse: needs a status"},
+        {"[[fault]]\nkind = \"late\"\nnumber = 5\nfor = 0\n", "f.toml:1: fault: for: 0 is not a number from 1"},
+        {"[[event]]\n", "f.toml:1: event: needs its time, at or every"},
+        {"[[event]]\nat = '1s'\n", "f.toml:1: event: nothing happens in it"},
+        {"[[event]]\nat = 1\n", "f.toml:2: at: must be text"},
+        {"[[event]]\nat = '1.5s'\n", "f.toml:2: at: must be a time from \"0s\" to a year, as"},
+        {"[[event]]\nevery = '0ms'\n", "f.toml:2: every: must be a time from \"1ms\" to a year, as"},
+        {"[[event]]\nat = '8761h'\n", "f.toml:2: at: must be a time"},
+        {"[[event]]\nat = '1s'\nin = 1\n", "f.toml:3: in: there is no such key"},
+        {"[[event]]\nat = '1s'\nfault = 'slow'\n", "f.toml:3: fault: \"slow\" is not a kind of fault"},
+        {"[[event]]\nat = '1s'\nend-fault = 5\n", "f.toml:3: end-fault: must be text"},
+        {"[[event]]\n[event.add.nbr]\n", "f.toml:2: nbr: must be an array of tables"},
+        {"[[event]]\n[[event.add.NBR]]\n", "f.toml:2: NBR: there is no such key"},
+        {"[[event]]\n[[event.add.nbr]]\nnbrWord0 = -1\n", "f.toml:3: nbrWord0: must not be negative"},
+        {"[[event]]\n[[event.remove.nbr]]\nnbrWord2 = 1\n", "f.toml:3: nbrWord2: is no part of the key"},
+        {"[[event]]\n[[event.remove.p2mpRsb]]\nresvState = {}\n", "f.toml:3: resvState: is no part of the key"},
+        {"[[event]]\n[[event.change.nbr]]\nnbrWord1 = 1\n", "f.toml:2: nbr: has only the fields of the key"},
+        {"[[event]]\n[[event.change.nbr]]\nadd = { nbrWord1 = 1 }\n", "f.toml:3: nbrWord1: is a part of the key"},
+        {"[[event]]\n[[event.change.nbr]]\nadd = { nbrBytes = '01' }\n", "f.toml:3: nbrBytes: is no whole number"},
+        {"[[event]]\n[[event.change.psb]]\nhop = { hopAddres = 1 }\n", "f.toml:3: hop.hopAddres: there is no such"},
+        {"[[event]]\n[event.change.counters]\nadd = { upLsps = 1 }\n", "f.toml:3: upLsps: there is no such count"},
+        {"[[event]]\n[event.change.global]\nadd = { authKey = '00' }\n", "f.toml:3: authKey: is no whole number"},
         {"[counters\n", "f.toml:1: "},
         {"[global]\nauthKey = \"secret\"\n", "f.toml:2: authKey: character 1 is not a hexadecimal digit"},
         {"[global]\nauthKey = 73656372657473656372657473\n",
@@ -267,6 +288,110 @@ TEST(Scenario, TellsHowToBehave)
                 {3, 4, "00070000", 7}, {0, 0, "00080000", 5}, {0, 0, "00080000", 5}};
     for (const auto &row : rows)
         EXPECT_EQ(StatusOf(daemon.Answer(Request(row.msgClass, row.op, row.body))), row.status) << &row - rows;
+}
+
+// Times are made up here; nothing waits for them.
+TEST(Events, AreDueInTheirOrderAndAreNotMadeUpFor)
+{
+    using std::chrono::milliseconds;
+    const auto start = Timeline::Time() + std::chrono::hours(5);
+    const auto event = [](size_t line, int first, int period) {
+        return Event{.line = line, .first = milliseconds(first), .period = milliseconds(period)};
+    };
+    Timeline timeline({event(1, 10, 0), event(2, 5, 5), event(3, 10, 20), event(4, 0, 0)}, start);
+    const struct {
+        int now;
+        std::vector<size_t> lines;
+        int next;
+    } rows[] = {{0, {4}, 5},      {4, {}, 5},        {5, {2}, 10},       {10, {1, 2, 3}, 15},           {29, {2}, 30},
+                {30, {2, 3}, 35}, {99, {2, 3}, 100}, {110, {2, 3}, 115}, {3'600'000, {2, 3}, 3'600'005}};
+    for (const auto &row : rows) {
+        std::vector<size_t> lines;
+        while (const Event *due = timeline.Take(start + milliseconds(row.now)))
+            lines.push_back(due->line);
+        EXPECT_EQ(lines, row.lines) << row.now;
+        EXPECT_EQ(timeline.Next(), start + milliseconds(row.next)) << row.now;
+    }
+    EXPECT_EQ(Timeline().Next(), Timeline::Time::max());
+}
+
+// What is told of an event, and a part of what the first row of a table says afterwards.
+TEST(Events, ChangeWhatTheyNameAndTellWhatIsNotThere)
+{
+    const std::string head = R"(
+[counters]
+upLspNumber = 5
+[rows]
+tunnel = 3
+[[nbr]]
+nbrWord0 = 1
+nbrWord8 = 0xfffffffe
+[[psb]]
+session = { tunnelId = 7 }
+sessionAttr = { kind = 7, shortForm = { flags = 3 } }
+routeList4 = [ { value = 5 } ]
+hopList = [ { kind = 3, label = 5 } ]
+[[p2mpCrlsp]]
+requestKey = { keyWord0 = 9 }
+name = "old"
+subLsps = [ { subShort = 1, hopList = [ { kind = 3, label = 5 } ] }, { subShort = 2 } ]
+[[event]]
+at = "0s"
+)";
+    const std::string nbr = "[[event.change.nbr]]\nnbrWord0 = 1\n";
+    const std::string psb = "[[event.change.psb]]\nsession = { tunnelId = 7 }\n";
+    const std::string p2mp = "[[event.change.p2mpCrlsp]]\nrequestKey = { keyWord0 = 9 }\n";
+    const std::string tunnel = "tunnelWord0 = 1\ntunnelWord2 = '10.0.0.1'\ntunnelWord3 = '10.0.0.2'\n";
+    const std::string none = "nbr(3) 48 {nbrWord0=1 nbrWord8=4294967294}";
+    const struct {
+        std::string event;
+        std::string_view told;
+        std::string_view item, shown; // of a read behind it
+    } rows[] = {
+        {nbr + "nbrWord3 = 2\nadd = { nbrWord8 = 3, nbrShort = 4 }", "nbr 1 changed", "0003",
+         "nbr(3) 48 {nbrWord0=1 nbrWord3=2 nbrShort=4 nbrWord8=1}"},
+        {"[[event.change.nbr]]\nnbrWord0 = 2\nnbrWord3 = 2", "the nbr of line 20 is not there", "0003", none},
+        {"[[event.remove.nbr]]\nnbrWord0 = 2", "the nbr of line 20 is not there", "0003", none},
+        {"[[event.add.nbr]]\nnbrWord0 = 1\n[[event.add.nbr]]\nnbrWord0 = 2",
+         "nbr 1 added; the nbr of line 20 is there already", "0003", none},
+        {"[[event.remove.nbr]]\nnbrWord0 = 1\n[[event.add.nbr]]\nnbrWord0 = 1", "nbr 1 added, nbr 1 removed", "0003",
+         "nbr(3) 48 {nbrWord0=1}"},
+        {psb + "hopList = [ { kind = 3, label = 6 } ]", "psb 1 changed", "0008",
+         "[value=5] hopList(7) 38 [kind=3 label=6]"},
+        {psb + "sessionAttr = { affinityForm = { flags = 2 }, kind = 1 }", "psb 1 changed", "0008",
+         "sessionAttr.affinityForm.flags=2}"},
+        {psb + "sessionAttr = { shortForm = { flags = 4 } }", "psb 1 changed", "0008",
+         "sessionAttr.kind=7 sessionAttr.shortForm.flags=4}"},
+        {p2mp + "name = 'new'", "p2mpCrlsp 1 changed", "0009",
+         "{subShort=1} hopList(33) 38 [kind=3 label=5] subLsps(32) 48 {subShort=2} name(34) 3"},
+        {p2mp + "subLsps = [ { subShort = 4 } ]", "p2mpCrlsp 1 changed", "0009",
+         "84 {} subLsps(32) 48 {subShort=4} name(34) 3"},
+        {"[[event.change.tunnel]]\n" + tunnel + "tunnelRole = 2", "the tunnel of line 20 is not there", "0065",
+         "101"},
+        {"[event.change.counters]\nupLspNumber = 7", "counters 1 changed", "0064", "upLspNumber(100) 4 {count=7}"},
+        {"[event.change.counters]\nadd = { upLspNumber = 0xffffffff }", "counters 1 changed", "0064", "{count=4}"},
+        {"[event.change.counters]\nadd = { frrIfNum = 2 }", "counters 1 changed", "006d", "{count=2}"},
+        {"[event.change.global]\nauthLifeTime = 5\nadd = { counters2 = { countsC = [1, 2] } }", "global 1 changed",
+         "0006", "authLifeTime=5"},
+        {"[event.change.debug]\ndebugFlags = 5", "debug 1 changed", "0002", "{debugFlags=5}"},
+        {"fault = 'silent'\nend-fault = 'close'", "a fault began; there is no such fault to end", "0003",
+         "no answer"},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.event);
+        Daemon daemon;
+        const Behaviour behaviour = ReadScenarioText(daemon.GetDevice(), head + row.event, "f.toml");
+        std::string trace;
+        daemon.TraceTo([&trace](const std::string &line) { trace = line; });
+        const bool whole = daemon.Happen(behaviour.events.at(0)).empty();
+        EXPECT_EQ(trace, fmt::format("event of line 18: {}", row.told));
+        EXPECT_EQ(whole, row.told.find("there") == row.told.npos);
+        const RowKind *kind = FindRowKind(static_cast<uint16_t>(std::stoul(std::string(row.item), nullptr, 16)));
+        const size_t key = kind == nullptr ? 0 : kind->FirstKeySize();
+        daemon.Answer(Request(kShow, kind == nullptr ? kGet : kGetFirst,
+                              fmt::format("{}{:04x}{}", row.item, key, std::string(2 * key, '0'))));
+        EXPECT_NE(trace.find(row.shown), trace.npos) << trace;
+    }
 }
 
 // One daemon, one request after the other: what each is answered, and what a read shows afterwards.
@@ -430,6 +555,36 @@ TEST(Daemon, FaultsSpoilWhatTheySelect)
         MakeRows(daemon.GetDevice(), "resource=4");
         const Reply reply = daemon.Answer(Request(3, 5, "0067000400000001"));
         EXPECT_EQ(FieldOf(reply, *LayoutRef("resource"), "resourceIndex"), std::to_string(expected)) << fault;
+    }
+    // A walk over ten rows that begins again when it has asked four times: the rows that it gets, "x" for a refusal,
+    // behind which it goes on as if it had got the next one.
+    const struct {
+        std::string_view fault, rows;
+    } walks[] = {
+        {"status=5,op=5,after=1", "12xx1xxx"},
+        {"status=5,op=5,after=1,for=1", "12x41234"},
+        {"status=5,once", "x2341234"},
+        {"status=5,after-rows=3", "123x123x"},
+        {"status=5,after-rows=2,after=1,for=2", "123x12x4"},
+        {"stuck,after-rows=3", "12331233"},
+        {"stuck,op=5,after=2,for=1", "12331234"},
+        {"status=5,after-rows=0,item=104", "12341234"},
+    };
+    for (const auto &walk : walks) {
+        Daemon daemon = struck(walk.fault);
+        MakeRows(daemon.GetDevice(), "resource=10");
+        std::string seen;
+        uint64_t last = 0;
+        for (int i = 0; i < 8; ++i) {
+            const Reply reply = i % 4 == 0 ? daemon.Answer(Request(3, 4, "00670000"))
+                                           : daemon.Answer(Request(3, 5, fmt::format("00670004{:08x}", last)));
+            last = i % 4 == 0 ? 1 : last + 1;
+            const std::string row = FieldOf(reply, *LayoutRef("resource"), "resourceIndex");
+            seen += StatusOf(reply) != kOk ? "x" : row;
+            if (StatusOf(reply) == kOk)
+                last = std::stoul(row);
+        }
+        EXPECT_EQ(seen, walk.rows) << walk.fault;
     }
     for (const FaultName &known : AllFaults())
         EXPECT_TRUE(covered.contains(known.kind)) << known.name << " has no row here";

@@ -3,6 +3,8 @@
 
 #include "host/daemon/trace.h"
 
+#include <fmt/format.h>
+
 namespace rsvpsimd {
 
 namespace {
@@ -36,10 +38,48 @@ bool Selects(const Selector &selector, const Message &request)
 
 } // namespace
 
+void Daemon::Start(Device device, const Behaviour &behaviour)
+{
+    device_ = std::move(device);
+    faults_.clear();
+    refusals_.clear();
+    Add(behaviour);
+}
+
 void Daemon::Add(const Behaviour &more)
 {
-    behaviour_.faults.insert(behaviour_.faults.end(), more.faults.begin(), more.faults.end());
-    behaviour_.refusals.insert(behaviour_.refusals.end(), more.refusals.begin(), more.refusals.end());
+    for (const Fault &fault : more.faults)
+        Add(fault);
+    refusals_.insert(refusals_.end(), more.refusals.begin(), more.refusals.end());
+}
+
+std::vector<std::string> Daemon::Happen(const Event &event)
+{
+    Outcome outcome = Apply(event, device_);
+    const auto end = [this](const Fault &fault) {
+        return std::erase_if(faults_, [&](const Striking &one) { return one.fault == fault; }) != 0;
+    };
+    const auto note = [&outcome](std::string_view what) {
+        outcome.done += fmt::format("{}{}", outcome.done.empty() ? "" : ", ", what);
+    };
+    if (event.ends) {
+        if (end(*event.ends))
+            note("a fault ended");
+        else
+            outcome.problems.emplace_back("there is no such fault to end");
+    }
+    if (event.begins) {
+        end(*event.begins); // one that is there begins anew, so that an event that repeats adds no more of them
+        Add(*event.begins);
+        note("a fault began");
+    }
+    if (trace_) {
+        std::string line = fmt::format("event of line {}: {}", event.line, outcome.done);
+        for (const std::string &problem : outcome.problems)
+            line += fmt::format("{}{}", line.ends_with(": ") ? "" : "; ", problem);
+        trace_(line);
+    }
+    return std::move(outcome.problems);
 }
 
 Reply Daemon::Answer(ByteView request, uint64_t client)
@@ -56,17 +96,13 @@ Reply Daemon::Answer(ByteView request, uint64_t client)
             reply.frame = BuildFrame(request[0], request[1], kMalformed, {});
         CountIn({}, kMalformed);
     } else {
-        const std::vector<Fault *> faults = FaultsFor(*message);
-        const auto has = [&](FaultKind kind) {
-            return std::ranges::any_of(faults, [&](const Fault *fault) { return fault->kind == kind; });
-        };
+        const std::vector<Fault> faults = FaultsFor(*message);
+        const auto has = [&](FaultKind kind) { return std::ranges::count(faults, kind, &Fault::kind) != 0; };
         const Result result = Handle(*message, {has(FaultKind::Stuck), has(FaultKind::Shifting)});
         CountIn(*message, result.status);
         reply.frame = BuildFrame(message->msgClass, message->op, result.status, result.body);
-        for (Fault *fault : faults) {
-            Strike(*fault, reply);
-            fault->spent = fault->once;
-        }
+        for (const Fault &fault : faults)
+            Strike(fault, reply);
     }
     if (trace_)
         trace_(DescribeReply(client, request, reply));
@@ -77,7 +113,7 @@ Daemon::Result Daemon::Handle(const Message &request, const Walk &walk)
 {
     if (request.status != kOk)
         return {kBadValue};
-    for (const Refusal &refusal : behaviour_.refusals)
+    for (const Refusal &refusal : refusals_)
         if (Selects(refusal.requests, request))
             return {refusal.status};
     switch (request.msgClass) {
@@ -132,7 +168,7 @@ Daemon::Result Daemon::Show(const Message &request, const Walk &walk)
         AppendNet(value, device_.CountOf(*count), 4);
         return {kOk, OneItem(item.type, value)};
     }
-    return {kOk, OneItem(item.type, item.type == kGlobalItem ? device_.Global().View() : device_.Debug())};
+    return {kOk, OneItem(item.type, item.type == kGlobalItem ? device_.Global().View() : device_.Debug().View())};
 }
 
 Daemon::Result Daemon::ShowRow(const RowKind &kind, const Message &request, const Walk &walk)
@@ -165,13 +201,32 @@ Daemon::Result Daemon::ShowRow(const RowKind &kind, const Message &request, cons
     return {kOk, std::move(row->body)};
 }
 
-std::vector<Fault *> Daemon::FaultsFor(const Message &request)
+// Counts the request for the faults that select it, and returns those that strike it.
+std::vector<Fault> Daemon::FaultsFor(const Message &request)
 {
-    std::vector<Fault *> faults;
-    for (Fault &fault : behaviour_.faults)
-        if (!fault.spent && Selects(fault.requests, request))
-            faults.push_back(&fault);
+    std::vector<Fault> faults;
+    for (Striking &one : faults_) {
+        const Fault &fault = one.fault;
+        if (!Selects(fault.requests, request) || (fault.afterRows && RowsBefore(request) < *fault.afterRows))
+            continue;
+        const uint64_t number = one.selected++;
+        if (number >= fault.after && (fault.strikes == 0 || number - fault.after < fault.strikes))
+            faults.push_back(fault);
+    }
     return faults;
+}
+
+// How many rows of its table a get-next has behind it. Other requests have none.
+uint64_t Daemon::RowsBefore(const Message &request)
+{
+    const bool ingress = request.op == kGetNextIngress;
+    if (request.msgClass != kShow || request.items.size() != 1 || (request.op != kGetNext && !ingress))
+        return 0;
+    const Item &item = request.items.front();
+    const RowKind *kind = FindRowKind(item.type);
+    if (kind == nullptr || item.value.size() != kind->keyLayout->size)
+        return 0;
+    return device_.Rows(*kind).CountUpTo(item.value, ingress);
 }
 
 // statWord1 to statWord4 count commands done, commands refused, reads answered and reads refused (ends of tables

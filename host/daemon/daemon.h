@@ -2,7 +2,7 @@
 #ifndef HOST_DAEMON_DAEMON_H
 #define HOST_DAEMON_DAEMON_H
 
-#include "host/daemon/device/device.h"
+#include "host/daemon/events.h"
 #include "host/daemon/faults.h"
 
 namespace rsvpsimd {
@@ -11,10 +11,16 @@ using TraceSink = std::function<void(const std::string &line)>;
 
 class Daemon {
 public:
+    // Forgets what it held before. The events of a behaviour are for whoever keeps the time.
+    void Start(Device device, const Behaviour &behaviour);
+
     Device &GetDevice() { return device_; }
-    void Add(const Fault &fault) { behaviour_.faults.push_back(fault); }
-    void Add(const Behaviour &more);
+    void Add(const Fault &fault) { faults_.push_back({fault}); }
+    void Add(const Behaviour &more); // its faults and refusals
     void TraceTo(TraceSink sink) { trace_ = std::move(sink); }
+
+    // Does what the event says, and returns what of it was not possible.
+    std::vector<std::string> Happen(const Event &event);
 
     // `client` is only a label in the trace.
     Reply Answer(ByteView request, uint64_t client = 0);
@@ -23,6 +29,10 @@ private:
     struct Result {
         uint32_t status = kOk;
         Bytes body = {};
+    };
+    struct Striking {
+        Fault fault;
+        uint64_t selected = 0; // requests so far
     };
     struct Walk { // what faults do to the search for rows
         bool stuck = false;
@@ -33,11 +43,13 @@ private:
     Result Carry(const Message &request);
     Result Show(const Message &request, const Walk &walk);
     Result ShowRow(const RowKind &kind, const Message &request, const Walk &walk);
-    std::vector<Fault *> FaultsFor(const Message &request);
+    std::vector<Fault> FaultsFor(const Message &request);
+    uint64_t RowsBefore(const Message &request);
     void CountIn(const Message &request, uint32_t status);
 
     Device device_;
-    Behaviour behaviour_;
+    std::vector<Striking> faults_;
+    std::vector<Refusal> refusals_;
     TraceSink trace_;
 };
 

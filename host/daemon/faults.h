@@ -2,7 +2,7 @@
 #ifndef HOST_DAEMON_FAULTS_H
 #define HOST_DAEMON_FAULTS_H
 
-#include "host/daemon/scenario/behaviour.h"
+#include "host/daemon/scenario/fault.h"
 #include "host/daemon/wire/bytes.h"
 
 #include <chrono>

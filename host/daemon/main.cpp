@@ -1,6 +1,7 @@
 // rsvpsimd: a simulated signalling daemon for machines that have none. It answers every request of the management
 // protocol from a scenario, from rows made by number, and from the commands it has received.
 #include "host/daemon/instance.h"
+#include "host/daemon/life.h"
 #include "host/daemon/line_log.h"
 #include "host/daemon/options.h"
 #include "host/daemon/sandbox.h"
@@ -66,13 +67,14 @@ private:
     std::optional<rsvpsimd::LineLog> trace_;
 };
 
-int Serve(rsvpsimd::Daemon &daemon, const rsvpsimd::Options &options, Logs &logs)
+int Serve(rsvpsimd::Daemon &daemon, rsvpsimd::Setup setup, const rsvpsimd::Options &options, Logs &logs)
 {
+    const auto tell = [&logs](const std::string &sentence) { logs.Tell(sentence); };
     const std::string directory = rsvp_host::DirectoryPath(options.hostDirectory);
     const int stop = OpenStopSignals();
     rsvpsimd::Instance instance(directory);
     rsvpsimd::Server server(instance.Listener(), stop, daemon);
-    server.TellTo([&logs](const std::string &sentence) { logs.Tell(sentence); });
+    server.TellTo(tell);
     server.EverySecond([&] {
         if (const std::string done = instance.Recover(); !done.empty())
             logs.Tell(done);
@@ -80,6 +82,8 @@ int Serve(rsvpsimd::Daemon &daemon, const rsvpsimd::Options &options, Logs &logs
     });
     for (const std::string &missing : rsvpsimd::Confine(directory))
         logs.Tell(missing);
+    rsvpsimd::Life life(daemon, std::move(setup), std::chrono::steady_clock::now(), tell);
+    server.EachTurn([&life](rsvpsimd::Timeline::Time now) { return life.Turn(now); });
     // The fault is meant to leave everything as a crash would.
     if (server.Run() == rsvpsimd::Server::End::Crashed)
         _exit(kToldToCrash);
@@ -104,13 +108,15 @@ int main(int argc, char **argv)
             return kDone;
         }
         rsvpsimd::Daemon daemon;
-        rsvpsimd::Configure(daemon, *options);
+        rsvpsimd::Setup setup = rsvpsimd::ReadSetup(*options);
+        if (setup.behaviour.trace && !options->trace)
+            options->trace = "";
         if (options->trace) {
             if (!options->trace->empty())
                 logs.OpenTrace(*options->trace);
             daemon.TraceTo([&logs](const std::string &line) { logs.Trace(line); });
         }
-        return options->check ? kDone : Serve(daemon, *options, logs);
+        return options->check ? kDone : Serve(daemon, std::move(setup), *options, logs);
     } catch (const rsvpsimd::InstanceError &error) {
         logs.Tell(error.what());
         return kNoInstance;

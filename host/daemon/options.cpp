@@ -74,26 +74,24 @@ std::optional<Options> ReadOptions(int argc, char **argv, int &exitStatus)
     return options;
 }
 
-void Configure(Daemon &daemon, Options &options)
+Setup ReadSetup(const Options &options)
 {
-    if (!options.scenario.empty()) {
-        const Behaviour behaviour = ReadScenario(daemon.GetDevice(), options.scenario);
-        daemon.Add(behaviour);
-        if (behaviour.trace && !options.trace)
-            options.trace = "";
-    }
+    Setup setup;
+    if (!options.scenario.empty())
+        setup.behaviour = ReadScenario(setup.device, options.scenario);
     try {
         for (const std::string &rows : options.rows)
-            MakeRows(daemon.GetDevice(), rows);
+            MakeRows(setup.device, rows);
     } catch (const std::invalid_argument &error) {
         throw std::runtime_error(fmt::format("--rows: {}", error.what()));
     }
     try {
         for (const std::string &fault : options.faults)
-            daemon.Add(ParseFault(fault));
+            setup.behaviour.faults.push_back(ParseFault(fault));
     } catch (const std::invalid_argument &error) {
         throw std::runtime_error(fmt::format("--fault: {}", error.what()));
     }
+    return setup;
 }
 
 void ListLayouts()

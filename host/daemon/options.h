@@ -1,8 +1,9 @@
-// The command line, and the daemon that it describes.
+// The command line, and what it says that the daemon starts with.
 #ifndef HOST_DAEMON_OPTIONS_H
 #define HOST_DAEMON_OPTIONS_H
 
-#include "host/daemon/daemon.h"
+#include "host/daemon/device/device.h"
+#include "host/daemon/scenario/behaviour.h"
 
 #include <string>
 
@@ -22,8 +23,15 @@ struct Options {
 // `exitStatus` is the status to exit with.
 std::optional<Options> ReadOptions(int argc, char **argv, int &exitStatus);
 
-// Puts scenario, rows and faults into the daemon. Throws std::runtime_error with a sentence for the user.
-void Configure(Daemon &daemon, Options &options);
+// What the daemon starts with.
+struct Setup {
+    Device device;
+    Behaviour behaviour;
+};
+
+// Reads the scenario and adds rows and faults of the command line. Throws std::runtime_error with a sentence for the
+// user.
+Setup ReadSetup(const Options &options);
 
 void ListLayouts();
 

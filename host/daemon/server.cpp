@@ -41,6 +41,8 @@ Server::End Server::Run()
     for (;;) {
         if (Clock::now() >= nextChores_)
             DoChores();
+        if (task_)
+            nextTask_ = task_(Clock::now());
         // A negative descriptor is not looked at; a socket is, even if nothing is wanted of it.
         polled.assign({{stop_, POLLIN, 0}, {Clock::now() >= nextAccept_ ? listener_ : -1, POLLIN, 0}});
         for (const Client &client : clients_) {
@@ -85,10 +87,10 @@ bool Server::WaitForEvents(std::vector<pollfd> &polled)
     return polled[0].revents != 0;
 }
 
-// The next chores, the first delayed answer, or the end of a pause.
+// The next chores or event, the first delayed answer, or the end of a pause.
 Server::Clock::time_point Server::NextDeadline() const
 {
-    Clock::time_point next = nextChores_;
+    Clock::time_point next = std::min(nextChores_, nextTask_);
     if (nextAccept_ > Clock::now())
         next = std::min(next, nextAccept_);
     for (const Client &client : clients_)

@@ -1,5 +1,6 @@
 // The loop: one thread, one poll, a limited number of clients. A client is read only when it has taken its last
 // answer, and each turn answers one request per client, so that none can fill the memory or keep the others waiting.
+// Whatever comes with time is looked at between two turns, so that no client can keep it waiting either.
 // Places are counted for each process, so that one that connects without end takes them from itself alone.
 #ifndef HOST_DAEMON_SERVER_H
 #define HOST_DAEMON_SERVER_H
@@ -36,6 +37,10 @@ public:
 
     // Is called once a second, between two turns. What it throws ends the loop.
     void EverySecond(std::function<void()> chore) { chore_ = std::move(chore); }
+
+    // Is called at each turn with the time, and returns when it is to be called at the latest. What it throws ends
+    // the loop.
+    void EachTurn(std::function<Timeline::Time(Timeline::Time)> task) { task_ = std::move(task); }
 
     enum class End : uint8_t { Stopped, Crashed };
     End Run();
@@ -77,10 +82,12 @@ private:
     Places places_;
     std::function<void(const std::string &)> tell_;
     std::function<void()> chore_;
+    std::function<Timeline::Time(Timeline::Time)> task_;
     std::list<Client> clients_; // the one that was silent longest comes first
     uint64_t accepted_ = 0;
     uint64_t refused_ = 0; // since the last chores
     Clock::time_point nextChores_{};
+    Clock::time_point nextTask_ = Clock::time_point::max();
     Clock::time_point nextAccept_{}; // until then, newcomers wait
     std::set<std::string> trouble_;  // calls of the system that fail at the moment
     bool crashed_ = false;

@@ -52,7 +52,7 @@ public:
     void SetGlobal(const Record &record);
     void SetDebug(const Record &record) { debug_ = Image("debugInfo", record); }
     Image &Global() { return global_; }
-    ByteView Debug() const { return debug_.View(); }
+    Image &Debug() { return debug_; }
 
     // Carries out a command whose frame and lengths have been checked. `key` is the interface or peer, if there is
     // one.

@@ -22,6 +22,15 @@ std::optional<uint32_t> MadeRows::From(uint64_t number) const
     return static_cast<uint32_t>(NumberOf(rank));
 }
 
+uint64_t MadeRows::SizeBelow(uint64_t number) const
+{
+    const uint64_t rank = std::min(RankFrom(number), count_);
+    uint64_t left = rank;
+    for (auto run = runs_.begin(); run != runs_.end() && run->first < rank; ++run)
+        left -= std::min(run->second, rank) - run->first;
+    return left;
+}
+
 void MadeRows::Remove(uint32_t number)
 {
     if (From(number) != number)

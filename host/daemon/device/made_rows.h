@@ -24,6 +24,9 @@ public:
     // How many are not gone.
     uint64_t Size() const { return count_ - gone_; }
 
+    // How many with a smaller number are not gone.
+    uint64_t SizeBelow(uint64_t number) const;
+
     // What it takes to remember those that are gone: one for each run of neighbours.
     size_t Runs() const { return runs_.size(); }
 

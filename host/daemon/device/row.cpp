@@ -10,7 +10,27 @@ namespace rsvpsimd {
 
 namespace {
 
-// The record's fields that belong to this part, under the part's own names.
+Bytes KeyOf(const RowKind &kind, ByteView firstValue, const Block &block)
+{
+    if (kind.keyFields.empty())
+        return Encode(*kind.keyLayout, block.key);
+    Bytes key;
+    for (const std::string_view name : kind.keyFields) {
+        const Extent extent = ExtentOf(kind.RowLayout(), name);
+        const ByteView bytes = firstValue.subspan(extent.offset, extent.size);
+        key.insert(key.end(), bytes.begin(), bytes.end());
+    }
+    key.resize(kind.keyLayout->size); // the rest of the key is 0
+    return key;
+}
+
+} // namespace
+
+std::string PrefixOf(const Part &part)
+{
+    return part.prefix.empty() ? "" : std::string(part.prefix) + ".";
+}
+
 Record FieldsOf(const Part &part, const Record &fields)
 {
     Record own;
@@ -50,25 +70,11 @@ void AppendLists(Bytes &body, std::span<const ListKind> kinds, const Block &bloc
     }
 }
 
-Bytes KeyOf(const RowKind &kind, ByteView firstValue, const Block &block)
+void CheckSize(const Bytes &body)
 {
-    if (kind.keyFields.empty())
-        return Encode(*kind.keyLayout, block.key);
-    Bytes key;
-    for (const std::string_view name : kind.keyFields) {
-        const Extent extent = ExtentOf(kind.RowLayout(), name);
-        const ByteView bytes = firstValue.subspan(extent.offset, extent.size);
-        key.insert(key.end(), bytes.begin(), bytes.end());
-    }
-    key.resize(kind.keyLayout->size); // the rest of the key is 0
-    return key;
-}
-
-} // namespace
-
-std::string PrefixOf(const Part &part)
-{
-    return part.prefix.empty() ? "" : std::string(part.prefix) + ".";
+    if (body.size() > kBodyMax)
+        throw std::invalid_argument(
+            fmt::format("its items take {} bytes, a message has room for {}", body.size(), kBodyMax));
 }
 
 EncodedRow EncodeRow(const RowKind &kind, const Block &block)
@@ -81,9 +87,7 @@ EncodedRow EncodeRow(const RowKind &kind, const Block &block)
         AppendItem(row.body, part.item, value);
     }
     AppendLists(row.body, kind.lists, block);
-    if (row.body.size() > kBodyMax)
-        throw std::invalid_argument(
-            fmt::format("its items take {} bytes, a message has room for {}", row.body.size(), kBodyMax));
+    CheckSize(row.body);
     return row;
 }
 

@@ -146,6 +146,8 @@ static_assert(std::ranges::all_of(kRowKinds,
 class RowKindRef {
 public:
     consteval RowKindRef(const char *name) : kind_(&Named(kRowKinds, name)) {}
+    explicit constexpr RowKindRef(const RowKind &kind) : kind_(&kind) {}
+    bool operator==(const RowKindRef &) const = default;
 
     constexpr const RowKind &operator*() const { return *kind_; }
     constexpr const RowKind *operator->() const { return kind_; }

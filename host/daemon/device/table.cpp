@@ -128,6 +128,16 @@ std::optional<EncodedRow> Table::Find(Seek seek, ByteView key, bool ingressOnly)
     return EncodedRow{kept->first, kept->second};
 }
 
+uint64_t Table::CountUpTo(ByteView key, bool ingressOnly) const
+{
+    const auto kept = ingressOnly ? std::distance(keptHeads_.begin(), keptHeads_.upper_bound(key))
+                                  : std::distance(kept_.begin(), kept_.upper_bound(key));
+    const MadeRows &made = ingressOnly ? madeHeads_ : made_;
+    const std::optional<EncodedRow> next = FindMade(Seek::After, key, ingressOnly);
+    const uint64_t before = next ? made.SizeBelow(LoadNet(ByteView(next->key).first(4)) - base_) : made.Size();
+    return static_cast<uint64_t>(kept) + before;
+}
+
 Bytes *Table::Edit(ByteView key)
 {
     auto kept = kept_.find(key);

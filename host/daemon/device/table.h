@@ -42,6 +42,9 @@ public:
     // With `ingressOnly`, rows whose role is not head are skipped.
     std::optional<EncodedRow> Find(Seek seek, ByteView key, bool ingressOnly = false) const;
 
+    // How many rows have this key or a smaller one. Takes time with their number, as far as they are stored.
+    uint64_t CountUpTo(ByteView key, bool ingressOnly = false) const;
+
     // The body of this row, to be changed in place, or null. A made row is kept from now on. The role must stay as it
     // is.
     Bytes *Edit(ByteView key);

@@ -1,70 +1,56 @@
-// How a scenario or the command line asks the daemon to behave, apart from what its tables hold: faults, to see how
-// management programs bear them, and requests that are refused.
+// How a scenario asks the daemon to behave beyond what its tables hold at the start: faults, requests that are
+// refused, and events that change all of this while the daemon runs.
 #ifndef HOST_DAEMON_SCENARIO_BEHAVIOUR_H
 #define HOST_DAEMON_SCENARIO_BEHAVIOUR_H
 
-#include <cstdint>
-#include <optional>
-#include <span>
-#include <string_view>
-#include <vector>
+#include "host/daemon/device/change.h"
+#include "host/daemon/scenario/fault.h"
+
+#include <chrono>
 
 namespace rsvpsimd {
-
-enum class FaultKind : uint8_t {
-    Late,            // the answer comes `number` milliseconds late
-    Silent,          // no answer
-    Short,           // the frame is cut to `number` bytes, or by four if that is 0
-    Long,            // the frame has `number` bytes too many, or four if that is 0
-    WrongBodyLength, // the header's length is one too many
-    CutItem,         // the last item claims more than there is
-    Status,          // the answer has the status `number`
-    ItemType,        // the first item has the type `number`
-    Twice,           // the answer comes twice
-    Stuck,           // get-next gives the row of its own key again
-    Shifting,        // get-next removes the row that is due, and gives the one after it
-    Close,           // the connection is closed without an answer
-    Exit,            // the daemon ends at once, as in a crash; keep this one last
-};
-
-// Which requests are meant. A part that is not set matches all of them.
-struct Selector {
-    std::optional<uint8_t> msgClass = {};
-    std::optional<uint8_t> op = {};
-    std::optional<uint16_t> item = {};
-};
-
-struct Fault {
-    FaultKind kind = FaultKind::Silent;
-    uint32_t number = 0;
-    Selector requests = {};
-    bool once = false;
-    bool spent = false;
-};
 
 struct Refusal {
     Selector requests = {};
     uint32_t status = 0;
+    bool operator==(const Refusal &) const = default;
+};
+
+// What happens at once, in the order of the members.
+struct Event {
+    template <typename What> struct InTable {
+        RowKindRef kind;
+        size_t line = 0;
+        What what = {};
+        bool operator==(const InTable &) const = default;
+    };
+    struct RowChange {
+        Bytes key;
+        BlockChange change;
+        bool operator==(const RowChange &) const = default;
+    };
+
+    size_t line = 0;
+    std::chrono::milliseconds first{0};  // after the start
+    std::chrono::milliseconds period{0}; // 0: it happens once
+    std::vector<InTable<Bytes>> removed = {};
+    std::vector<InTable<EncodedRow>> added = {};
+    std::vector<InTable<RowChange>> changed = {};
+    RecordChange global = {};
+    RecordChange debug = {};
+    std::map<std::string, uint32_t> counts = {};
+    std::map<std::string, uint32_t> countsAdded = {};
+    std::optional<Fault> ends = {};
+    std::optional<Fault> begins = {};
+    bool operator==(const Event &) const = default;
 };
 
 struct Behaviour {
     std::vector<Fault> faults = {};
     std::vector<Refusal> refusals = {};
+    std::vector<Event> events = {};
     bool trace = false; // to standard error
 };
-
-// A kind of fault as people write it.
-struct FaultName {
-    std::string_view name;
-    FaultKind kind = FaultKind::Silent;
-    uint32_t most = 0; // the largest number it takes; 0: it takes none
-    bool needsNumber = false;
-};
-std::span<const FaultName> AllFaults();
-
-// Both throw std::invalid_argument with what is wrong. ParseFault reads "late=200,class=3,op=4,item=8,once".
-Fault MakeFault(std::string_view kind, std::optional<uint64_t> number);
-Fault ParseFault(std::string_view text);
 
 } // namespace rsvpsimd
 

@@ -2,6 +2,8 @@
 // must look like: a number, an address, hexadecimal bytes, a rate.
 #include "host/daemon/scenario/rows.h"
 
+#include "host/daemon/device/change.h"
+
 #include <arpa/inet.h>
 #include <charconv>
 #include <fmt/format.h>
@@ -9,8 +11,6 @@
 namespace rsvpsimd {
 
 namespace {
-
-constexpr std::string_view kRequestKey = "requestKey";
 
 struct Leaf {
     const Node *node = nullptr;
@@ -141,8 +141,7 @@ Record ReadFields(const Leaves &leaves, std::span<const Part> parts)
             continue; // an object that names none of its fields
         const Found found = FindInParts(parts, name, leaves);
         if (found.field == nullptr)
-            Refuse(leaf.line, name,
-                   found.inAnotherForm ? "has no place in an object of this kind" : "there is no such key");
+            Refuse(leaf.line, name, found.inAnotherForm ? "has no place in an object of this kind" : kNoSuchKey);
         try {
             Value value = ReadValue(*leaf.node, *found.field);
             Bytes scratch(found.layoutSize);
@@ -204,6 +203,13 @@ Block ReadBlock(const Node::Table &table, std::span<const Part> parts, std::span
 
 } // namespace
 
+const Node::Table &AsTable(const Node &node, std::string_view key)
+{
+    if (const auto *table = node.As<Node::Table>())
+        return *table;
+    Refuse(node.line, key, "must be a table");
+}
+
 Block ReadRow(const Node::Table &table, const RowKind &kind)
 {
     return ReadBlock(table, kind.parts, kind.lists,
@@ -214,6 +220,18 @@ Record ReadRecord(const Node::Table &table, LayoutRef layout)
 {
     const Part part{.layout = layout};
     return ReadBlock(table, {&part, 1}, {}, std::nullopt).fields;
+}
+
+Record ReadAdditions(const Member &member, std::span<const Part> parts)
+{
+    Leaves leaves;
+    for (const Member &inner : AsTable(member.node, member.name))
+        Flatten(leaves, inner.name, inner.node, inner.line);
+    Record record = ReadFields(leaves, parts);
+    for (const auto &[name, leaf] : leaves)
+        if (record.contains(name) && !IsCounted(*FindInParts(parts, name, leaves).field))
+            Refuse(leaf.line, name, "is no whole number that can be added to");
+    return record;
 }
 
 } // namespace rsvpsimd

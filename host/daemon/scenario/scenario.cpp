@@ -1,6 +1,7 @@
 // The top level of a scenario: one reader for each key it may have.
 #include "host/daemon/scenario/scenario.h"
 
+#include "host/daemon/scenario/events.h"
 #include "host/daemon/scenario/generator.h"
 #include "host/daemon/scenario/rows.h"
 
@@ -13,30 +14,6 @@ namespace rsvpsimd {
 namespace {
 
 constexpr size_t kMostText = 64UL << 20; // a device has no end
-constexpr std::string_view kNoSuchKey = "there is no such key";
-
-const Node::Table &AsTable(const Node &node, std::string_view key)
-{
-    if (const auto *table = node.As<Node::Table>())
-        return *table;
-    Refuse(node.line, key, "must be a table");
-}
-
-// Calls `read` with each table of an array, and adds line and key to what it throws.
-template <typename Reader> void ForEachTable(const Member &member, const Reader &read)
-{
-    const auto *array = member.node.As<Node::Array>();
-    if (array == nullptr)
-        Refuse(member.node.line, member.name, fmt::format("must be an array of tables, as in [[{}]]", member.name));
-    for (const Node &element : *array) {
-        try {
-            read(AsTable(element, member.name));
-        } catch (const std::invalid_argument &error) {
-            Refuse(element.line, member.name, error.what());
-        }
-    }
-}
-
 void AddRow(Table &rows, const Node::Table &table)
 {
     if (!rows.Insert(EncodeRow(rows.Kind(), ReadRow(table, rows.Kind()))))
@@ -45,12 +22,8 @@ void AddRow(Table &rows, const Node::Table &table)
 
 void ReadCounters(Device &device, const Node::Table &table)
 {
-    const auto counts = AllCounts();
-    for (const Member &member : table) {
-        if (std::ranges::find(counts, member.name, &Count::name) == counts.end())
-            Refuse(member.line, member.name, "there is no such count");
-        device.SetCount(member.name, static_cast<uint32_t>(NumberIn(member, 0xFFFFFFFF)));
-    }
+    for (const auto &[name, number] : ReadCounts(table))
+        device.SetCount(name, number);
 }
 
 void ReadRowCounts(Device &device, const Node::Table &table)
@@ -82,21 +55,22 @@ Fault ReadFault(const Node::Table &table)
 {
     std::string kind;
     std::optional<uint64_t> number;
-    Selector requests;
-    bool once = false;
     for (const Member &member : table) {
         if (const auto *text = member.node.As<std::string>(); text != nullptr && member.name == "kind")
             kind = *text;
-        else if (const auto *flag = member.node.As<bool>(); flag != nullptr && member.name == "once")
-            once = *flag;
         else if (member.name == "number")
             number = NumberIn(member, 0xFFFFFFFF);
-        else if (!ReadSelector(requests, member))
-            Refuse(member.line, member.name, kNoSuchKey);
     }
     Fault fault = MakeFault(kind, number);
-    fault.requests = requests;
-    fault.once = once;
+    for (const Member &member : table) {
+        if (member.name == "kind" || member.name == "number")
+            continue;
+        const auto *once = member.node.As<bool>();
+        if (once != nullptr && member.name == "once")
+            fault.strikes = *once ? 1 : 0;
+        else if (!SetPart(fault, member.name, NumberIn(member, 0xFFFFFFFF)))
+            Refuse(member.line, member.name, kNoSuchKey);
+    }
     return fault;
 }
 
@@ -122,7 +96,7 @@ Behaviour ReadTop(Device &device, const Node &document)
         const Node &node = member.node;
         const RowKind *kind = FindRowKind(name);
         if (kind != nullptr && kind->name == name)
-            ForEachTable(member, [&](const auto &table) { AddRow(device.Rows(*kind), table); });
+            ForEachTable(member, [&](const auto &table, size_t) { AddRow(device.Rows(*kind), table); });
         else if (name == "global")
             device.SetGlobal(ReadRecord(AsTable(node, name), "globalInfo"));
         else if (name == "debug")
@@ -132,9 +106,13 @@ Behaviour ReadTop(Device &device, const Node &document)
         else if (name == "rows")
             ReadRowCounts(device, AsTable(node, name));
         else if (name == "fault")
-            ForEachTable(member, [&](const auto &table) { behaviour.faults.push_back(ReadFault(table)); });
+            ForEachTable(member, [&](const auto &table, size_t) { behaviour.faults.push_back(ReadFault(table)); });
+        else if (name == "event")
+            ForEachTable(member,
+                         [&](const auto &table, size_t line) { behaviour.events.push_back(ReadEvent(table, line)); });
         else if (name == "refuse")
-            ForEachTable(member, [&](const auto &table) { behaviour.refusals.push_back(ReadRefusal(table)); });
+            ForEachTable(member,
+                         [&](const auto &table, size_t) { behaviour.refusals.push_back(ReadRefusal(table)); });
         else if (const auto *trace = node.As<bool>(); trace != nullptr && name == "trace")
             behaviour.trace = *trace;
         else

@@ -20,11 +20,19 @@ std::optional<Message> ReadMessage(ByteView frame)
 {
     if (frame.size() < kHeaderSize || LoadNet(frame.subspan(2, 2)) != frame.size() - kHeaderSize)
         return std::nullopt;
-    Message message{.msgClass = frame[0],
-                    .op = frame[1],
-                    .status = static_cast<uint32_t>(LoadNet(frame.subspan(4, 4))),
-                    .items = {}};
-    for (ByteView rest = frame.subspan(kHeaderSize); !rest.empty();) {
+    std::optional<std::vector<Item>> items = ReadItems(frame.subspan(kHeaderSize));
+    if (!items)
+        return std::nullopt;
+    return Message{.msgClass = frame[0],
+                   .op = frame[1],
+                   .status = static_cast<uint32_t>(LoadNet(frame.subspan(4, 4))),
+                   .items = std::move(*items)};
+}
+
+std::optional<std::vector<Item>> ReadItems(ByteView body)
+{
+    std::vector<Item> items;
+    for (ByteView rest = body; !rest.empty();) {
         if (rest.size() < kItemHeaderSize)
             return std::nullopt;
         const auto type = static_cast<uint16_t>(LoadNet(rest.first(2)));
@@ -32,10 +40,10 @@ std::optional<Message> ReadMessage(ByteView frame)
         rest = rest.subspan(kItemHeaderSize);
         if (length > rest.size())
             return std::nullopt;
-        message.items.push_back({type, rest.first(length)});
+        items.push_back({type, rest.first(length)});
         rest = rest.subspan(length);
     }
-    return message;
+    return items;
 }
 
 void AppendItem(Bytes &body, uint16_t type, ByteView value)

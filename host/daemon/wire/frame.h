@@ -93,6 +93,9 @@ struct Message {
 // Nothing if the header's length is not that of the body, or if an item runs past the end.
 std::optional<Message> ReadMessage(ByteView frame);
 
+// The items of a body, which they point into; nothing if one runs past the end.
+std::optional<std::vector<Item>> ReadItems(ByteView body);
+
 void AppendItem(Bytes &body, uint16_t type, ByteView value);
 Bytes BuildFrame(uint8_t msgClass, uint8_t op, uint32_t status, ByteView body);
 

@@ -1,5 +1,5 @@
 // Reads faults as people write them. What a fault does is decided where requests are answered.
-#include "host/daemon/scenario/behaviour.h"
+#include "host/daemon/scenario/fault.h"
 
 #include "host/text.h"
 #include "rsvp_mor/status_codes.h"
@@ -41,21 +41,43 @@ uint64_t NumberOf(std::string_view key, std::string_view text, uint64_t most)
     return *number;
 }
 
-void SetSelector(Fault &fault, std::string_view key, std::string_view text)
+// The parts that have a number, and the largest that each takes.
+struct FaultPart {
+    std::string_view name;
+    uint32_t least, most;
+    void (*set)(Fault &fault, uint32_t number);
+};
+constexpr std::array kFaultParts{
+    FaultPart{"class", 0, 0xFF,
+              [](Fault &fault, uint32_t number) { fault.requests.msgClass = static_cast<uint8_t>(number); }},
+    FaultPart{"op", 0, 0xFF, [](Fault &fault, uint32_t number) { fault.requests.op = static_cast<uint8_t>(number); }},
+    FaultPart{"item", 0, 0xFFFF,
+              [](Fault &fault, uint32_t number) { fault.requests.item = static_cast<uint16_t>(number); }},
+    FaultPart{"after", 0, 0xFFFFFFFF, [](Fault &fault, uint32_t number) { fault.after = number; }},
+    FaultPart{"after-rows", 0, 0xFFFFFFFF, [](Fault &fault, uint32_t number) { fault.afterRows = number; }},
+    FaultPart{"for", 1, 0xFFFFFFFF, [](Fault &fault, uint32_t number) { fault.strikes = number; }},
+};
+
+const FaultPart *FindPart(std::string_view name)
 {
-    if (key == "class")
-        fault.requests.msgClass = static_cast<uint8_t>(NumberOf(key, text, 0xFF));
-    else if (key == "op")
-        fault.requests.op = static_cast<uint8_t>(NumberOf(key, text, 0xFF));
-    else if (key == "item")
-        fault.requests.item = static_cast<uint16_t>(NumberOf(key, text, 0xFFFF));
-    else if ((key == "once" || key == "always") && text.empty())
-        fault.once = key == "once";
-    else
+    const auto *part = std::ranges::find(kFaultParts, name, &FaultPart::name);
+    return part == kFaultParts.end() ? nullptr : part;
+}
+
+void ReadPart(Fault &fault, std::string_view key, std::string_view text)
+{
+    if (text.empty() && (key == "once" || key == "always")) {
+        fault.strikes = key == "once" ? 1 : 0;
+    } else if (FindPart(key) != nullptr) {
+        SetPart(fault, key, NumberOf(key, text, 0xFFFFFFFF));
+    } else {
+        std::vector<std::string> parts;
+        for (const FaultPart &part : kFaultParts)
+            parts.push_back(fmt::format("{}=", part.name));
         throw std::invalid_argument(
-            fmt::format("\"{}\" is not a part of a fault; behind its kind a fault has class=, "
-                        "op=, item=, once or always",
-                        key));
+            fmt::format("\"{}\" is not a part of a fault; behind its kind a fault has {}, once or always", key,
+                        fmt::join(parts, ", ")));
+    }
 }
 
 } // namespace
@@ -83,13 +105,25 @@ Fault MakeFault(std::string_view kind, std::optional<uint64_t> number)
     return {.kind = named->kind, .number = static_cast<uint32_t>(number.value_or(0))};
 }
 
+bool SetPart(Fault &fault, std::string_view part, uint64_t number)
+{
+    const FaultPart *known = FindPart(part);
+    if (known == nullptr)
+        return false;
+    if (number < known->least || number > known->most)
+        throw std::invalid_argument(
+            fmt::format("{}: {} is not a number from {} to {}", part, number, known->least, known->most));
+    known->set(fault, static_cast<uint32_t>(number));
+    return true;
+}
+
 Fault ParseFault(std::string_view text)
 {
     std::optional<Fault> fault;
     const auto read = [&](std::string_view word) {
         const std::string_view key = rsvp_host::CutOff(word, "=");
         if (fault)
-            SetSelector(*fault, key, word);
+            ReadPart(*fault, key, word);
         else if (word.empty())
             fault = MakeFault(key, std::nullopt);
         else
