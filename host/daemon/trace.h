@@ -10,7 +10,10 @@ namespace rsvpsimd {
 
 std::string DescribeRequest(uint64_t client, ByteView frame);
 
-// The request tells which table the reply's items belong to.
+// A frame that answers a request; `asked` is the type of the request's first item.
+std::string DescribeReply(uint64_t client, uint16_t asked, ByteView frame);
+
+// The same with what the daemon does beside it, or in its place.
 std::string DescribeReply(uint64_t client, ByteView request, const Reply &reply);
 
 } // namespace rsvpsimd
