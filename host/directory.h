@@ -34,6 +34,7 @@ std::string PrepareDirectory(const std::string &path);
 // The files of the device, all inside the directory; docs/host.md tells what each is for.
 inline constexpr std::string_view kLockFile = "rsvpsimd.lock";
 inline constexpr std::string_view kLogFile = "rsvpsimd.log";
+inline constexpr std::string_view kCaptureFile = "rsvpsimd.pcapng";
 inline constexpr std::string_view kNodesFile = "nodes";
 inline constexpr std::string_view kOptionFolder = "etc";
 inline constexpr std::string_view kOptionFile = "etc/te.conf";

@@ -1,6 +1,8 @@
 // The simulated daemon from the inside: the search of rows at its edges, refusals that must name line and key,
 // faults, commands and the reads that show them, what the trace keeps to itself, clients that mean harm, a system
 // that refuses what the daemon asks for, and the daemon as a program.
+#include "host/daemon/capture/capture_file.h"
+#include "host/daemon/decode.h"
 #include "host/daemon/instance.h"
 #include "host/daemon/line_log.h"
 #include "host/daemon/sandbox.h"
@@ -912,6 +914,68 @@ TEST(LineLog, CountsWhatItCannotWrite)
         EXPECT_THROW(LineLog{refused}, std::runtime_error) << refused;
 }
 
+// What --decode would print, without the time stamps; and at the end what is wrong with the file.
+std::vector<std::string> Decoded(const std::string &path)
+{
+    std::vector<std::string> lines;
+    std::ifstream file(path, std::ios::binary);
+    try {
+        Decode(file, DecodeForm::Words,
+               [&](const std::string &line) { lines.push_back(line.substr(line.find(' ') + 1)); });
+    } catch (const CaptureError &error) {
+        lines.emplace_back(error.what());
+    }
+    return lines;
+}
+
+TEST(CaptureFile, KeepsWholeFramesWhateverHappensToIt)
+{
+    const program::HostDirectory directory;
+    const std::string path = directory.PathOf("capture");
+    const Bytes request = Request(kGlobal, kSet, "00030044" + std::string(136, '7'));
+    const CapturedFrame frame{.client = 7, .length = request.size(), .bytes = request};
+    const std::string line = "7 > global set authKey(3) 68 {authKey=********}";
+    std::optional<CaptureFile> capture(std::in_place, path, "test", false, 400);
+    EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms(0600));
+    for (int i = 0; i < 4; ++i)
+        capture->Write(frame);
+    EXPECT_EQ(Decoded(path), std::vector({line, line}));
+    EXPECT_EQ(capture->Loss(), "2 frames are not in the capture " + path + ": a file takes no more than 400 bytes");
+    EXPECT_EQ(capture->Loss(), "");
+    EXPECT_EQ(directory.Read("capture").find("wwwwwwww"), std::string::npos);
+    std::filesystem::resize_file(path, 0);
+    capture->Write(frame);
+    EXPECT_EQ(Decoded(path), std::vector({line}));
+
+    EXPECT_THROW(CaptureFile(path, "test", false), std::runtime_error); // one daemon writes to it
+    capture.reset();
+    std::filesystem::resize_file(path, std::filesystem::file_size(path) - 3);
+    EXPECT_EQ(Decoded(path).back(), "block 3 at byte 72: the file ends inside the block");
+    capture.emplace(path, "test", true);
+    capture->Write(frame);
+    EXPECT_EQ(Decoded(path), std::vector({line}));
+    EXPECT_NE(directory.Read("capture").find("wwwwwwww"), std::string::npos);
+
+    // What the system refuses in the middle of a block leaves none of it there.
+    const uint64_t size = std::filesystem::file_size(path);
+    const rlimit enough{size + 50, RLIM_INFINITY};
+    std::signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &enough);
+    capture->Write(frame);
+    constexpr rlimit kUnlimited{RLIM_INFINITY, RLIM_INFINITY};
+    setrlimit(RLIMIT_FSIZE, &kUnlimited);
+    EXPECT_EQ(std::filesystem::file_size(path), size);
+    EXPECT_TRUE(capture->Loss().starts_with("1 frames"));
+
+    mkfifo(directory.PathOf("fifo").c_str(), 0600);
+    ASSERT_EQ(symlink(path.c_str(), directory.PathOf("link").c_str()), 0);
+    directory.Write("notes", "buy milk");
+    for (const std::string &refused : {directory.PathOf("fifo"), directory.PathOf("link"), directory.PathOf("."),
+                                       std::string("/dev/null"), directory.PathOf("notes")})
+        EXPECT_THROW(CaptureFile(refused, "test", false), std::runtime_error) << refused;
+    EXPECT_EQ(directory.Read("notes"), "buy milk");
+}
+
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool kSanitized = true;
 #else
@@ -996,12 +1060,14 @@ TEST(Program, ServesWhateverItsStandardStreamsAre)
     }
 }
 
-TEST(Program, TracesToAFileIsConfinedAndTidiesUp)
+TEST(Program, TracesAndCapturesToFilesIsConfinedAndTidiesUp)
 {
     const program::HostDirectory directory;
-    StartThrough(directory, "", "--trace trace");
+    StartThrough(directory, "", "--trace trace --capture capture");
     EXPECT_EQ(RSVP_MOR_SetDscpValue(7), RSVP_MOR_OK);
     EXPECT_EQ(directory.Read("trace"), "2 > global set dscp(19) 4 {dscp=7}\n2 < global set status 0x00000000\n");
+    EXPECT_EQ(Decoded(directory.PathOf("capture")),
+              std::vector<std::string>({"2 > global set dscp(19) 4 {dscp=7}", "2 < global set status 0x00000000"}));
     const std::string pid = directory.Read(rsvp_host::kLockFile);
     std::ifstream file("/proc/" + pid.substr(0, pid.size() - 1) + "/status");
     const std::string status{std::istreambuf_iterator<char>(file), {}};

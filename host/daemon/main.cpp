@@ -1,5 +1,6 @@
 // rsvpsimd: a simulated signalling daemon for machines that have none. It answers every request of the management
 // protocol from a scenario, from rows made by number, and from the commands it has received.
+#include "host/daemon/capture/capture_file.h"
 #include "host/daemon/instance.h"
 #include "host/daemon/life.h"
 #include "host/daemon/line_log.h"
@@ -75,9 +76,21 @@ int Serve(rsvpsimd::Daemon &daemon, rsvpsimd::Setup setup, const rsvpsimd::Optio
     rsvpsimd::Instance instance(directory);
     rsvpsimd::Server server(instance.Listener(), stop, daemon);
     server.TellTo(tell);
+    std::optional<rsvpsimd::CaptureFile> capture;
+    if (options.capture) {
+        capture.emplace(options.capture->empty() ? rsvp_host::PathOf(directory, rsvp_host::kCaptureFile)
+                                                 : *options.capture,
+                        rsvpsimd::kVersion, options.captureSecrets);
+        server.CaptureTo([&](const rsvpsimd::CapturedFrame &frame) { capture->Write(frame); });
+    }
+    const auto tellLoss = [&] {
+        if (const std::string loss = capture ? capture->Loss() : ""; !loss.empty())
+            tell(loss);
+    };
     server.EverySecond([&] {
         if (const std::string done = instance.Recover(); !done.empty())
             logs.Tell(done);
+        tellLoss();
         logs.Flush();
     });
     for (const std::string &missing : rsvpsimd::Confine(directory))
@@ -87,6 +100,7 @@ int Serve(rsvpsimd::Daemon &daemon, rsvpsimd::Setup setup, const rsvpsimd::Optio
     // The fault is meant to leave everything as a crash would.
     if (server.Run() == rsvpsimd::Server::End::Crashed)
         _exit(kToldToCrash);
+    tellLoss();
     return kDone;
 }
 
@@ -107,10 +121,16 @@ int main(int argc, char **argv)
             rsvpsimd::ListLayouts();
             return kDone;
         }
+        if (!options->decode.empty()) {
+            rsvpsimd::PrintCapture(*options);
+            return kDone;
+        }
         rsvpsimd::Daemon daemon;
         rsvpsimd::Setup setup = rsvpsimd::ReadSetup(*options);
         if (setup.behaviour.trace && !options->trace)
             options->trace = "";
+        if (setup.behaviour.capture && !options->capture)
+            options->capture = "";
         if (options->trace) {
             if (!options->trace->empty())
                 logs.OpenTrace(*options->trace);

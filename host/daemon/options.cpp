@@ -1,24 +1,29 @@
 // Reads the command line and sets the daemon up accordingly. Messages name the option that is wrong.
 #include "host/daemon/options.h"
 
+#include "host/daemon/decode.h"
 #include "host/daemon/scenario/generator.h"
 #include "host/daemon/scenario/scenario.h"
 
 #include <CLI/CLI.hpp>
+#include <cerrno>
+#include <cstring>
 #include <fmt/format.h>
+#include <fstream>
 
 namespace rsvpsimd {
 
-namespace {
+constexpr std::string_view kVersion = "rsvpsimd " RSVPSIMD_VERSION;
 
-constexpr auto kVersion = "rsvpsimd " RSVPSIMD_VERSION;
+namespace {
 
 constexpr auto kFooter = R"(Examples:
   rsvpsimd --scenario demo.toml --trace
   rsvpsimd --rows psb=100000 --rows tunnel=1000
   rsvpsimd --fault late=200,class=3,op=4,item=8,once --fault close,class=0
+  rsvpsimd --decode rsvpsimd.pcapng --json
 
-Exit status: 0 ended by a signal, or the check went well; 2 wrong usage or scenario; 3 the host directory cannot
+Exit status: 0 ended by a signal, or the check went well; 2 wrong usage, scenario or capture; 3 the host directory cannot
 be used or another daemon has it; 4 ended by the fault "exit".)";
 
 std::string_view OrderName(Order order)
@@ -44,9 +49,10 @@ std::optional<Options> ReadOptions(int argc, char **argv, int &exitStatus)
 {
     Options options;
     std::string traceFile;
+    std::string captureFile;
     CLI::App app("A simulated signalling daemon: answers every request of the management protocol.", "rsvpsimd");
     app.footer(kFooter);
-    app.set_version_flag("--version", kVersion);
+    app.set_version_flag("--version", std::string(kVersion));
     app.add_option("--host-dir", options.hostDirectory, "directory that plays the device")->type_name("DIR");
     app.add_option("--scenario", options.scenario, "what the tables hold (TOML)")->type_name("FILE");
     app.add_option("--rows", options.rows, "make N rows of a kind by number")
@@ -61,6 +67,15 @@ std::optional<Options> ReadOptions(int argc, char **argv, int &exitStatus)
         app.add_option("--trace", traceFile, "print every frame in words, to standard error or to a file")
             ->type_name("[FILE]")
             ->expected(0, 1);
+    CLI::Option *capture = app.add_option("--capture", captureFile,
+                                          "keep every frame in a pcapng file, of the host directory or this one")
+                               ->type_name("[FILE]")
+                               ->expected(0, 1);
+    app.add_flag("--capture-secrets", options.captureSecrets, "do not mask authentication keys in it")
+        ->needs(capture);
+    CLI::Option *decode =
+        app.add_option("--decode", options.decode, "print a capture, a line a frame, and end")->type_name("FILE");
+    app.add_flag("--json", options.json, "each line of it a JSON object with all fields")->needs(decode);
     app.add_flag("--check", options.check, "read everything, answer nothing");
     app.add_flag("--list-layouts", options.listLayouts, "print the fields of every value and key");
     try {
@@ -71,6 +86,8 @@ std::optional<Options> ReadOptions(int argc, char **argv, int &exitStatus)
     }
     if (trace->count() != 0)
         options.trace = traceFile;
+    if (capture->count() != 0)
+        options.capture = captureFile;
     return options;
 }
 
@@ -109,6 +126,25 @@ void ListLayouts()
     }
     for (const ListSpec &list : kListSpecs)
         fmt::print("{} ({} bytes of count, then {})\n", list.name, list.countWidth, list.entry->name);
+}
+
+void PrintCapture(const Options &options)
+{
+    std::ifstream file(options.decode, std::ios::binary);
+    if (!file)
+        throw std::runtime_error(fmt::format("{}: {}", options.decode, std::strerror(errno)));
+    const auto check = [](bool written) {
+        if (!written)
+            throw std::runtime_error(fmt::format("standard output: {}", std::strerror(errno)));
+    };
+    try {
+        Decode(file, options.json ? DecodeForm::Json : DecodeForm::Words,
+               [&](const std::string &line) { check(std::puts(line.c_str()) >= 0); });
+    } catch (const CaptureError &error) {
+        check(std::fflush(stdout) == 0); // the frames before it come first
+        throw std::runtime_error(fmt::format("{}: {}", options.decode, error.what()));
+    }
+    check(std::fflush(stdout) == 0);
 }
 
 } // namespace rsvpsimd

@@ -14,7 +14,11 @@ struct Options {
     std::string scenario;
     std::vector<std::string> rows;
     std::vector<std::string> faults;
-    std::optional<std::string> trace; // empty: standard error
+    std::optional<std::string> trace;   // empty: standard error
+    std::optional<std::string> capture; // empty: the file of the host directory
+    bool captureSecrets = false;
+    std::string decode; // a capture to print; empty: none
+    bool json = false;
     bool check = false;
     bool listLayouts = false;
 };
@@ -34,6 +38,12 @@ struct Setup {
 Setup ReadSetup(const Options &options);
 
 void ListLayouts();
+
+// Prints the capture that the options name. Throws std::runtime_error with a sentence for the user.
+void PrintCapture(const Options &options);
+
+// "rsvpsimd 1.0.0"
+extern const std::string_view kVersion;
 
 } // namespace rsvpsimd
 

@@ -187,15 +187,24 @@ bool Server::Serve(Client &client, short events)
 
 bool Server::Read(Client &client)
 {
-    // One byte more than the largest message, so that a longer one is noticed.
-    std::array<uint8_t, RSVP_MOR_MSG_MAX + 1> request;
-    const ssize_t got = recv(client.fd, request.data(), request.size(), 0);
+    // One byte more than the largest message, so that a longer one is noticed. The system tells its whole length.
+    std::array<uint8_t, RSVP_MOR_MSG_MAX + 1> area;
+    const ssize_t got = recv(client.fd, area.data(), area.size(), MSG_TRUNC);
     if (got < 0)
         return errno == EAGAIN || errno == EINTR;
     if (got == 0)
         return false;
     client.heard = Clock::now();
-    Reply reply = daemon_.Answer(ByteView(request).first(static_cast<size_t>(got)), client.number);
+    const auto length = static_cast<size_t>(got);
+    const ByteView request = ByteView(area).first(std::min(length, area.size()));
+    if (capture_) {
+        client.asked = {.asked = AskedBy(request),
+                        .client = static_cast<uint32_t>(client.number),
+                        .process = static_cast<uint32_t>(client.process),
+                        .exchange = static_cast<uint32_t>(++requests_)};
+        Capture(client.asked, false, request, length);
+    }
+    Reply reply = daemon_.Answer(request, client.number);
     crashed_ = reply.crash;
     for (int i = 0; i < reply.copies; ++i)
         client.answers.push_back({reply.frame, Clock::now() + reply.delay});
@@ -214,9 +223,20 @@ bool Server::Write(Client &client)
             return true;
         if (sent < 0)
             return false;
+        if (capture_)
+            Capture(client.asked, true, frame, frame.size());
         client.answers.pop_front();
     }
     return true;
+}
+
+void Server::Capture(const CapturedFrame &about, bool isReply, ByteView bytes, size_t length) const
+{
+    CapturedFrame frame = about;
+    frame.isReply = isReply;
+    frame.length = length;
+    frame.bytes = bytes;
+    capture_(frame);
 }
 
 void Server::Drop(std::list<Client>::iterator client)

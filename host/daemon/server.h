@@ -5,6 +5,7 @@
 #ifndef HOST_DAEMON_SERVER_H
 #define HOST_DAEMON_SERVER_H
 
+#include "host/daemon/capture/captured_frame.h"
 #include "host/daemon/daemon.h"
 
 #include <deque>
@@ -35,6 +36,9 @@ public:
     // Who hears of what goes wrong with the sockets.
     void TellTo(std::function<void(const std::string &)> sink) { tell_ = std::move(sink); }
 
+    // Who keeps the frames: each when it has come, and when the socket has taken it.
+    void CaptureTo(std::function<void(const CapturedFrame &)> sink) { capture_ = std::move(sink); }
+
     // Is called once a second, between two turns. What it throws ends the loop.
     void EverySecond(std::function<void()> chore) { chore_ = std::move(chore); }
 
@@ -59,6 +63,7 @@ private:
         Clock::time_point heard{};         // when it connected or asked last
         std::deque<Outgoing> answers = {}; // never more than those to one request
         bool blocked = false;              // the socket did not take the answer
+        CapturedFrame asked = {};          // the request that they answer, without its bytes
 
         bool Waits() const { return !answers.empty() && !blocked; } // for an answer that is not due yet
     };
@@ -75,6 +80,7 @@ private:
     bool Read(Client &client);
     bool Write(Client &client);
     void Drop(std::list<Client>::iterator client);
+    void Capture(const CapturedFrame &about, bool isReply, ByteView bytes, size_t length) const;
 
     int listener_;
     int stop_;
@@ -83,8 +89,10 @@ private:
     std::function<void(const std::string &)> tell_;
     std::function<void()> chore_;
     std::function<Timeline::Time(Timeline::Time)> task_;
+    std::function<void(const CapturedFrame &)> capture_;
     std::list<Client> clients_; // the one that was silent longest comes first
     uint64_t accepted_ = 0;
+    uint64_t requests_ = 0;
     uint64_t refused_ = 0; // since the last chores
     Clock::time_point nextChores_{};
     Clock::time_point nextTask_ = Clock::time_point::max();

@@ -29,12 +29,14 @@ ItemKind KindInReply(uint16_t asked, uint16_t type)
                 return {part.layout.Spec().name, part.layout};
         return FindList(kind->lists, type).value_or(ItemKind{});
     }
+    if (type != asked)
+        return {};
     for (const Count &count : AllCounts())
         if (count.item == type)
             return {count.name, LayoutRef("count")};
-    if (asked == kDebugItem)
+    if (type == kDebugItem)
         return {"debugInfo", LayoutRef("debugInfo")};
-    return asked == kGlobalItem ? ItemKind{"globalInfo", LayoutRef("globalInfo")} : ItemKind{};
+    return type == kGlobalItem ? ItemKind{"globalInfo", LayoutRef("globalInfo")} : ItemKind{};
 }
 
 ItemKind KindInRequest(uint8_t msgClass, uint16_t type, bool isFirst)

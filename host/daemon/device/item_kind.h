@@ -1,5 +1,6 @@
 // What an item of a message is. A type means something only where it stands: in a request of its class, or in the
-// reply to a request for some table. The tables of commands and rows say it; trace, captures and the dissector ask here.
+// reply to a request for some table. The tables of commands and rows say it; trace, captures and the dissector ask
+// here.
 #ifndef HOST_DAEMON_DEVICE_ITEM_KIND_H
 #define HOST_DAEMON_DEVICE_ITEM_KIND_H
 

@@ -49,7 +49,8 @@ struct Behaviour {
     std::vector<Fault> faults = {};
     std::vector<Refusal> refusals = {};
     std::vector<Event> events = {};
-    bool trace = false; // to standard error
+    bool trace = false;   // to standard error
+    bool capture = false; // to the file of the host directory
 };
 
 } // namespace rsvpsimd

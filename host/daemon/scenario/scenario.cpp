@@ -115,6 +115,8 @@ Behaviour ReadTop(Device &device, const Node &document)
                          [&](const auto &table, size_t) { behaviour.refusals.push_back(ReadRefusal(table)); });
         else if (const auto *trace = node.As<bool>(); trace != nullptr && name == "trace")
             behaviour.trace = *trace;
+        else if (const auto *capture = node.As<bool>(); capture != nullptr && name == "capture")
+            behaviour.capture = *capture;
         else
             Refuse(member.line, name, kNoSuchKey);
     }
