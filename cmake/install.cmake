@@ -79,6 +79,8 @@ if(RSVP_MOR_PLATFORM STREQUAL "host")
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)
   install(FILES ${RSVP_MOR_COMPLETION_DIR}/_rsvpctl
     DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT tools)
+  # Wireshark looks for plugins in Lua beside those that are compiled, and there not below the folder of its version.
+  install(FILES ${RSVP_MOR_DISSECTOR} DESTINATION ${CMAKE_INSTALL_LIBDIR}/wireshark/plugins COMPONENT tools)
   install(FILES docs/dictionary.md DESTINATION ${RSVP_MOR_SHARE_DIR}/docs COMPONENT tools)
   install(FILES tools/rsvpctl/rsvpctl.schema.json DESTINATION ${RSVP_MOR_SHARE_DIR} COMPONENT tools)
   install(FILES docs/man/rsvpctl.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)

@@ -1,5 +1,6 @@
 // Prints docs/protocol.md. The daemon's own tables are the source: what the daemon answers by is what the document
 // says, and a test holds the committed file against a fresh one.
+#include "docs/translated.h"
 #include "host/daemon/device/device.h"
 
 #include <fmt/format.h>
@@ -43,9 +44,14 @@ has its place. The simulated daemon refuses a request that has others.
 // What the tables cannot tell, since it is the library's doing.
 constexpr std::array kWalkedAlone{RowKindRef("auth"), RowKindRef("crlsp"), RowKindRef("nbr"),
                                   RowKindRef("phsb"), RowKindRef("psb"),   RowKindRef("rsb")};
-constexpr LayoutRef kTunnel = "tunnel";
-constexpr std::string_view kTranslated = FieldName(kTunnel, "tunnelRole");
-constexpr std::string_view kTranslation = "the library gives 0 for 1, 2 for 3, and 1 for any other number";
+
+std::string Translations()
+{
+    std::string note = "the library gives ";
+    for (const auto &[wire, record] : documents::kTranslations)
+        note += fmt::format("{} for {}, ", record, wire);
+    return fmt::format("{}and {} for any other number", note, documents::kTranslationOfOthers);
+}
 
 std::string LinkTo(std::string_view name)
 {
@@ -261,8 +267,9 @@ void PrintValues()
         fmt::print("{}\n\n{} bytes.\n\n| Offset | Bytes | Field | Form | |\n|---:|---:|---|---|---|\n",
                    Anchor(layout.name), layout.size);
         for (const Field &field : layout.fields) {
-            const bool translated = layout.name == kTunnel.Spec().name && field.name == kTranslated;
-            PrintField(field, field.name, translated ? kTranslation : Condition(field));
+            const bool translated =
+                layout.name == documents::kTranslatedLayout.Spec().name && field.name == documents::kTranslatedField;
+            PrintField(field, field.name, translated ? Translations() : Condition(field));
             for (const Field &inner : field.inside)
                 PrintField(inner, fmt::format("{}.{}", field.name, inner.name),
                            "inside; the simulated daemon's choice");
