@@ -197,6 +197,24 @@ TEST(Deadline, LeavesTheSessionItsOwnTimeout)
     RSVP_MOR_LIPCClose(held);
 }
 
+// As the platform asks whether the daemon answers: what never waits is not made to, nor refused.
+TEST(Deadline, LeavesAloneWhatNeverWaits)
+{
+    const program::HostDirectory directory;
+    const StoppedDaemon daemon(directory);
+    const int32_t held = RSVP_MOR_LIPCOpen();
+    ASSERT_GE(held, 0);
+    ASSERT_EQ(fcntl(held, F_SETFL, O_NONBLOCK), 0);
+    for (const auto time : {hours(0), hours(1)}) {
+        const Deadline deadline(time);
+        EXPECT_EQ(AskOnHeldSession(held), RSVP_MOR_ERR_FAIL);
+        EXPECT_EQ(LastExchange().stage, Exchange::Stage::Receive);
+        EXPECT_EQ(LastExchange().error, EAGAIN);
+        EXPECT_EQ(LastExchange().givenUp, GivenUp::No);
+    }
+    RSVP_MOR_LIPCClose(held);
+}
+
 TEST(Deadline, AnAnswerInTimeIsAnAnswer)
 {
     const program::HostDirectory directory("[rows]\npsb = 8\ntunnel = 8\n");

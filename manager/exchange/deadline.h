@@ -5,7 +5,7 @@
 //
 // Bounded are connect, send and recv: those of the library, and all others that the program makes by these names in
 // the thread. Not bounded is what the library asks the platform for, which enabling, disabling and the gated commands
-// do: the service manager, the nodes, the database.
+// do: the service manager, the nodes, the database. A descriptor that never waits is left alone.
 //
 // A held session on which a call was given up has a reply on its way that nobody waits for: close it. Own-session
 // functions have closed theirs.

@@ -96,10 +96,9 @@ template <typename Call> ssize_t Bounded(Deadline &deadline, int fd, short event
 }
 
 // A full backlog has no event: connecting is tried again after each pause.
-template <typename Call> ssize_t BoundedConnect(Deadline &deadline, int fd, Call call)
+template <typename Call> ssize_t BoundedConnect(Deadline &deadline, int fd, int flags, Call call)
 {
-    const int flags = fcntl(fd, F_GETFL);
-    if (flags < 0 || fcntl(fd, F_SETFL, flags | O_NONBLOCK) != 0)
+    if (fcntl(fd, F_SETFL, flags | O_NONBLOCK) != 0)
         return -1;
     const ssize_t result = Bounded(deadline, fd, POLLOUT, SO_SNDTIMEO, call);
     const int error = errno;
@@ -108,9 +107,20 @@ template <typename Call> ssize_t BoundedConnect(Deadline &deadline, int fd, Call
     return result;
 }
 
-template <typename Call> ssize_t Within(int fd, short events, int ownOption, int flags, Call call)
+// The deadline of a call that may wait; one on a descriptor that never waits needs none.
+Deadline *DeadlineOf(int fd, int &flags)
 {
     Deadline *deadline = Deadline::Current();
+    if (deadline == nullptr)
+        return nullptr;
+    flags = fcntl(fd, F_GETFL);
+    return flags < 0 || (flags & O_NONBLOCK) != 0 ? nullptr : deadline;
+}
+
+template <typename Call> ssize_t Within(int fd, short events, int ownOption, int flags, Call call)
+{
+    int itsFlags = 0;
+    Deadline *deadline = (flags & MSG_DONTWAIT) != 0 ? nullptr : DeadlineOf(fd, itsFlags);
     if (deadline == nullptr)
         return call(flags);
     return Bounded(*deadline, fd, events, ownOption, [&] { return call(flags | MSG_DONTWAIT); });
@@ -138,9 +148,10 @@ int connect(int fd, const sockaddr *address, socklen_t length)
 {
     manager::Begin(Exchange::Stage::Open);
     const auto attempt = [&] { return syscall(SYS_connect, fd, address, length); };
-    auto *deadline = manager::Deadline::Current();
+    int flags = 0;
+    manager::Deadline *deadline = manager::DeadlineOf(fd, flags);
     const auto result =
-        static_cast<int>(deadline == nullptr ? attempt() : manager::BoundedConnect(*deadline, fd, attempt));
+        static_cast<int>(deadline == nullptr ? attempt() : manager::BoundedConnect(*deadline, fd, flags, attempt));
     manager::End(result);
     return result;
 }
