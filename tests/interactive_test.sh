@@ -226,7 +226,7 @@ offers() {
 }
 offers "enable explain" rsvpctl e
 offers "facility general" rsvpctl --json show frr ""
-offers "--tunnel-id" rsvpctl show psb --t
+offers "--tunnel-id" rsvpctl show psb --tu
 offers "auto always never" rsvpctl show --color ""
 offers "--after" rsvpctl show neighbor --a
 offers "--dry-run" rsvpctl enable --dr

@@ -28,6 +28,7 @@
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <thread>
 #include <unistd.h>
 
@@ -55,7 +56,8 @@ json Document(const Result &result)
     EXPECT_EQ(document["schemaVersion"], 1);
     EXPECT_EQ(document["exitStatus"], result.exit);
     EXPECT_TRUE(document["operation"].is_string() && document["status"].is_number()) << document;
-    EXPECT_EQ(result.exit == 0 || document["operation"] == "status", result.err.empty()) << result.err;
+    const bool isSaid = result.exit == 0 || (document["operation"] == "status" && result.exit != 6);
+    EXPECT_EQ(isSaid, result.err.empty()) << result.err;
     return document;
 }
 
@@ -219,9 +221,9 @@ TEST(Rsvpctl, EveryCommandGivesOneJsonDocument)
     directory.Write("settings.txt", "set interface 3\n");
     std::string documents;
     std::set<int> exits;
-    const auto runAll = [&] {
+    const auto runAll = [&](const std::string &more = "") {
         for (const std::string &line : EveryLine()) {
-            const json document = CtlJson(directory, line);
+            const json document = CtlJson(directory, line + more);
             documents += document.dump() + "\n";
             exits.insert(document.value("exitStatus", -1));
         }
@@ -230,6 +232,14 @@ TEST(Rsvpctl, EveryCommandGivesOneJsonDocument)
     ASSERT_EQ(Ctl(directory, "enable").exit, 0);
     runAll();
     EXPECT_EQ(exits, (std::set<int>{0, 1, 2, 3, 4, 5}));
+    const pid_t daemon = std::stoi(directory.Read(rsvp_host::kLockFile));
+    kill(daemon, SIGSTOP);
+    std::filesystem::create_directory(directory.PathOf("etc"));
+    directory.Write(rsvp_host::kOptionFile, "plugin-option refresh=30 dscp=48\n");
+    exits.clear();
+    runAll(" --timeout 5ms");
+    EXPECT_EQ(exits, (std::set<int>{0, 2, 6})) << "what asks the daemon, and only that, gives up";
+    kill(daemon, SIGCONT);
 
     std::ifstream schema(SCHEMA_PATH);
     EXPECT_TRUE(json::parse(Ctl(directory, "schema").out) == json::parse(schema))
@@ -408,6 +418,67 @@ TEST(Rsvpctl, AFailureTellsHowFarItCame)
         EXPECT_EQ(document.value("stage", ""), row.stage) << document;
         EXPECT_NE(document.value("whatHappened", "").find(row.happened), std::string::npos) << document;
     }
+}
+
+// The daemon is stopped, or silent after a row, or its backlog is full; and what waits need not be a call on a
+// session.
+TEST(Rsvpctl, GivesUpWhenItsTimeIsOver)
+{
+    const HostDirectory directory("[rows]\nchop = 3\n[[fault]]\nkind = 'silent'\nop = 5\nitem = 105\n");
+    ASSERT_EQ(Ctl(directory, "enable").exit, 0);
+    const auto givesUp = [&](const std::string &line, const std::string &says, const std::string &input = "") {
+        SCOPED_TRACE(line);
+        const Result result = Ctl(directory, line, input);
+        EXPECT_EQ(result.exit, 6);
+        EXPECT_NE(result.err.find(says), std::string::npos) << result.err;
+        return result;
+    };
+    givesUp("show hops computed --timeout 100ms", "walk broken after 1 row; '--after 1,");
+    givesUp("show hops computed --timeout 100ms --sort hopIndex", "RSVP_GetNextCHop gave");
+    const json rows = Document(givesUp("show hops computed --timeout 100ms --json", "its time was over"));
+    EXPECT_EQ(rows["rows"].size(), 1U);
+    EXPECT_FALSE(rows["complete"]);
+    // A line has a time of its own; that of the whole ends it, whatever may go on.
+    const std::string lines = "show hops computed --timeout 50ms\nshow global\nshow hops computed\nshow global\n";
+    const json batch =
+        Document(givesUp("batch - --keep-going --timeout 2s --json", "4: batch: the time was over before", lines));
+    EXPECT_EQ(batch["rows"][0]["exitStatus"], 6);
+    EXPECT_EQ(batch["rows"][1]["exitStatus"], 0);
+    EXPECT_EQ(batch["rows"].size(), 4U);
+    EXPECT_FALSE(batch["complete"]);
+
+    const pid_t daemon = std::stoi(directory.Read(rsvp_host::kLockFile));
+    kill(daemon, SIGSTOP);
+    givesUp("set interface 3 --timeout 50ms", "RSVP_MOR_SetRsvpEnable for 3 gave");
+    givesUp("status --timeout=50ms", "RSVP_MOR_GetRsvpDebug: no answer after");
+    givesUp("enable --timeout 50ms", "the daemon does not answer RSVP_MOR_GetRsvpDebug: no answer");
+    givesUp("watch show psb --timeout 50ms --count 1", "failed");
+    givesUp("watch status --timeout 50ms --count 1", "");
+    mkfifo(directory.PathOf("pipe").c_str(), 0600);
+    const std::string noKey = "set auth-key --key-file pipe --timeout 10ms";
+    EXPECT_EQ(Document(givesUp(noKey + " --json", "given up after 10ms, waiting for"))["error"], "the time was over");
+    givesUp("batch pipe --timeout 10ms", "given up after 10ms");
+
+    sockaddr_un address{AF_UNIX, {}};
+    directory.PathOf(rsvp_host::kSocketFile).copy(address.sun_path, sizeof(address.sun_path) - 1);
+    std::vector<int> sessions;
+    do
+        sessions.push_back(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+    while (connect(sessions.back(), reinterpret_cast<sockaddr *>(&address), sizeof(address)) == 0);
+    EXPECT_EQ(errno, EAGAIN);
+    givesUp("show psb --timeout 50ms", "connecting failed after");
+    givesUp("set interface 3 --timeout 50ms", "connecting failed after");
+    std::for_each(sessions.begin(), sessions.end(), close);
+    kill(daemon, SIGCONT);
+
+    directory.Write("slow", "#!/bin/sh\nwhile [ -e $2 ]; do sleep 0.1; done\n"); // a daemon that never gets ready
+    chmod(directory.PathOf("slow").c_str(), 0700);
+    EXPECT_EQ(Ctl(directory, "disable").exit, 0);
+    setenv("RSVP_SIMD", directory.PathOf("slow").c_str(), 1);
+    setenv("RSVP_HOST_RUNNER", "", 1);
+    givesUp("enable --timeout 50ms", "given up after 50ms, waiting for RSVP_MOR_SetMplsRsvp(0)");
+    for (const char *wrong : {"", "0", "-1s", "1 s", "2y"})
+        EXPECT_EQ(Ctl(directory, fmt::format("status --timeout '{}'", wrong)).exit, 2) << wrong;
 }
 
 TEST(Rsvpctl, TheOptionFileIsReadByTheNamesOfItsOptions)

@@ -93,8 +93,10 @@ GivenUp Deadline::Wait(int fd, short events, Clock::time_point until)
             left.tv_nsec = static_cast<long>(duration_cast<nanoseconds>(rest % seconds(1)).count());
         }
         // A signal leaves its wait unfinished, and the time that is left is counted anew.
+        waiting_ = true;
         const int ready =
             ppoll(polled_.data(), polled_.size(), end == Clock::time_point::max() ? nullptr : &left, nullptr);
+        waiting_ = false;
         const bool failed = ready < 0 && errno != EINTR;
         if (failed || (ready > 0 && polled_.front().revents != 0) || (ready == 0 && Clock::now() >= until))
             return GivenUp::No;

@@ -74,6 +74,9 @@ public:
     /** Whether calls are given up by now, for this deadline or one around it. */
     GivenUp State() const;
 
+    /** Whether a call waits at this moment, and so will end by itself. For signal handlers of the thread. */
+    bool IsWaiting() const { return waiting_; }
+
     /** Waits until the descriptor has one of `events`, or until `until`: both give No. */
     GivenUp Wait(int fd, short events, Clock::time_point until);
 
@@ -84,7 +87,8 @@ private:
     Deadline *outer_;
     Clock::time_point end_;               // with those around it
     std::vector<const Cancel *> cancels_; // with those around it
-    std::vector<pollfd> polled_;          // the descriptor that is waited for, then the cancels
+    std::atomic<bool> waiting_ = false;
+    std::vector<pollfd> polled_; // the descriptor that is waited for, then the cancels
 };
 
 } // namespace manager

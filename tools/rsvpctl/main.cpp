@@ -7,13 +7,23 @@
 #include "tools/rsvpctl/commands.h"
 #include "tools/rsvpctl/print/names.h"
 #include "tools/rsvpctl/print/pager.h"
+#include "tools/rsvpctl/print/time_limit.h"
 
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <optional>
 
 namespace rsvpctl {
 namespace {
+
+Exit RunInTime(Output &out, const CommandLine &line, const Command &command)
+{
+    std::optional<TimeLimit> limit;
+    if (const auto timeout = line.ChosenTimeout(); timeout && !command.limitsPolls)
+        limit.emplace(*timeout, command.name);
+    return Run(out, command);
+}
 
 Exit RunProgram(const std::vector<std::string> &words)
 {
@@ -30,8 +40,8 @@ Exit RunProgram(const std::vector<std::string> &words)
     Output out(line.ChosenStyle(), line.ChosenColor());
     const Pager pager(line.MayUsePager() && command->mayBeLong);
     if (out.IsJson())
-        out.EndWholeOnInterrupt(command->name);
-    return out.Finish(Run(out, *command));
+        out.EndWholeWhenEarly(command->name);
+    return out.Finish(RunInTime(out, line, *command));
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "tools/rsvpctl/command/commands.h"
 #include "tools/rsvpctl/command/input_file.h"
 #include "tools/rsvpctl/command/run.h"
+#include "tools/rsvpctl/print/time_limit.h"
 #include "tools/rsvpctl/print/usage_error.h"
 
 #include <algorithm>
@@ -30,8 +31,15 @@ struct BatchOptions {
 Exit RunLine(Output &out, CommandLine &line, const std::string &text, const BatchOptions &options)
 {
     try {
-        const std::vector<std::string> words = SplitWords(text);
-        return words.empty() ? Exit::Done : Run(out, line.ParseLine(words), options.dryRun);
+        std::vector<std::string> words = SplitWords(text);
+        const auto timeout = CommandLine::TakeTimeout(words);
+        if (words.empty())
+            return Exit::Done;
+        const Command &command = line.ParseLine(words);
+        std::optional<TimeLimit> limit;
+        if (timeout)
+            limit.emplace(*timeout, command.name);
+        return Run(out, command, options.dryRun);
     } catch (const UsageError &error) {
         return out.WrongUsage(error.command.empty() ? "batch" : error.command, error);
     }
@@ -40,6 +48,7 @@ Exit RunLine(Output &out, CommandLine &line, const std::string &text, const Batc
 /** The next line; nothing at the end of the file. Throws std::system_error if that is not what ended it. */
 std::optional<std::string> ReadLine(FILE *input)
 {
+    const Waiting waiting("the next line of the batch");
     std::string text;
     int c = 0;
     while ((c = std::getc(input)) != EOF && c != '\n') {
@@ -63,6 +72,11 @@ Exit RunBatch(Output &out, CommandLine &line, FILE *input, const std::string &na
             const std::optional<std::string> text = ReadLine(input);
             if (!text)
                 break;
+            if (TimeLimit::IsOver()) {
+                out.Wrong("batch", "the time was over before this line", RSVP_MOR_ERR_FAIL, Exit::TimeOver);
+                complete = false;
+                break;
+            }
             const Exit exit = RunLine(out, line, *text, options);
             // A dry run looks at every line, since it is there to find what is wrong with any of them.
             complete = exit == Exit::Done || options.keepGoing || options.dryRun;
@@ -122,7 +136,7 @@ void AddBatchCommand(CommandLine &line)
                  "  rsvpctl batch --dry-run settings.txt          # what would be sent\n"
                  "  printf 'set interface 3\\n' | rsvpctl batch - --keep-going\n\n"
                  "Stops at the first line that fails; the lines before it were sent. The exit status is the highest "
-                 "of\nthe lines'.");
+                 "of\nthe lines'. --timeout on a line is the line's own.");
     command.inBatch = false;
     command.takesDetail = true; // of its lines
     const Option file = command.node.AddFile("file,--file", "The file, or - for standard input").Required();

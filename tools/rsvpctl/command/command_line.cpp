@@ -1,6 +1,7 @@
 // Parsing of command lines.
 #include "tools/rsvpctl/command/command_line.h"
 
+#include "manager/record/text.h"
 #include "tools/rsvpctl/command/batch.h"
 #include "tools/rsvpctl/command/help.h"
 #include "tools/rsvpctl/command/nearest.h"
@@ -24,8 +25,11 @@ constexpr const char *kRootExamples = R"(Examples:
   rsvpctl help set dscp
 
 Exit status: 0 done; 1 the daemon refused; 2 wrong usage; 3 no session to the daemon; 4 the exchange failed,
-the reply was out of format or a walk was broken; 5 the service is not enabled; 7 the output could not be written;
-130 Ctrl-C ended it.)";
+the reply was out of format or a walk was broken; 5 the service is not enabled; 6 the time of --timeout was over;
+7 the output could not be written; 130 Ctrl-C ended it.)";
+
+constexpr const char *kTimeout = "--timeout";
+constexpr std::chrono::milliseconds kLeastTimeout(1);
 
 [[noreturn]] void Refuse(const std::string &name, const std::string &problem)
 {
@@ -78,6 +82,8 @@ CommandLine::CommandLine() : root_(std::make_unique<CLI::App>("Configures and re
                               "Colour: auto (only on a terminal, and without NO_COLOR), always, never");
     (void)Root().AddFile("--dictionary", "What the daemon means by its words; none for their numbers");
     noPager_ = Root().AddFlag("--no-pager", "Long output straight to the terminal, not through $PAGER");
+    timeout_ = Root().AddDuration(kTimeout, kLeastTimeout, manager::kLongestDuration,
+                                  "Give up after that time, with what came until then");
 }
 
 CommandLine::~CommandLine() = default;
@@ -243,9 +249,37 @@ Color CommandLine::ChosenColor() const
     return when == "always" ? Color::Always : when == "never" ? Color::Never : Color::Auto;
 }
 
+// A person who reads page by page would use up the time.
 bool CommandLine::MayUsePager() const
 {
-    return !noPager_.IsGiven();
+    return !noPager_.IsGiven() && !timeout_.IsGiven();
+}
+
+std::optional<std::chrono::milliseconds> CommandLine::ChosenTimeout() const
+{
+    return timeout_.IsGiven() ? std::optional(timeout_.DurationOr({})) : std::nullopt;
+}
+
+// Whose line it is is not known here, so what was given instead is not repeated: it may be a key.
+std::optional<std::chrono::milliseconds> CommandLine::TakeTimeout(std::vector<std::string> &words)
+{
+    std::optional<std::chrono::milliseconds> timeout;
+    for (auto word = words.begin(); word != words.end();) {
+        const bool alone = *word == kTimeout;
+        if (!alone && !word->starts_with(kTimeout + std::string("="))) {
+            ++word;
+            continue;
+        }
+        if (alone)
+            word = words.erase(word);
+        const std::string text = alone ? word == words.end() ? "" : *word : word->substr(word->find('=') + 1);
+        if (const std::string problem = DurationProblem(text, kLeastTimeout, manager::kLongestDuration);
+            !problem.empty())
+            throw UsageError(fmt::format("{}: {}", kTimeout, problem.substr(0, problem.find(kButGiven))));
+        timeout = manager::ParseDuration(text);
+        word = words.erase(word);
+    }
+    return timeout;
 }
 
 std::vector<Command *> CommandLine::CommandsBelow(const std::string &path) const

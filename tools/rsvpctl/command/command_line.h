@@ -39,6 +39,7 @@ struct Command {
     bool inBatch = true;      // may be used in a batch file
     bool takesDetail = false; // --detail changes what it prints
     bool takesSecret = false; // what is typed by mistake may be a key, so no refusal repeats it
+    bool limitsPolls = false; // --timeout is for each poll, not for the run
     bool mayBeLong = false;   // may fill more than a screen; a change or a watch is never held behind a pager
 };
 
@@ -66,6 +67,9 @@ public:
      */
     Command &ParseLine(const std::vector<std::string> &words);
 
+    /** Takes --timeout out of the words of a line, which has no other option of the program's. Throws UsageError. */
+    static std::optional<std::chrono::milliseconds> TakeTimeout(std::vector<std::string> &words);
+
     /** Where the words lead, each a name or an alias. Throws UsageError for one that leads nowhere. */
     Node Find(const std::vector<std::string> &words) const;
 
@@ -76,6 +80,9 @@ public:
     Style ChosenStyle() const;
     Color ChosenColor() const;
     bool MayUsePager() const;
+
+    /** Of --timeout. */
+    std::optional<std::chrono::milliseconds> ChosenTimeout() const;
 
     /** The commands whose words begin with those of `path`, all for an empty one, in the order of their names. */
     std::vector<Command *> CommandsBelow(const std::string &path) const;
@@ -92,6 +99,7 @@ private:
     Option detail_;
     Option color_;
     Option noPager_;
+    Option timeout_;
     std::map<std::string, std::unique_ptr<Command>, std::less<>> commands_; // by name
 };
 

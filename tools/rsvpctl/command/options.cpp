@@ -29,6 +29,15 @@ manager::KeyAliases AliasesOf(const KeySpec &key)
 
 } // namespace
 
+std::string DurationProblem(const std::string &text, std::chrono::milliseconds min, std::chrono::milliseconds max)
+{
+    const auto duration = manager::ParseDuration(text);
+    return duration && *duration >= min && *duration <= max
+               ? std::string()
+               : fmt::format("takes a duration from {} to {} (500ms, 2s, 1m; a plain number is seconds){}'{}'",
+                             manager::DurationText(min), manager::DurationText(max), kButGiven, text);
+}
+
 bool Option::IsGiven() const
 {
     return option_ != nullptr && option_->count() != 0;
@@ -117,13 +126,7 @@ Option Node::AddAddress(const std::string &names, const std::string &help) const
 Option Node::AddDuration(const std::string &names, std::chrono::milliseconds min, std::chrono::milliseconds max,
                          const std::string &help) const
 {
-    const std::string takes = fmt::format("takes a duration from {} to {} (500ms, 2s, 1m; a plain number is seconds)",
-                                          manager::DurationText(min), manager::DurationText(max));
-    const auto check = [min, max, takes](const std::string &text) {
-        const auto duration = manager::ParseDuration(text);
-        return duration && *duration >= min && *duration <= max ? std::string()
-                                                                : fmt::format("{}{}'{}'", takes, kButGiven, text);
-    };
+    const auto check = [min, max](const std::string &text) { return DurationProblem(text, min, max); };
     return Option(app_->add_option(names, help)->type_name("DURATION")->check(check));
 }
 

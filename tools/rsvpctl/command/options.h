@@ -21,6 +21,9 @@ class ParseError;
 
 namespace rsvpctl {
 
+/** What is wrong with a text that should be a duration; empty if nothing is. */
+std::string DurationProblem(const std::string &text, std::chrono::milliseconds min, std::chrono::milliseconds max);
+
 /** An option or an argument of a command. What it holds is there once a line is parsed. */
 class Option {
 public:

@@ -4,6 +4,7 @@
 #include "manager/table/session.h"
 #include "platform/device.h"
 #include "platform/service.h"
+#include "tools/rsvpctl/print/time_limit.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -13,6 +14,7 @@ namespace {
 
 Running ServiceOn(uint32_t node)
 {
+    const Waiting waiting("SERVICE_GetStatus of the platform");
     uint32_t status = 0;
     if (SERVICE_GetStatus(node, "RSVP", 0, &status) != 0 || status > 3)
         return Running::Unknown;

@@ -8,6 +8,7 @@
 #include "tools/rsvpctl/print/interrupt.h"
 #include "tools/rsvpctl/print/names.h"
 #include "tools/rsvpctl/print/terminal.h"
+#include "tools/rsvpctl/print/time_limit.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -70,7 +71,7 @@ Reason BreakOf(const WalkResult &result, const manager::Exchange &exchange)
     if (result.end == WalkEnd::NoKey)
         return {"verify", "no dictionary says which fields of a row are the key of the next", NoKeyText()};
     const manager::Fault fault = FaultOf(result.status, exchange);
-    StatusText text = Explain(result.status, result.function, fault);
+    StatusText text = Explain(result.status, result.function, exchange);
     // A table that is not all there is one exit status, whatever broke it; a daemon that is not there is another.
     if (result.rows != 0 || fault != manager::Fault::NoSession)
         text.exit = Exit::Exchange;
@@ -91,9 +92,16 @@ std::string EndText(uint32_t status, const char *name, Exit exit)
            MemberText("exitStatus", static_cast<int>(exit)) + "}\n";
 }
 
-std::string EndOfInterrupted()
+std::string EndOfEarly(Exit exit)
 {
-    return EndText(RSVP_MOR_ERR_FAIL, Explain(RSVP_MOR_ERR_FAIL).name, Exit::Interrupted);
+    return EndText(RSVP_MOR_ERR_FAIL, Explain(RSVP_MOR_ERR_FAIL).name, exit);
+}
+
+// Whatever a command makes of a call that was given up, its time was over.
+Exit OrTimeOver(Exit exit)
+{
+    const bool givenUp = manager::LastExchange().givenUp == manager::GivenUp::TimeOver;
+    return exit != Exit::Done && givenUp ? Exit::TimeOver : exit;
 }
 
 } // namespace
@@ -105,9 +113,9 @@ Output::Output(Style style, Color color, FILE *document, FILE *messages)
 }
 
 // What makes a whole document of what is written so far. A document without rows is written at once.
-std::string Output::Ending() const
+std::string Output::Ending(Exit exit) const
 {
-    static const std::string end = EndOfInterrupted();
+    const std::string end = EndOfEarly(exit);
     std::string text;
     if (inList_) {
         text += "]" + MemberText("count", rows_) + MemberText("complete", false);
@@ -120,18 +128,25 @@ std::string Output::Ending() const
     return text;
 }
 
-void Output::EndWholeOnInterrupt(const std::string &operation)
+std::string Output::EndingWithout(const std::string &operation, Exit exit)
 {
     OpenDocument(operation);
-    Member("error", "interrupted");
-    EndDocumentOnInterrupt(std::exchange(text_, {}) + EndOfInterrupted());
+    Member("error", exit == Exit::TimeOver ? "the time was over" : "interrupted");
+    return std::exchange(text_, {}) + EndOfEarly(exit);
+}
+
+void Output::EndWholeWhenEarly(const std::string &operation)
+{
+    EndDocumentEarly(fileno(document_),
+                     {EndingWithout(operation, Exit::Interrupted), EndingWithout(operation, Exit::TimeOver)});
 }
 
 bool Output::Flush()
 {
+    const Waiting waiting("the reader of the output");
     DocumentWrite write;
     if (IsJson())
-        write.SetEnding(Ending());
+        write.SetEndings({Ending(Exit::Interrupted), TimeLimit::Holds() ? Ending(Exit::TimeOver) : ""});
     if (writeError_ == 0 && !text_.empty() &&
         (std::fwrite(text_.data(), 1, text_.size(), document_) != text_.size() || std::fflush(document_) != 0))
         writeError_ = errno;
@@ -185,8 +200,9 @@ void Output::Member(const char *name, const Json &value)
     text_ += MemberText(name, value);
 }
 
-void Output::CloseDocument(uint32_t status, Exit exit, const char *name)
+Exit Output::CloseDocument(uint32_t status, Exit exit, const char *name)
 {
+    exit = OrTimeOver(exit);
     if (inBatch_ && exit > batchExit_) {
         batchExit_ = exit;
         batchStatus_ = status;
@@ -195,6 +211,7 @@ void Output::CloseDocument(uint32_t status, Exit exit, const char *name)
         text_ += EndText(status, name == nullptr ? Explain(status).name : name, exit);
     inList_ = false;
     Flush();
+    return exit;
 }
 
 Exit Output::Document(const std::string &operation, const char *name, const Json &value, const std::string &text,
@@ -205,9 +222,7 @@ Exit Output::Document(const std::string &operation, const char *name, const Json
         Member(name, value);
     else
         text_ += text;
-    const Exit exit = Explain(status).exit;
-    CloseDocument(status, exit);
-    return exit;
+    return CloseDocument(status, Explain(status).exit);
 }
 
 Exit Output::Done(const std::string &operation, const std::string &asked)
@@ -243,8 +258,7 @@ Exit Output::Plan(const std::string &operation, const Json &requests, const std:
     } else {
         text_ += text;
     }
-    CloseDocument(RSVP_MOR_OK, Exit::Done);
-    return Exit::Done;
+    return CloseDocument(RSVP_MOR_OK, Exit::Done);
 }
 
 Exit Output::Help(const std::string &text)
@@ -270,8 +284,7 @@ Exit Output::Fail(const Outcome &failure, const std::string &headline, const Rea
         Member("seconds", manager::LastExchange().seconds);
         MemberReason(reason);
     }
-    CloseDocument(failure.status, reason.text.exit, reason.text.name);
-    return reason.text.exit;
+    return CloseDocument(failure.status, reason.text.exit, reason.text.name);
 }
 
 Exit Output::Failed(const Outcome &failure)
@@ -279,12 +292,15 @@ Exit Output::Failed(const Outcome &failure)
     const manager::Exchange &exchange = manager::LastExchange();
     const manager::Fault fault = FaultOf(failure.status, exchange);
     return Fail(failure, "",
-                {NameOf(fault), TextOf(fault, exchange), Explain(failure.status, failure.function, fault)});
+                {NameOf(fault), TextOf(fault, exchange), Explain(failure.status, failure.function, exchange)});
 }
 
 Exit Output::NotDone(const Outcome &outcome, const std::string &problem)
 {
-    return Fail(outcome, "not known to be done, though ", {"verify", problem, NotDoneText()});
+    const manager::Exchange &exchange = manager::LastExchange();
+    const bool givenUp = exchange.givenUp == manager::GivenUp::TimeOver;
+    return Fail(outcome, "not known to be done, though ",
+                {"verify", problem, givenUp ? Explain(outcome.status, outcome.function, exchange) : NotDoneText()});
 }
 
 // Once is enough, also for a batch.
@@ -312,8 +328,7 @@ Exit Output::Wrong(const std::string &operation, const std::string &problem, uin
     OpenDocument(operation);
     if (IsJson())
         Member("error", problem);
-    CloseDocument(status, exit);
-    return exit;
+    return CloseDocument(status, exit);
 }
 
 Exit Output::Broken(const std::string &operation, const std::string &problem)
@@ -330,8 +345,7 @@ Exit Output::WrongUsage(const std::string &operation, const UsageError &error)
     if (IsJson())
         Member("error", error.what());
     // The library's code for a bad argument; the exit status distinguishes it from a failed exchange.
-    CloseDocument(RSVP_MOR_ERR_FAIL, Exit::Usage);
-    return Exit::Usage;
+    return CloseDocument(RSVP_MOR_ERR_FAIL, Exit::Usage);
 }
 
 // ---- Rows ----
@@ -372,8 +386,7 @@ Exit Output::EndList()
         Member("count", rows_);
         Member("complete", true);
     }
-    CloseDocument(RSVP_MOR_OK, Exit::Done);
-    return Exit::Done;
+    return CloseDocument(RSVP_MOR_OK, Exit::Done);
 }
 
 void Output::BeginRows(const std::string &operation, const manager::Table &table, RowForm form)
@@ -446,9 +459,8 @@ Exit Output::EndRows(const WalkResult &result)
         Member("after", result.lastKey.empty() ? Json() : Json(result.lastKey));
         MemberReason(broken);
     }
-    CloseDocument(result.end == WalkEnd::Stuck ? RSVP_MOR_ERR_FAIL : result.status, broken.text.exit,
-                  broken.text.name);
-    return broken.text.exit;
+    return CloseDocument(result.end == WalkEnd::Stuck ? RSVP_MOR_ERR_FAIL : result.status, broken.text.exit,
+                         broken.text.name);
 }
 
 // Rows that were read and not printed are as good as not read.
@@ -509,8 +521,7 @@ Exit Output::EndBatch(bool complete)
         Member("count", batchDocuments_);
         Member("complete", complete);
     }
-    CloseDocument(batchStatus_, batchExit_);
-    return batchExit_;
+    return CloseDocument(batchStatus_, batchExit_);
 }
 
 } // namespace rsvpctl

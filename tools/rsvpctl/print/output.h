@@ -125,9 +125,9 @@ public:
      * command lines. */
     void Message(const std::string &text);
 
-    /** From now on Ctrl-C ends the document as a whole one, and the process. It is a document of the operation even
-     * if nothing of one is written. */
-    void EndWholeOnInterrupt(const std::string &operation);
+    /** From now on Ctrl-C, or the end of the time, ends the document as a whole one, and the process. It is a
+     * document of the operation even if nothing of one is written. */
+    void EndWholeWhenEarly(const std::string &operation);
 
     /** The exit status after everything is written: a document that could not be written is a failure of its own,
      * but a reader that went away got what it wanted. */
@@ -143,7 +143,7 @@ private:
     Exit Document(const std::string &operation, const char *name, const manager::Json &value, const std::string &text,
                   uint32_t status);
     void OpenDocument(const std::string &operation);
-    void CloseDocument(uint32_t status, Exit exit, const char *name = nullptr);
+    Exit CloseDocument(uint32_t status, Exit exit, const char *name = nullptr);
     std::string RowText(const void *record) const;
     bool WriteRow(const std::string &row);
     const char *EndOf(const manager::WalkResult &result) const;
@@ -153,7 +153,8 @@ private:
     void TellMissingNames();
     void MemberReason(const Reason &reason);
     void Member(const char *name, const manager::Json &value);
-    std::string Ending() const;
+    std::string Ending(Exit exit) const;
+    std::string EndingWithout(const std::string &operation, Exit exit);
     void Write(const std::string &line);
     void Complain(const std::string &text, const std::string &below = {});
     bool Flush();

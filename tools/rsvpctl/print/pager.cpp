@@ -2,8 +2,6 @@
 // it: Ctrl-C ends the output and leaves the pager with what it has.
 #include "tools/rsvpctl/print/pager.h"
 
-#include "tools/rsvpctl/print/statuses.h"
-
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -47,14 +45,14 @@ bool CanPage()
 } // namespace
 
 // The pager sees the end of its input, and the person leaves it when done; Ctrl-C is for the pager from now on.
-void EndByInterrupt()
+void EndProcess(Exit exit)
 {
     (void)std::signal(SIGINT, SIG_IGN);
     close(STDOUT_FILENO);
     close(STDERR_FILENO);
     if (pagerOfSignal > 0)
         WaitFor(static_cast<pid_t>(pagerOfSignal));
-    _exit(static_cast<int>(Exit::Interrupted));
+    _exit(static_cast<int>(exit));
 }
 
 Pager::Pager(bool wanted)
@@ -74,7 +72,7 @@ Pager::Pager(bool wanted)
             (void)dup2(ends[1], stream);
         }
         pagerOfSignal = child_;
-        (void)std::signal(SIGINT, [](int) { EndByInterrupt(); });
+        (void)std::signal(SIGINT, [](int) { EndProcess(Exit::Interrupted); });
     }
     close(ends[0]);
     close(ends[1]);

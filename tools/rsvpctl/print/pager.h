@@ -2,6 +2,8 @@
 #ifndef TOOLS_RSVPCTL_PRINT_PAGER_H
 #define TOOLS_RSVPCTL_PRINT_PAGER_H
 
+#include "tools/rsvpctl/print/statuses.h"
+
 #include <array>
 #include <sys/types.h>
 
@@ -20,8 +22,8 @@ private:
     std::array<int, 2> terminal_{-1, -1}; // what standard output and standard error were; -1 for one left alone
 };
 
-/** What Ctrl-C does: ends the process, after the pager if there is one. A signal handler may call it. */
-[[noreturn]] void EndByInterrupt();
+/** Ends the process, after the pager if there is one. A signal handler may call it. */
+[[noreturn]] void EndProcess(Exit exit);
 
 } // namespace rsvpctl
 

@@ -103,8 +103,13 @@ const StatusText &Explain(uint32_t status)
 }
 
 // The daemon's own statuses are not the library's, whatever their numbers; of the library's, it uses one.
-StatusText Explain(uint32_t status, std::string_view function, manager::Fault fault)
+StatusText Explain(uint32_t status, std::string_view function, const manager::Exchange &exchange)
 {
+    const manager::Fault fault = FaultOf(status, exchange);
+    if (exchange.givenUp == manager::GivenUp::TimeOver)
+        return {status, Explain(status).name, Exit::TimeOver,
+                "the daemon is busy or hangs, or the time that --timeout gives is too short for it",
+                "look at 'rsvpctl status' and at the daemon's log, or give more time"};
     if (fault == manager::Fault::Refused)
         return status == RSVP_MOR_ERR_NOT_EXIST ? Explain(status) : kForeign;
     const auto narrower = std::find_if(std::begin(kNarrower), std::end(kNarrower), [&](const Narrower &row) {

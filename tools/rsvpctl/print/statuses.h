@@ -19,6 +19,7 @@ enum class Exit : int {
     NoSession = 3,  // the daemon could not be reached
     Exchange = 4,   // the exchange failed, the reply was out of format, a walk was broken, the state cannot be asked
     NotEnabled = 5, // the service does not run
+    TimeOver = 6,   // what the user gave it
     NotWritten = 7, // the output could not be written
     Interrupted = 130, // Ctrl-C, as a shell counts it
 };
@@ -37,8 +38,10 @@ std::span<const StatusText> KnownStatuses();
 /** The text of a status in general; a number without a name is the daemon's own. */
 const StatusText &Explain(uint32_t status);
 
-/** The text of a status that a certain library function returned, and why: a code has a narrower meaning there. */
-StatusText Explain(uint32_t status, std::string_view function, manager::Fault fault);
+/** The text of a status that a certain library function returned in this exchange: a code has a narrower meaning
+ * there.
+ */
+StatusText Explain(uint32_t status, std::string_view function, const manager::Exchange &exchange);
 
 /** Of a walk whose rows come again, of one that nobody knows how to go on with, and of a change that is not known to
  * be done. */

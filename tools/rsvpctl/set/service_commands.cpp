@@ -2,6 +2,7 @@
 #include "host/platform/options.h"
 #include "manager/record/text.h"
 #include "tools/rsvpctl/command/run.h"
+#include "tools/rsvpctl/print/time_limit.h"
 #include "tools/rsvpctl/set/commands.h"
 #include "tools/rsvpctl/set/verify.h"
 
@@ -28,8 +29,13 @@ Rehearsal RehearseGlobal(bool on)
     return rehearsal;
 }
 
-Exit ChangeGlobal(Output &out, bool on, const Outcome &outcome)
+// The service manager may take its time, on every node.
+Exit ChangeGlobal(Output &out, bool on, const std::string &operation, const std::string &function,
+                  const std::string &asked, const std::function<uint32_t()> &change)
 {
+    const std::string waitsFor = function + ", which asks the service manager";
+    const Waiting waiting(waitsFor.c_str());
+    const Outcome outcome{operation, function, asked, change()};
     return on ? ReportStart(out, outcome) : ReportStop(out, outcome);
 }
 
@@ -38,8 +44,8 @@ void AddEnable(CommandLine &line, const std::string &word, bool on, const std::s
     const uint32_t op = on ? 0 : 1;
     Command &command = line.Add(line.Root(), word, help, "  rsvpctl " + word);
     command.run = [&command, on, op](Output &out) {
-        return ChangeGlobal(
-            out, on, {command.name, fmt::format("RSVP_MOR_SetMplsRsvp({})", op), "", RSVP_MOR_SetMplsRsvp(op)});
+        const std::string function = fmt::format("RSVP_MOR_SetMplsRsvp({})", op);
+        return ChangeGlobal(out, on, command.name, function, "", [op] { return RSVP_MOR_SetMplsRsvp(op); });
     };
     MakeRehearsable(command, [on] { return RehearseGlobal(on); });
 }
@@ -60,9 +66,9 @@ void AddCapability(CommandLine &line)
     global.run = [&global, globalState](Output &out) {
         const bool on = globalState.Text() == "on";
         const uint32_t capability = on ? 1 : 0;
-        return ChangeGlobal(out, on,
-                            {global.name, fmt::format("RSVP_SetGlobalCapability({})", capability), globalState.Text(),
-                             RSVP_SetGlobalCapability(capability)});
+        const std::string function = fmt::format("RSVP_SetGlobalCapability({})", capability);
+        return ChangeGlobal(out, on, global.name, function, globalState.Text(),
+                            [capability] { return RSVP_SetGlobalCapability(capability); });
     };
     MakeRehearsable(global, [globalState] { return RehearseGlobal(globalState.Text() == "on"); });
 

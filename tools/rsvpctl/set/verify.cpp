@@ -12,11 +12,14 @@ namespace {
 constexpr auto kCannotTell = "the platform does not say whether the service runs";
 
 // A daemon that hangs runs too. A reply that is a refusal or nonsense still shows that it has started.
-bool DaemonHangs()
+std::string ProblemOfRunning()
 {
-    AskDaemon();
+    const uint32_t status = AskDaemon();
     const manager::Exchange &exchange = manager::LastExchange();
-    return exchange.stage != manager::Exchange::Stage::Receive || exchange.error != 0;
+    if (exchange.stage == manager::Exchange::Stage::Receive && exchange.error == 0)
+        return {};
+    return "the service runs, but the daemon does not answer RSVP_MOR_GetRsvpDebug: " +
+           TextOf(FaultOf(status, exchange), exchange);
 }
 
 Exit Report(Output &out, const Outcome &outcome, const std::string &problem)
@@ -47,7 +50,7 @@ Exit ReportStart(Output &out, const Outcome &outcome)
     const ServiceState state = AskService();
     switch (state.Everywhere()) {
     case Running::Yes:
-        return Report(out, outcome, DaemonHangs() ? "the service runs, but the daemon does not answer" : "");
+        return Report(out, outcome, ProblemOfRunning());
     case Running::No:
         return Report(out, outcome, "the service does not run on " + state.NodesThatAre(Running::No));
     default:

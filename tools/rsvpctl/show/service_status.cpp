@@ -1,4 +1,5 @@
 // `status`: whether the service runs and where, whether the daemon answers, how many LSPs are up.
+#include "manager/exchange/exchange.h"
 #include "tools/rsvpctl/command/command_line.h"
 #include "tools/rsvpctl/command/service_state.h"
 #include "tools/rsvpctl/print/render.h"
@@ -22,6 +23,10 @@ Exit ShowStatus(Output &out, const std::string &operation)
     Json record{{"service", NameOf(running)}, {"daemon", answers ? "answers" : "does not answer"}};
     uint32_t count = 0;
     const uint32_t counted = answers ? RSVP_GetUpLspNumber(&count) : answer;
+    if (const manager::Exchange &exchange = manager::LastExchange(); exchange.givenUp == manager::GivenUp::TimeOver)
+        out.Message(fmt::format("rsvpctl: {}: {}: {}", operation,
+                                answers ? "RSVP_GetUpLspNumber" : "RSVP_MOR_GetRsvpDebug",
+                                TextOf(FaultOf(counted, exchange), exchange)));
     record["upLsps"] = counted == RSVP_MOR_OK ? Json(count) : Json(nullptr);
     std::string text = DetailText(record);
     record["nodes"] = Json::array();

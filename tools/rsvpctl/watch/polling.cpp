@@ -2,6 +2,8 @@
 // than making it did.
 #include "tools/rsvpctl/watch/polling.h"
 
+#include "tools/rsvpctl/print/time_limit.h"
+
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
@@ -24,7 +26,7 @@ using manager::Json;
 }
 
 // People learn of a failure once, from the process that watches.
-[[noreturn]] void BeChild(const Waiter &waiter, int writeEnd, const std::function<Exit(Output &)> &run)
+[[noreturn]] void BeChild(const Waiter &waiter, int writeEnd, const Poll &poll)
 {
     (void)std::signal(SIGINT, SIG_IGN); // Ctrl-C goes to both; the process that watches answers it
     waiter.GiveSignalsBack();
@@ -34,9 +36,13 @@ using manager::Json;
     if (nowhere < 0 || document == nullptr || dup2(nowhere, STDERR_FILENO) < 0)
         _exit(static_cast<int>(Exit::Exchange));
     Output out(Style::Json, Color::Never, document);
+    out.EndWholeWhenEarly("watch");
     Exit exit = Exit::Usage;
     try {
-        exit = run(out);
+        std::optional<TimeLimit> limit;
+        if (poll.timeout)
+            limit.emplace(*poll.timeout, "watch");
+        exit = poll.run(out);
     } catch (const UsageError &error) {
         exit = out.WrongUsage("watch", error);
     } catch (const std::exception &error) {
@@ -48,7 +54,7 @@ using manager::Json;
 /** The child and its document. Both end with the scope, whatever ends it. */
 class Child {
 public:
-    Child(const Waiter &waiter, const std::function<Exit(Output &)> &run)
+    Child(const Waiter &waiter, const Poll &poll)
     {
         std::array<int, 2> ends{};
         if (pipe2(ends.data(), O_CLOEXEC) != 0)
@@ -56,7 +62,7 @@ public:
         document_ = ends[0];
         child_ = fork();
         if (child_ == 0)
-            BeChild(waiter, ends[1], run);
+            BeChild(waiter, ends[1], poll);
         const int error = errno;
         close(ends[1]);
         if (child_ < 0) {
@@ -175,9 +181,9 @@ Wake Waiter::Wait(int fd, std::chrono::milliseconds limit) const
 
 // A document has each row on a line of its own, with a comma in front of all but the first; what is before and behind
 // them is a document without rows.
-PollResult RunPoll(const Waiter &waiter, const std::function<Exit(Output &)> &run, const OnRow &onRow)
+PollResult RunPoll(const Waiter &waiter, const Poll &poll, const OnRow &onRow)
 {
-    Child child(waiter, run);
+    Child child(waiter, poll);
     PollResult result;
     std::string around;
     result.end = ReadLines(waiter, child.Document(), [&](std::string_view line) {

@@ -48,11 +48,17 @@ struct PollResult {
     Exit exit = Exit::Exchange;
 };
 
+/** What a poll runs, and for how long at most. */
+struct Poll {
+    std::function<Exit(Output &)> run;
+    std::optional<std::chrono::milliseconds> timeout;
+};
+
 using OnRow = std::function<void(std::string_view row)>;
 
 /** Runs the command in a child; the text of each row, or of the one record, goes to `onRow` as it comes. Throws
  * std::system_error if there is no child to be had or nothing to be heard of it. */
-PollResult RunPoll(const Waiter &waiter, const std::function<Exit(Output &)> &run, const OnRow &onRow);
+PollResult RunPoll(const Waiter &waiter, const Poll &poll, const OnRow &onRow);
 
 } // namespace rsvpctl
 

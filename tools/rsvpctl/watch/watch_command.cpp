@@ -212,8 +212,7 @@ bool IsGivenUp(Wake wake)
     return wake == Wake::Interrupted || wake == Wake::ReaderGone;
 }
 
-Exit Watch(Output &out, const Command &command, const std::function<Exit(Output &)> &read,
-           const WatchOptions &options)
+Exit Watch(Output &out, const Command &command, const Poll &read, const WatchOptions &options)
 {
     const milliseconds interval = options.interval.DurationOr(kDefaultInterval);
     const uint64_t lastPoll = options.count.Number();
@@ -286,8 +285,9 @@ void AddWatchCommands(CommandLine &line)
         command->inBatch = false;
         command->mayBeLong = false;
         command->takesDetail = false;
-        command->run = [command, read = command->run, options](Output &out) {
-            return Watch(out, *command, read, options);
+        command->limitsPolls = true;
+        command->run = [&line, command, read = command->run, options](Output &out) {
+            return Watch(out, *command, {read, line.ChosenTimeout()}, options);
         };
     }
 }
