@@ -83,14 +83,14 @@ int Serve(rsvpsimd::Daemon &daemon, rsvpsimd::Setup setup, const rsvpsimd::Optio
                         rsvpsimd::kVersion, options.captureSecrets);
         server.CaptureTo([&](const rsvpsimd::CapturedFrame &frame) { capture->Write(frame); });
     }
-    const auto tellLoss = [&] {
-        if (const std::string loss = capture ? capture->Loss() : ""; !loss.empty())
+    const auto tellLoss = [&](bool isEnd) {
+        if (const std::string loss = capture ? capture->Loss(isEnd) : ""; !loss.empty())
             tell(loss);
     };
     server.EverySecond([&] {
         if (const std::string done = instance.Recover(); !done.empty())
             logs.Tell(done);
-        tellLoss();
+        tellLoss(false);
         logs.Flush();
     });
     for (const std::string &missing : rsvpsimd::Confine(directory))
@@ -100,7 +100,7 @@ int Serve(rsvpsimd::Daemon &daemon, rsvpsimd::Setup setup, const rsvpsimd::Optio
     // The fault is meant to leave everything as a crash would.
     if (server.Run() == rsvpsimd::Server::End::Crashed)
         _exit(kToldToCrash);
-    tellLoss();
+    tellLoss(true);
     return kDone;
 }
 

@@ -13,7 +13,6 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <utility>
 
 namespace rsvpsimd {
 
@@ -83,7 +82,9 @@ void CaptureFile::Write(const CapturedFrame &frame)
         shown.isMasked = !std::ranges::equal(masked, frame.bytes);
         shown.bytes = masked;
     }
-    if (!Append(PacketBlock(Now(), shown)))
+    if (Append(PacketBlock(Now(), shown)))
+        isTold_ = false;
+    else
         ++lost_;
 }
 
@@ -112,10 +113,12 @@ bool CaptureFile::Append(Bytes blocks)
     return false;
 }
 
-std::string CaptureFile::Loss()
+std::string CaptureFile::Loss(bool isEnd)
 {
-    const uint64_t lost = std::exchange(lost_, 0);
-    return lost == 0 ? "" : fmt::format("{} frames are not in the capture {}: {}", lost, path_, reason_);
+    if (lost_ == 0 || (isTold_ && !isEnd))
+        return {};
+    isTold_ = true;
+    return fmt::format("{} frames are not in the capture {}: {}", lost_, path_, reason_);
 }
 
 } // namespace rsvpsimd

@@ -24,8 +24,9 @@ public:
 
     void Write(const CapturedFrame &frame);
 
-    // How many frames were lost since the last call, and why, in a sentence; empty if none was.
-    std::string Loss();
+    // How many frames are not in the file, and why, in a sentence. Empty if all are, or if that was told since the
+    // file took the last one, but for the end.
+    std::string Loss(bool isEnd);
 
 private:
     [[noreturn]] void Refuse(const std::string &reason) const;
@@ -38,6 +39,7 @@ private:
     uint64_t most_;
     int fd_;
     uint64_t lost_ = 0;
+    bool isTold_ = false;
     std::string reason_;    // of the last loss
     bool isSpoilt_ = false; // half a block stands at its end for good
 };
