@@ -48,7 +48,7 @@ commands() (
 
 # The options of a help text on standard input, those that are arguments as well among them.
 options() {
-  sed -n 's/^  \(-h,\)\{0,1\}\(--[a-z-]*\).*/\2/p; s/.*; also \(--[a-z-]*\)$/\1/p'
+  sed -n 's/^  \(-[a-z],\)\{0,1\}\(--[a-z-]*\).*/\2/p; s/.*; also \(--[a-z-]*\)$/\1/p'
 }
 
 # The last words of the other names of commands, which the help does not tell.

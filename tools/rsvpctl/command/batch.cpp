@@ -139,6 +139,7 @@ void AddBatchCommand(CommandLine &line)
                  "of\nthe lines'. --timeout on a line is the line's own.");
     command.inBatch = false;
     command.takesDetail = true; // of its lines
+    command.hasColumns = true;
     const Option file = command.node.AddFile("file,--file", "The file, or - for standard input").Required();
     const Option keepGoing = command.node.AddFlag("--keep-going", "Go on after a failure");
     const Option dryRun = command.node.AddFlag(

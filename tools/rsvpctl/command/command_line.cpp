@@ -66,7 +66,14 @@ CLI::App *Deepest(CLI::App &app)
 
 bool WantsJson(const std::vector<std::string> &words)
 {
-    return std::find(words.begin(), words.end(), "--json") != words.end();
+    for (size_t i = 0; i < words.size(); ++i) {
+        const std::string &word = words[i];
+        if (word == "--json" || word == "--output=json" || word == "-ojson")
+            return true;
+        if ((word == "--output" || word == "-o") && i + 1 < words.size() && words[i + 1] == "json")
+            return true;
+    }
+    return false;
 }
 
 CommandLine::CommandLine() : root_(std::make_unique<CLI::App>("Configures and reads the RSVP-TE daemon.", "rsvpctl"))
@@ -76,7 +83,9 @@ CommandLine::CommandLine() : root_(std::make_unique<CLI::App>("Configures and re
     root_->footer(kRootExamples);
     root_->formatter(HelpFormatter(*this));
     root_->set_version_flag("--version", RSVPCTL_VERSION, "Print the program's version");
-    json_ = Root().AddFlag("--json", "One JSON document on standard output");
+    json_ = Root().AddFlag("--json", "One JSON document on standard output, as --output json");
+    form_ = Root().AddChoice("-o,--output", "FORM", {"table", "wide", "csv", "json"},
+                             "What a table looks like: the columns that fit, all, or all for other programs");
     detail_ = Root().AddFlag("--detail", "Every field of a row, one a line; for show and batch");
     color_ = Root().AddChoice("--color", "WHEN", {"auto", "always", "never"},
                               "Colour: auto (only on a terminal, and without NO_COLOR), always, never");
@@ -127,17 +136,32 @@ const Command &CommandLine::Parse(const std::vector<std::string> &words)
         Refuse(PathOf(at), Problem(*root_, at, PathOf(at), error));
     }
     const std::string path = PathOf(*Deepest(*root_));
-    if (detail_.IsGiven() && !TakesDetail(path))
-        Refuse(path, "--detail changes nothing here; it is for 'show', 'debug show' and 'batch'");
-    if (detail_.IsGiven() && json_.IsGiven())
-        Refuse(path, "--detail excludes --json, which has every field");
+    CheckForm(path);
     return *commands_.at(path);
+}
+
+void CommandLine::CheckForm(const std::string &path) const
+{
+    const std::string form = form_.Text();
+    if (json_.IsGiven() && form_.IsGiven() && form != "json")
+        Refuse(path, fmt::format("--json contradicts --output {}", form));
+    if ((form == "wide" || form == "csv") && !commands_.at(path)->hasColumns)
+        Refuse(path, fmt::format("--output {} changes nothing here; it is for the tables of 'show', and for 'batch'",
+                                 form));
+    if (!detail_.IsGiven())
+        return;
+    if (!TakesDetail(path))
+        Refuse(path, "--detail changes nothing here; it is for 'show', 'debug show' and 'batch'");
+    if (ChosenStyle() == Style::Json)
+        Refuse(path, "--detail excludes JSON, which has every field");
+    if (form_.IsGiven())
+        Refuse(path, fmt::format("--detail contradicts --output {}", form));
 }
 
 const Command &CommandLine::ParseInstead(const std::string &text)
 {
     std::vector<std::string> words = SplitWords(text);
-    if (json_.IsGiven())
+    if (ChosenStyle() == Style::Json)
         words.emplace_back("--json");
     if (noPager_.IsGiven())
         words.emplace_back("--no-pager");
@@ -238,9 +262,12 @@ bool CommandLine::TakesDetail(const std::string &path) const
 
 Style CommandLine::ChosenStyle() const
 {
-    if (json_.IsGiven())
+    const std::string form = form_.Text();
+    if (json_.IsGiven() || form == "json")
         return Style::Json;
-    return detail_.IsGiven() ? Style::Detail : Style::Table;
+    if (detail_.IsGiven())
+        return Style::Detail;
+    return form == "wide" ? Style::Wide : form == "csv" ? Style::Csv : Style::Table;
 }
 
 Color CommandLine::ChosenColor() const

@@ -38,6 +38,7 @@ struct Command {
 
     bool inBatch = true;      // may be used in a batch file
     bool takesDetail = false; // --detail changes what it prints
+    bool hasColumns = false;  // it may print a table, for which there are forms
     bool takesSecret = false; // what is typed by mistake may be a key, so no refusal repeats it
     bool limitsPolls = false; // --timeout is for each poll, not for the run
     bool mayBeLong = false;   // may fill more than a screen; a change or a watch is never held behind a pager
@@ -92,10 +93,12 @@ private:
     std::string Problem(const CLI::App &top, const CLI::App &at, const std::string &path,
                         const CLI::ParseError &error) const;
     std::string NotExpected(const std::string &word, const CLI::App &at, bool secret) const;
+    void CheckForm(const std::string &path) const;
     bool TakesDetail(const std::string &path) const;
 
     std::unique_ptr<CLI::App> root_;
     Option json_;
+    Option form_;
     Option detail_;
     Option color_;
     Option noPager_;

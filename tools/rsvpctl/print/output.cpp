@@ -396,16 +396,16 @@ void Output::BeginRows(const std::string &operation, const manager::Table &table
     table_ = &table;
     form_ = std::move(form);
     sorted_.clear();
-    if (style_ == Style::Table)
-        layout_.emplace(form_.columns, form_.shape == RowForm::Shape::Fitted ? lineWidth_ : SIZE_MAX);
+    if (HasColumns())
+        layout_.emplace(form_.columns, style_ == Style::Table && !form_.allColumns ? lineWidth_ : SIZE_MAX);
 }
 
 std::string Output::RowText(const void *record) const
 {
     if (style_ == Style::Detail)
         return form_.detail(record);
-    if (style_ == Style::Table)
-        return form_.shape == RowForm::Shape::Csv ? layout_->CsvRow(record) : layout_->Row(record);
+    if (HasColumns())
+        return style_ == Style::Csv ? layout_->CsvRow(record) : layout_->Row(record);
     std::string text;
     AppendJson(text, table_->row(), record, Names().Of(table_->row()));
     return text + "\n";
@@ -416,8 +416,8 @@ bool Output::WriteRow(const std::string &row)
 {
     if (rows_ != 0)
         text_ += IsJson() ? "," : style_ == Style::Detail ? "\n" : "";
-    else if (style_ == Style::Table && form_.hasHeaders)
-        text_ += form_.shape == RowForm::Shape::Csv ? layout_->CsvHeader() : Heading(layout_->Header());
+    else if (HasColumns() && form_.hasHeaders)
+        text_ += style_ == Style::Csv ? layout_->CsvHeader() : Heading(layout_->Header());
     text_ += row;
     ++rows_;
     return Flush();

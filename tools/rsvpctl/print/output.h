@@ -20,7 +20,13 @@ namespace rsvpctl {
 /** Version of the documents: it changes when the programs that read them must change too. */
 constexpr int kSchemaVersion = 1;
 
-enum class Style : uint8_t { Table, Detail, Json };
+enum class Style : uint8_t {
+    Table,  // the columns that fit into a line
+    Wide,   // all columns
+    Csv,    // all columns, for other programs
+    Detail, // every field of a row
+    Json,
+};
 enum class Color : uint8_t { Auto, Always, Never };
 
 /** Everything about one row. */
@@ -28,18 +34,12 @@ using DetailView = std::function<std::string(const void *row)>;
 
 /** How the rows of a table are printed. */
 struct RowForm {
-    enum class Shape : uint8_t {
-        Fitted, // the columns that fit into a line
-        Wide,   // all columns
-        Csv,    // all columns, for other programs
-    };
-
     Columns columns;
+    bool allColumns = false; // none is hidden, however long the line
     DetailView detail;
     std::optional<Column> sortBy = {}; // then the rows wait for the last one
     uint64_t limit = UINT64_MAX;
     bool hasHeaders = true;
-    Shape shape = Shape::Fitted;
 };
 
 /** What a call of the library gave. */
@@ -134,6 +134,7 @@ public:
     Exit Finish(Exit exit);
 
     Style ChosenStyle() const { return style_; }
+    bool HasColumns() const { return style_ == Style::Table || style_ == Style::Wide || style_ == Style::Csv; }
     bool IsJson() const { return style_ == Style::Json; }
 
 private:

@@ -40,7 +40,6 @@ struct RowOptions {
     Option sort;
     Option limit;
     Option noHeaders;
-    Option form;
     Option after;
     BlockOptions one; // row, by its key
     Option ingress;
@@ -78,9 +77,8 @@ const Column &ColumnNamed(const Columns &columns, std::string_view name)
 RowForm FormOf(const Output &out, const ShowSpec &show, const RowOptions &options)
 {
     RowForm form{.columns = ColumnsOf(show), .detail = DetailOf(show)};
-    const bool forTable = options.columns.IsGiven() || options.noHeaders.IsGiven() || options.form.IsGiven();
-    if (forTable && out.ChosenStyle() != Style::Table)
-        throw UsageError("--columns, --no-headers and --output are for tables, not for --json and --detail");
+    if ((options.columns.IsGiven() || options.noHeaders.IsGiven()) && !out.HasColumns())
+        throw UsageError("--columns and --no-headers are for tables, not for JSON and --detail");
     if (options.sort.IsGiven())
         form.sortBy = ColumnNamed(form.columns, options.sort.Text());
     if (options.columns.IsGiven()) {
@@ -89,17 +87,13 @@ RowForm FormOf(const Output &out, const ShowSpec &show, const RowOptions &option
         for (const std::string_view name : manager::Split(names, ','))
             chosen.all.push_back(ColumnNamed(form.columns, name));
         form.columns = std::move(chosen);
-        form.shape = RowForm::Shape::Wide; // what was asked for is not hidden
+        form.allColumns = true; // what was asked for is not hidden
     }
     if (options.limit.IsGiven())
         form.limit = options.limit.Number();
     if (form.limit == 0)
         throw UsageError("--limit takes a number from 1 on, not 0");
     form.hasHeaders = !options.noHeaders.IsGiven();
-    if (options.form.Text() == "csv")
-        form.shape = RowForm::Shape::Csv;
-    else if (options.form.Text() == "wide")
-        form.shape = RowForm::Shape::Wide;
     return form;
 }
 
@@ -139,6 +133,8 @@ Exit ShowRows(Output &out, const std::string &operation, const ShowSpec &show, c
 
 Exit ShowRow(Output &out, const std::string &operation, const ShowSpec &show, const BlockOptions &options)
 {
+    if (out.ChosenStyle() == Style::Wide || out.ChosenStyle() == Style::Csv)
+        throw UsageError("--output wide and csv are for the rows of a table, not for one row by its key");
     return WithBlock(out, operation, show, options,
                      [&](void *row) { return out.Record(operation, show.table->row(), row, DetailOf(show)); });
 }
@@ -152,15 +148,13 @@ RowOptions AddRowOptions(const Node &node, const ShowSpec &show)
         node.AddText("--sort", "NAME", nullptr, "Rows in the order of a column; they wait for the last one");
     options.limit = node.AddNumber("--limit", UINT32_MAX, "At most so many rows");
     options.noHeaders = node.AddFlag("--no-headers", "Rows without a heading");
-    options.form = node.AddChoice("-o,--output", "FORM", {"table", "wide", "csv"},
-                                  "The columns that fit into a line, all columns, or all with commas between them");
     options.after = node.AddKey("--after", key, "Begin after the row with this key");
     if (show.ingressTable != nullptr)
         options.ingress = node.AddFlag("--ingress", "Only tunnels that begin here; not with a key");
     if (show.HasRecord()) {
         options.one = AddBlockOptions(node, show);
         for (const Option &ofRows :
-             {options.columns, options.sort, options.limit, options.noHeaders, options.form, options.after}) {
+             {options.columns, options.sort, options.limit, options.noHeaders, options.after}) {
             options.one.key.words.Excludes(ofRows);
             options.one.key.file.Excludes(ofRows);
         }
@@ -202,6 +196,7 @@ void AddShow(CommandLine &line, Node parent, const std::string &word, const Show
         command.run = [&command](Output &out) { return ShowCounters(out, command.name); };
     } else if (show.HasRows()) {
         const RowOptions options = AddRowOptions(command.node, show);
+        command.hasColumns = true;
         command.run = [&command, &show, options](Output &out) {
             return options.one.IsGiven() ? ShowRow(out, command.name, show, options.one)
                                          : ShowRows(out, command.name, show, options);

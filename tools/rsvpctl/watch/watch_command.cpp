@@ -285,6 +285,7 @@ void AddWatchCommands(CommandLine &line)
         command->inBatch = false;
         command->mayBeLong = false;
         command->takesDetail = false;
+        command->hasColumns = false;
         command->limitsPolls = true;
         command->run = [&line, command, read = command->run, options](Output &out) {
             return Watch(out, *command, {read, line.ChosenTimeout()}, options);
