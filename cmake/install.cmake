@@ -82,7 +82,7 @@ if(RSVP_MOR_PLATFORM STREQUAL "host")
   # Wireshark looks for plugins in Lua beside those that are compiled, and there not below the folder of its version.
   install(FILES ${RSVP_MOR_DISSECTOR} DESTINATION ${CMAKE_INSTALL_LIBDIR}/wireshark/plugins COMPONENT tools)
   install(FILES docs/dictionary.md DESTINATION ${RSVP_MOR_SHARE_DIR}/docs COMPONENT tools)
-  install(FILES tools/rsvpctl/rsvpctl.schema.json DESTINATION ${RSVP_MOR_SHARE_DIR} COMPONENT tools)
+  install(DIRECTORY schema DESTINATION ${RSVP_MOR_SHARE_DIR} COMPONENT tools)
   install(FILES docs/man/rsvpctl.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
   install(FILES docs/man/rsvpsimd-scenario.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5 COMPONENT tools)
   install(FILES docs/man/rsvpsimd.8 DESTINATION ${CMAKE_INSTALL_MANDIR}/man8 COMPONENT tools)

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <filesystem>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <fstream>
@@ -23,6 +24,38 @@ namespace {
 
 using manager::Describe, manager::Dictionary, manager::Field, manager::FieldKind, manager::Meaning,
     manager::RecordDescription, manager::RecordMeanings;
+
+// ---- Units ----
+
+// What a public header says to people in words, the description of the record says to programs.
+TEST(Records, HaveTheUnitsOfTheirHeaders)
+{
+    const std::map<std::string, std::string> units{
+        {"in words", "words"}, {"bytes", "B"}, {"bytes a second", "B/s"}, {"microseconds", "us"}};
+    std::set<std::string> told;
+    const std::regex record("typedef struct (\\w+) \\{");
+    const std::regex member(" (\\w+)(\\[\\d+\\])?; +/\\*\\*<.*, (in words|bytes|bytes a second|microseconds) \\*/");
+    for (const auto &header : std::filesystem::directory_iterator(HEADERS_PATH)) {
+        std::ifstream file(header.path());
+        std::string name;
+        for (std::string line; std::getline(file, line);) {
+            std::smatch found;
+            if (std::regex_search(line, found, record))
+                name = found[1];
+            if (std::regex_search(line, found, member))
+                told.insert(fmt::format("{}.{} {}", name, found[1].str(), units.at(found[3])));
+        }
+    }
+    std::set<std::string> described;
+    for (const RecordDescription *description : manager::AllRecords()) {
+        for (const Field &field : description->fields) {
+            if (field.unit != nullptr)
+                described.insert(fmt::format("{}.{} {}", description->name, field.name, field.unit));
+        }
+    }
+    EXPECT_GE(told.size(), 20U);
+    EXPECT_EQ(described, told);
+}
 
 // ---- What is refused ----
 

@@ -50,21 +50,24 @@ expect_end() {
   expect "$1" "${2:-0}" $status
 }
 
-# A file holds nothing but documents of the schema, and together they fulfil a condition in Python.
+# A file holds nothing but documents of the schema that is kept and of today's, and together they fulfil a condition in
+# Python.
+"$rsvpctl" schema >"$work/today.json"
 expect_documents() {
-  python3 - "$schema" "$1" "$2" <<'PYTHON'
+  python3 - "$1" "$2" "$schema" "$work/today.json" <<'PYTHON'
 import json, sys, jsonschema
-schema = json.load(open(sys.argv[1]))
-validator = jsonschema.validators.validator_for(schema)(schema)
 documents = []
-text = open(sys.argv[2]).read()
+text = open(sys.argv[1]).read()
 while text:
     document, end = json.JSONDecoder().raw_decode(text)
     documents.append(document)
     text = text[end:].lstrip()
-for document in documents:
-    validator.validate(document)
-assert eval(sys.argv[3]), (sys.argv[3], documents)
+for name in sys.argv[3:]:
+    schema = json.load(open(name))
+    validator = jsonschema.validators.validator_for(schema)(schema)
+    for document in documents:
+        validator.validate(document)
+assert eval(sys.argv[2]), (sys.argv[2], documents)
 PYTHON
 }
 

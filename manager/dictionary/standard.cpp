@@ -17,14 +17,10 @@ constexpr const char *kSessionFlags[] = {"local protection", "label recording", 
                                          "node protection"};
 
 // The general parameters, and the error terms of the guaranteed service.
-struct KnownParameter {
-    uint8_t number;
-    AdspecParameter parameter;
-};
-constexpr KnownParameter kParameters[] = {
-    {4, {"hopCount", "count", false}}, {6, {"pathBandwidth", "B/s", true}}, {8, {"minPathLatency", "us", false}},
-    {10, {"composedMtu", "B", false}}, {133, {"Ctot", "B", false}},         {134, {"Dtot", "us", false}},
-    {135, {"Csum", "B", false}},       {136, {"Dsum", "us", false}},
+constexpr AdspecParameter kParameters[] = {
+    {4, "hopCount", "count", false}, {6, "pathBandwidth", "B/s", true}, {8, "minPathLatency", "us", false},
+    {10, "composedMtu", "B", false}, {133, "Ctot", "B", false},         {134, "Dtot", "us", false},
+    {135, "Csum", "B", false},       {136, "Dsum", "us", false},
 };
 
 template <typename Record> const Record &As(const void *record)
@@ -134,11 +130,16 @@ std::string ProtocolText(uint16_t l3pid)
     return l3pid == 0x0800 ? "IPv4" : fmt::format("{:#06x}", l3pid);
 }
 
+std::span<const AdspecParameter> KnownParameters()
+{
+    return kParameters;
+}
+
 std::optional<AdspecParameter> ParameterOf(const RSVP_MOR_AdspecParam &parameter)
 {
-    for (const KnownParameter &known : kParameters) {
+    for (const AdspecParameter &known : kParameters) {
         if (known.number == parameter.paramHeader[0])
-            return known.parameter;
+            return known;
     }
     return std::nullopt;
 }

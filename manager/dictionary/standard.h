@@ -31,12 +31,16 @@ constexpr uint32_t DlciOf(uint32_t word)
     return word & 0x7fffff;
 }
 
-/** A parameter of an ADSPEC by its number; nothing for a number that no service defines. */
+/** The parameters of an ADSPEC that a service defines. */
 struct AdspecParameter {
+    uint8_t number;
     const char *name;
     const char *unit;
     bool isSingle; // its value is the bits of an IEEE single
 };
+std::span<const AdspecParameter> KnownParameters();
+
+/** A parameter by its number; nothing for a number that no service defines. */
 std::optional<AdspecParameter> ParameterOf(const RSVP_MOR_AdspecParam &parameter);
 
 inline constexpr uint32_t kUnknownLatency = 0xffffffff;

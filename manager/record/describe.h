@@ -65,6 +65,12 @@ constexpr Field Quiet(Field field)
     return field;
 }
 
+constexpr Field Measured(Field field, const char *unit)
+{
+    field.unit = unit;
+    return field;
+}
+
 // The macros exist for the field's name alone: it becomes the JSON key, the member's type and its offset in Row, the
 // record that the surrounding DESCRIBE is about.
 #define MEMBER(field)      decltype(Row::field)

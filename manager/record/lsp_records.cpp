@@ -22,22 +22,27 @@ DESCRIBE(RSVP_MOR_Sender, ADDRESS(senderAddress), Quiet(BYTES(reserved)), NUMBER
 
 DESCRIBE(RSVP_MOR_IfRef, BYTES(ifRefHead), NUMBER(ifRefNumber), BYTES(ifRefTail))
 
-DESCRIBE(RSVP_MOR_SenderTspec, BYTES(versionHeader), NUMBER(overallLength), BYTES(serviceHeader),
-         NUMBER(serviceLength), BYTES(tspecParamHeader), NUMBER(tspecParamLength), RATE(tokenRate), RATE(bucketSize),
-         RATE(peakRate), NUMBER(minPolicedUnit), NUMBER(maxPacketSize))
+DESCRIBE(RSVP_MOR_SenderTspec, BYTES(versionHeader), Measured(NUMBER(overallLength), "words"), BYTES(serviceHeader),
+         Measured(NUMBER(serviceLength), "words"), BYTES(tspecParamHeader),
+         Measured(NUMBER(tspecParamLength), "words"), Measured(RATE(tokenRate), "B/s"),
+         Measured(RATE(bucketSize), "B"), Measured(RATE(peakRate), "B/s"), Measured(NUMBER(minPolicedUnit), "B"),
+         Measured(NUMBER(maxPacketSize), "B"))
 
-DESCRIBE(RSVP_MOR_FlowSpec, BYTES(versionHeader), NUMBER(overallLength), BYTES(serviceHeader), NUMBER(serviceLength),
-         BYTES(tspecParamHeader), NUMBER(tspecParamLength), RATE(tokenRate), RATE(bucketSize), RATE(peakRate),
-         NUMBER(minPolicedUnit), NUMBER(maxPacketSize), BYTES(rspecParamHeader), NUMBER(rspecParamLength),
-         RATE(rspecRate), NUMBER(slackTerm))
+DESCRIBE(RSVP_MOR_FlowSpec, BYTES(versionHeader), Measured(NUMBER(overallLength), "words"), BYTES(serviceHeader),
+         Measured(NUMBER(serviceLength), "words"), BYTES(tspecParamHeader),
+         Measured(NUMBER(tspecParamLength), "words"), Measured(RATE(tokenRate), "B/s"),
+         Measured(RATE(bucketSize), "B"), Measured(RATE(peakRate), "B/s"), Measured(NUMBER(minPolicedUnit), "B"),
+         Measured(NUMBER(maxPacketSize), "B"), BYTES(rspecParamHeader), Measured(NUMBER(rspecParamLength), "words"),
+         Measured(RATE(rspecRate), "B/s"), Measured(NUMBER(slackTerm), "us"))
 
-DESCRIBE(RSVP_MOR_AdspecParam, BYTES(paramHeader), NUMBER(paramLength), NUMBER(paramValue))
+DESCRIBE(RSVP_MOR_AdspecParam, BYTES(paramHeader), Measured(NUMBER(paramLength), "words"), NUMBER(paramValue))
 
-DESCRIBE(RSVP_MOR_Adspec, BYTES(msgHeader), NUMBER(msgLength), BYTES(generalHeader), NUMBER(generalLength),
-         RECORD(hopCount), RECORD(pathBandwidth), RECORD(minPathLatency), RECORD(composedMtu), NUMBER(guaranteedLead),
-         BYTES(guaranteedLeadTail), BYTES(guaranteedHeader), NUMBER(guaranteedLength), RECORD(guaranteedParams),
-         NUMBER(guaranteedWord), RECORD(guaranteedOverrides), NUMBER(loadLead), BYTES(loadLeadTail),
-         BYTES(loadHeader), NUMBER(loadLength), NUMBER(loadWord), RECORD(loadOverrides))
+DESCRIBE(RSVP_MOR_Adspec, BYTES(msgHeader), Measured(NUMBER(msgLength), "words"), BYTES(generalHeader),
+         Measured(NUMBER(generalLength), "words"), RECORD(hopCount), RECORD(pathBandwidth), RECORD(minPathLatency),
+         RECORD(composedMtu), NUMBER(guaranteedLead), BYTES(guaranteedLeadTail), BYTES(guaranteedHeader),
+         Measured(NUMBER(guaranteedLength), "words"), RECORD(guaranteedParams), NUMBER(guaranteedWord),
+         RECORD(guaranteedOverrides), NUMBER(loadLead), BYTES(loadLeadTail), BYTES(loadHeader),
+         Measured(NUMBER(loadLength), "words"), NUMBER(loadWord), RECORD(loadOverrides))
 
 DESCRIBE(RSVP_MOR_LabelRequest, NUMBER(kind), Quiet(BYTES(reserved0)), Quiet(NUMBER(reserved)), NUMBER(l3pid),
          IfTag(NUMBER(minVpi), offsetof(Row, kind), RSVP_MOR_LABEL_REQUEST_ATM),

@@ -48,7 +48,8 @@ struct Field {
     const RecordDescription *record; // what a Record, List or Chain consists of, else null
     uint32_t countOffset;            // of a List: where its count lies
     Condition condition;
-    bool isQuiet = false; // shown only if it is not 0, and not asked for in a key
+    bool isQuiet = false;       // shown only if it is not 0, and not asked for in a key
+    const char *unit = nullptr; // of its number, where a standard settles it: "B/s"; "words" are of 32 bits
 };
 
 struct RecordDescription {

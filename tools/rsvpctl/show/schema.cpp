@@ -1,13 +1,17 @@
 // Documents come in a few forms, which differ in their members; the operation of a document says which record or rows
-// it holds. Objects are closed: a member that is not in the schema is a fault of the tool.
+// it holds. Objects are closed: a member that is not in the schema is a fault of the tool. Programs of others are
+// better served by the open form, which documents with more keys than today's satisfy too; schema/1.json is one.
 #include "tools/rsvpctl/show/schema.h"
 
+#include "manager/dictionary/standard.h"
 #include "manager/record/text.h"
 #include "tools/rsvpctl/command/command_line.h"
+#include "tools/rsvpctl/print/names.h"
 #include "tools/rsvpctl/show/commands.h"
 #include "tools/rsvpctl/show/shows.h"
 
 #include <algorithm>
+#include <fmt/format.h>
 #include <map>
 #include <nlohmann/json.hpp>
 
@@ -15,7 +19,10 @@ namespace rsvpctl {
 namespace {
 
 using manager::Condition, manager::Describe, manager::Field, manager::FieldKind, manager::Json,
-    manager::RecordDescription;
+    manager::RecordDescription, manager::RecordMeanings;
+
+// Says in what a number is counted. Validators pass over keywords that they do not know.
+constexpr const char *kUnit = "unit";
 
 Json Reference(const std::string &name)
 {
@@ -89,16 +96,58 @@ Json ElementSchema(const Field &field)
     }
 }
 
+bool IsArray(const Field &field)
+{
+    return field.count != 0 || field.kind == FieldKind::List || field.kind == FieldKind::Chain;
+}
+
 Json FieldSchema(const Field &field)
 {
-    if (field.kind == FieldKind::List || field.kind == FieldKind::Chain)
-        return ArrayOf(Reference(field.record->name));
-    if (field.count == 0)
-        return ElementSchema(field);
-    Json array = ArrayOf(ElementSchema(field));
-    array["minItems"] = field.count;
-    array["maxItems"] = field.count;
+    Json schema = ElementSchema(field);
+    if (field.unit != nullptr)
+        schema[kUnit] = field.unit;
+    if (!IsArray(field))
+        return schema;
+    Json array = ArrayOf(std::move(schema));
+    if (field.count != 0) {
+        array["minItems"] = field.count;
+        array["maxItems"] = field.count;
+    }
     return array;
+}
+
+Json Properties(Json members)
+{
+    return {{"properties", std::move(members)}};
+}
+
+/** The units that the dictionary gives to the names of a record and of the records inside it; null for none. */
+Json UnitsOf(const RecordDescription &description, const RecordMeanings &meanings)
+{
+    Json members;
+    Json named;
+    for (const manager::Meaning &meaning : meanings.own) {
+        if (!meaning.unit.empty())
+            named[meaning.name] = {{kUnit, meaning.unit}};
+    }
+    if (!named.is_null())
+        members["named"] = Properties(std::move(named));
+    for (const Field &field : description.fields) {
+        Json inside = field.record == nullptr ? Json() : UnitsOf(*field.record, meanings.Inside(field.name));
+        if (!inside.is_null())
+            members[field.name] = IsArray(field) ? Json{{"items", std::move(inside)}} : std::move(inside);
+    }
+    return members.is_null() ? Json() : Properties(std::move(members));
+}
+
+/** In what the value of an ADSPEC's parameter is counted, which depends on the parameter. */
+Json UnitsOfParameters()
+{
+    Json units = Json::array();
+    for (const manager::AdspecParameter &known : manager::KnownParameters())
+        units.push_back({{"if", Properties({{"named", Properties({{"parameter", {{"const", known.name}}}})}})},
+                         {"then", Properties({{"named", Properties({{"value", {{kUnit, known.unit}}}})}})}});
+    return units;
 }
 
 // A field may be described twice, once for records with a certain tag and once for all others; then it is always
@@ -124,7 +173,13 @@ Json RecordSchema(const RecordDescription &description)
             optional.push_back(name);
     }
     members["named"] = Reference("named");
-    return Object(members, optional);
+    Json schema = Object(members, optional);
+    Json units = &description == &Describe<RSVP_MOR_AdspecParam>() ? UnitsOfParameters() : Json::array();
+    if (Json ofNames = UnitsOf(description, Names().Of(description)); !ofNames.is_null())
+        units.push_back(std::move(ofNames));
+    if (!units.empty())
+        schema["allOf"] = std::move(units);
+    return schema;
 }
 
 Json StatusMembers()
@@ -145,7 +200,7 @@ const std::map<std::string, Json> &MembersOfAnswers()
         {"requests", ArrayOf(Reference("request"))},
         {"function", Text()},
         {"stage", OneOfTexts({"local", "open", "send", "receive", "reply", "refused", "verify"})},
-        {"seconds", {{"type", "number"}, {"minimum", 0}}},
+        {"seconds", {{"type", "number"}, {"minimum", 0}, {kUnit, "s"}}},
         {"whatHappened", Text()},
         {"likelyCause", Text()},
         {"whatToDo", Text()},
@@ -267,7 +322,7 @@ void AddOwnRecords(Json &definitions)
 {
     definitions["address"] = {{"type", "string"}, {"format", "ipv4"}};
     definitions["rate"] = {{"anyOf", {{{"type", "number"}}, OneOfTexts({"nan", "inf", "-inf"})}}};
-    // What a value is called and what form it has is the dictionary's; 'rsvpctl dictionary --json' tells them.
+    // What a value is called and what form it has is the dictionary's, of which a document is good under any.
     definitions["named"] = {{"type", "object"},
                             {"additionalProperties",
                              {{"type", {"number", "string", "boolean", "array"}}, {"items", {{"type", "string"}}}}}};
@@ -316,9 +371,26 @@ void AddOwnRecords(Json &definitions)
     definitions["tree"] = Object({{"title", Text()}, {"leafCount", Integer(UINT32_MAX)}, {"root", Reference("hop")}});
 }
 
+/** Lets every object have more members than those that are told. */
+void Open(Json &schema)
+{
+    if (schema.is_object() && schema.value("additionalProperties", Json()) == Json(false))
+        schema.erase("additionalProperties");
+    if (schema.is_object())
+        schema.erase("propertyNames");
+    if (const auto members = schema.is_object() ? schema.find("properties") : schema.end(); members != schema.end()) {
+        for (auto member = members->begin(); member != members->end();)
+            member = member.value() == Json(false) ? members->erase(member) : std::next(member);
+    }
+    if (schema.is_structured()) {
+        for (Json &inside : schema)
+            Open(inside);
+    }
+}
+
 } // namespace
 
-Json JsonSchema()
+Json JsonSchema(bool isOpen)
 {
     Json definitions = Json::object();
     definitions["answer"] = Answer();
@@ -326,19 +398,26 @@ Json JsonSchema()
     AddOwnRecords(definitions);
     for (const RecordDescription *record : manager::AllRecords())
         definitions[record->name] = RecordSchema(*record);
-    return {{"$schema", "https://json-schema.org/draft/2020-12/schema"},
-            {"title", "Documents of rsvpctl --json"},
-            {"anyOf", {{{"allOf", {Reference("answer"), {{"required", {"schemaVersion"}}}}}}, Reference("event")}},
-            {"$defs", std::move(definitions)}};
+    Json schema{
+        {"$schema", "https://json-schema.org/draft/2020-12/schema"},
+        {"title", fmt::format("Documents of rsvpctl --json, version {}", kSchemaVersion)},
+        {"anyOf", {{{"allOf", {Reference("answer"), {{"required", {"schemaVersion"}}}}}}, Reference("event")}},
+        {"$defs", std::move(definitions)}};
+    if (isOpen)
+        Open(schema);
+    return schema;
 }
 
 void AddSchemaCommand(CommandLine &line)
 {
     Command &command = line.Add(line.Root(), "schema", "Print the JSON Schema of what --json prints",
-                                "  rsvpctl schema > rsvpctl.schema.json");
+                                "  rsvpctl schema > today.json\n"
+                                "  rsvpctl schema --open --dictionary none > frozen.json");
     command.inBatch = false;
     command.mayBeLong = true;
-    command.run = [](Output &out) { return out.Help(JsonSchema().dump(2) + "\n"); };
+    const Option open =
+        command.node.AddFlag("--open", "Let objects have more keys than today's, as those of later versions do");
+    command.run = [open](Output &out) { return out.Help(JsonSchema(open.IsGiven()).dump(2) + "\n"); };
 }
 
 } // namespace rsvpctl
