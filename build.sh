@@ -90,7 +90,8 @@ need_host() {
 # What the tests use beside the build: the library of tests, and the programs that check documents and interface.
 need_tests() {
   need_host
-  need googletest abigail-tools tshark doxygen graphviz man-db mandoc pkg-config python3-jsonschema dpkg-dev file lintian
+  need googletest abigail-tools tshark doxygen graphviz man-db mandoc pkg-config python3-jsonschema dpkg-dev file lintian \
+    jq zsh
 }
 
 # Runs a command and shows what it printed only if it fails.

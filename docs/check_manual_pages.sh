@@ -51,27 +51,28 @@ options() {
   sed -n 's/^  \(-[a-z],\)\{0,1\}\(--[a-z-]*\).*/\2/p; s/.*; also \(--[a-z-]*\)$/\1/p'
 }
 
-# The last words of the other names of commands, which the help does not tell.
+# The other names of a command, from its help text on standard input.
 aliases() {
-  "$rsvpctl" completion bash | sed -n "s/^ *' [a-z0-9 -]* \([a-z-]*\)') node=' .*/\1/p"
+  sed -n '/^Other names: /{s///;s/, /\n/g;p;}'
 }
 
 text=$(mktemp) words=$(mktemp) kinds=$(mktemp)
-trap 'rm -f "$text" "$text.words" "$words" "$words.commands" "$kinds"' EXIT
+trap 'rm -f "$text" "$text.words" "$words" "$words.commands" "$words.aliases" "$kinds"' EXIT
 
 # Each command begins a line of the page, a setting without its verb. Its options and other names stand somewhere.
 plain rsvpctl.1
 commands "" >"$words.commands"
 [ "$(wc -l <"$words.commands")" -gt 50 ] || complain "the help of rsvpctl cannot be read"
-aliases >"$words"
-[ -s "$words" ] || complain "the other names of commands cannot be read"
-"$rsvpctl" --help | options >>"$words"
+"$rsvpctl" --help | options >"$words"
 while read -r command; do
   item=${command#set } item=${item#undo }
   grep -qE "^ +$item( |$)" "$text" || complain "rsvpctl.1 has no entry for $command"
-  "$rsvpctl" help $command | options >>"$words"
+  "$rsvpctl" help $command >"$kinds"
+  options <"$kinds" >>"$words"
+  aliases <"$kinds" >>"$words.aliases"
 done <"$words.commands"
-sort -u -o "$words" "$words"
+[ -s "$words.aliases" ] || complain "the other names of commands cannot be read"
+sort -u -o "$words" "$words" "$words.aliases"
 missing rsvpctl.1 <"$words"
 
 plain rsvpsimd.8

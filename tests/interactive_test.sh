@@ -216,16 +216,25 @@ SCENARIO
 [[ $(TERM=dumb on_terminal "$rsvpctl" show tunnels) != *$'\e'* ]] || fail "escapes where the terminal takes none"
 
 echo "-- completion"
+in_bash() {
+  # shellcheck disable=SC1090
+  . <("$rsvpctl" completion bash)
+  COMP_WORDS=("$@") COMP_CWORD=$(($# - 1))
+  _rsvpctl "$1"
+  echo "${COMPREPLY[*]}"
+}
+# The functions of zsh's own completion print what they are to offer.
+"$rsvpctl" completion zsh >"$work/_rsvpctl"
+in_zsh() {
+  # shellcheck disable=SC2016
+  zsh -f -c 'compdef() {}; _files() print files; _describe() print -r -- "${(@)${(P)2}%%:*}"
+    source "$1"; shift; words=("$@") CURRENT=$#; _rsvpctl' zsh "$work/_rsvpctl" "${@@Q}"
+}
 offers() {
   local words=$1
-  shift
-  expect "completion of $*" "$words" "$(
-    # shellcheck disable=SC1090
-    . <("$rsvpctl" completion bash)
-    COMP_WORDS=("$@") COMP_CWORD=$(($# - 1))
-    _rsvpctl
-    echo "${COMPREPLY[*]}"
-  )"
+  shift 2
+  expect "completion of $* in bash" "$words" "$(in_bash "$rsvpctl" "$@")"
+  expect "completion of $* in zsh" "$words" "$(in_zsh "$rsvpctl" "$@")"
 }
 offers "enable explain" rsvpctl e
 offers "facility general" rsvpctl --json show frr ""
@@ -234,6 +243,20 @@ offers "auto always never" rsvpctl show --color ""
 offers "--after" rsvpctl show neighbor --a
 offers "--dry-run" rsvpctl enable --dr
 offers "facility general" rsvpctl help show frr ""
+offers "egress" rsvpctl show tunnels --sort eg
+offers "index,instance index,ingress" rsvpctl watch show tunnels --columns index,in
+expect "completion of a file in bash" "$scenarios/demo.toml" "$(in_bash "$rsvpctl" batch "$scenarios/de")"
+expect "completion of a file in zsh" "files" "$(in_zsh "$rsvpctl" dictionary check "")"
+RSVP_HOST_DIR=$work/demo.device
+offers "200,1,10.0.0.5,10.0.0.4" rsvpctl show tunnel 2
+offers "300 900 100 200" rsvpctl show psb -o wide --sender 10.0.0.1 --tunnel-id ""
+offers "10.0.0.4" rsvpctl show psb --end-point 10.0.0.4
+expect "a value that bash takes for a word of its own" "never" "$(in_bash "$rsvpctl" show --color = n)"
+expect "a value that zsh does not" "--color=never" "$(in_zsh "$rsvpctl" show --color=n)"
+"$rsvpctl" completion next --json -- show psb --sort s >"$events"
+expect_documents "$events" '[word["word"] for word in documents[0]["record"]["words"]] == ["sender"]'
+RSVP_HOST_DIR=$work/silent.device
+offers "" rsvpctl show tunnels ""
 
 echo "-- the tree as a graph"
 export RSVP_HOST_DIR=$work/demo.device

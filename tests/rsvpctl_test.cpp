@@ -7,7 +7,6 @@
 #include "tests/support/program.h"
 #include "tools/rsvpctl/command/batch.h"
 #include "tools/rsvpctl/command/command_line.h"
-#include "tools/rsvpctl/command/completion.h"
 #include "tools/rsvpctl/commands.h"
 #include "tools/rsvpctl/print/statuses.h"
 #include "tools/rsvpctl/set/settings.h"
@@ -200,6 +199,21 @@ TEST(Rsvpctl, SaysWhatItDidAndWhyNot)
     }
 }
 
+// The words of every command and of every group of them.
+std::set<std::string> EveryPath()
+{
+    rsvpctl::CommandLine line;
+    AddCommands(line);
+    std::set<std::string> paths{""};
+    for (const rsvpctl::Command *command : line.CommandsBelow("")) {
+        const std::string &name = command->name;
+        for (size_t end = name.find(' '); end != std::string::npos; end = name.find(' ', end + 1))
+            paths.insert(name.substr(0, end));
+        paths.insert(name);
+    }
+    return paths;
+}
+
 // Every command there is, with nothing after it, and each of its own examples.
 std::set<std::string> EveryLine()
 {
@@ -290,14 +304,12 @@ TEST(Rsvpctl, ExamplesInTheHelpRunAsTheyStand)
     const HostDirectory directory(demo.str());
     std::filesystem::create_directory(directory.PathOf("etc"));
     directory.Write("etc/te.conf", "plugin-option refresh=30 dscp=48\n");
-    rsvpctl::CommandLine line;
-    AddCommands(line);
     // A watch has no end of its own.
     const std::string head = "set -euo pipefail\nrsvpctl() {\n[ \"$1\" != watch ] || set -- \"$@\" --count 1\n"
                              "command " TEST_RUNNER " " RSVPCTL_PATH " \"$@\"\n}\nrsvpctl enable\n";
-    for (const rsvpctl::CompletionNode &node : CompletionNodes(line)) {
-        const std::string examples = ExamplesOf(CtlJson(directory, "help " + node.path)["record"].value("help", ""));
-        EXPECT_NE(examples, "") << node.path;
+    for (const std::string &path : EveryPath()) {
+        const std::string examples = ExamplesOf(CtlJson(directory, "help " + path)["record"].value("help", ""));
+        EXPECT_NE(examples, "") << path;
         directory.Write("examples", head + examples);
         EXPECT_EQ(system(fmt::format("cd {} && bash examples >said 2>&1", directory.PathOf("")).c_str()), 0)
             << examples << directory.Read("said");
@@ -310,15 +322,19 @@ TEST(Rsvpctl, OtherNamesAreTheSameCommand)
     ASSERT_EQ(Ctl(directory, "enable").exit, 0);
     std::string lines;
     std::vector<std::string> names;
-    rsvpctl::CommandLine line;
-    AddCommands(line);
-    for (const rsvpctl::CompletionNode &node : CompletionNodes(line)) {
-        for (const std::string &alias : node.aliases) {
-            if (alias.starts_with("watch") || alias.starts_with("show p2mp"))
-                continue;
-            EXPECT_EQ(CtlJson(directory, alias)["operation"], node.path);
-            lines += alias + "\n";
-            names.push_back(node.path);
+    constexpr std::string_view kOthers = "Other names: ";
+    for (const std::string &path : EveryPath()) {
+        const std::string help = Ctl(directory, "help " + path).out;
+        const size_t at = help.find(kOthers);
+        if (at == std::string::npos || path.starts_with("watch") || path.starts_with("show p2mp"))
+            continue;
+        const std::string others = help.substr(at + kOthers.size(), help.find('\n', at) - at - kOthers.size());
+        for (std::string_view other : manager::Split(others, ',')) {
+            other.remove_prefix(other.starts_with(' ') ? 1 : 0);
+            const std::string line = path.substr(0, path.rfind(' ') + 1) + std::string(other);
+            EXPECT_EQ(CtlJson(directory, line)["operation"], path);
+            lines += line + "\n";
+            names.push_back(path);
         }
     }
     EXPECT_GE(names.size(), 6U);

@@ -37,12 +37,6 @@ constexpr std::chrono::milliseconds kLeastTimeout(1);
                      fmt::format("see 'rsvpctl{}{} --help'", name.empty() ? "" : " ", name));
 }
 
-CLI::App *Below(CLI::App &app, const std::string &word)
-{
-    const auto below = app.get_subcommands([&](const CLI::App *one) { return one->check_name(word); });
-    return below.empty() ? nullptr : below.front();
-}
-
 std::vector<Spelling> WordsBelow(const CLI::App &app)
 {
     std::vector<Spelling> words;
@@ -63,6 +57,12 @@ CLI::App *Deepest(CLI::App &app)
 }
 
 } // namespace
+
+CLI::App *Below(CLI::App &app, const std::string &word)
+{
+    const auto below = app.get_subcommands([&](const CLI::App *one) { return one->check_name(word); });
+    return below.empty() ? nullptr : below.front();
+}
 
 bool WantsJson(const std::vector<std::string> &words)
 {
@@ -307,6 +307,12 @@ std::optional<std::chrono::milliseconds> CommandLine::TakeTimeout(std::vector<st
         word = words.erase(word);
     }
     return timeout;
+}
+
+const Command *CommandLine::CommandAt(const std::string &path) const
+{
+    const auto found = commands_.find(path);
+    return found == commands_.end() ? nullptr : found->second.get();
 }
 
 std::vector<Command *> CommandLine::CommandsBelow(const std::string &path) const

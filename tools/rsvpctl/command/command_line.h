@@ -36,6 +36,10 @@ struct Command {
     std::function<Rehearsal()> rehearse;
     Option dryRun;
 
+    /** What may stand as the value of an option or argument of this name, beside what the parser lists; it may ask
+     * the daemon. Null where nothing is known. */
+    std::function<std::vector<std::string>(const std::string &option, const std::string &typed)> suggest;
+
     bool inBatch = true;      // may be used in a batch file
     bool takesDetail = false; // --detail changes what it prints
     bool hasColumns = false;  // it may print a table, for which there are forms
@@ -85,6 +89,9 @@ public:
     /** Of --timeout. */
     std::optional<std::chrono::milliseconds> ChosenTimeout() const;
 
+    /** The command of these words; null if more words are needed. */
+    const Command *CommandAt(const std::string &path) const;
+
     /** The commands whose words begin with those of `path`, all for an empty one, in the order of their names. */
     std::vector<Command *> CommandsBelow(const std::string &path) const;
 
@@ -105,6 +112,9 @@ private:
     Option timeout_;
     std::map<std::string, std::unique_ptr<Command>, std::less<>> commands_; // by name
 };
+
+/** What a word below a node leads to, a name or an alias; null for nothing. */
+CLI::App *Below(CLI::App &app, const std::string &word);
 
 /** Options before parsing: whether a JSON document is owed even if the rest cannot be parsed. */
 bool WantsJson(const std::vector<std::string> &words);

@@ -1,5 +1,4 @@
-// The tree as data and the two scripts. Both find the node in the same way: words that lead on in the tree are
-// counted, options and their values are passed over.
+// Completion by the tree of commands that parses the command line.
 #include "tools/rsvpctl/command/completion.h"
 
 #include "manager/record/text.h"
@@ -8,11 +7,53 @@
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
-#include <map>
 #include <nlohmann/json.hpp>
 
 namespace rsvpctl {
 namespace {
+
+using manager::Json;
+
+// In a list of words, what the shell is to replace by the names of files.
+constexpr const char *kFiles = ":file";
+
+constexpr const char *kBashScript = R"(# Completion of rsvpctl for bash, made by 'rsvpctl completion bash'.
+_rsvpctl()
+{
+    local word
+    COMPREPLY=()
+    while IFS=$'\t' read -r word _; do
+        if [[ $word == :file ]]; then
+            mapfile -t -O ${#COMPREPLY[@]} COMPREPLY < <(compgen -f -- "${COMP_WORDS[COMP_CWORD]}")
+        else
+            COMPREPLY+=("$word")
+        fi
+    done < <("$1" completion next -- "${COMP_WORDS[@]:1:COMP_CWORD}" 2>/dev/null)
+}
+complete -F _rsvpctl rsvpctl
+)";
+
+constexpr const char *kZshScript = R"(#compdef rsvpctl
+# Completion of rsvpctl for zsh, made by 'rsvpctl completion zsh'.
+_rsvpctl()
+{
+    local word help
+    local -a found
+    while IFS=$'\t' read -r word help; do
+        if [[ $word == :file ]]; then
+            _files
+        else
+            found+=("${word//:/\\:}:$help")
+        fi
+    done < <("${(Q)words[1]}" completion next -- "${(@Q)words[2,CURRENT]}" 2>/dev/null)
+    _describe rsvpctl found
+}
+if [[ ${funcstack[1]} == _rsvpctl ]]; then
+    _rsvpctl "$@"
+else
+    compdef _rsvpctl rsvpctl
+fi
+)";
 
 // A check for membership appends its list to the type: "WHEN:{auto,always,never}".
 std::vector<std::string> ChoicesOf(const CLI::Option &option)
@@ -25,211 +66,125 @@ std::vector<std::string> ChoicesOf(const CLI::Option &option)
     return {choices.begin(), choices.end()};
 }
 
-bool TakesFile(const CLI::Option &option)
+const CLI::Option *OptionNamed(const std::string &name, const CLI::App &at)
 {
-    return option.get_type_name() == "FILE";
-}
-
-std::vector<CompletionOption> OptionsAt(const CommandLine &line, const CLI::App &at)
-{
-    std::vector<CompletionOption> options;
     for (const CLI::App *from = &at; from != nullptr; from = from->get_parent()) {
-        for (const CLI::Option *option : from->get_options()) {
-            for (const std::string &name : line.OfferedNames(*option, *from, at))
-                options.push_back({name, option->get_description(), option->get_items_expected_min() > 0,
-                                   TakesFile(*option), ChoicesOf(*option)});
-        }
+        if (const CLI::Option *option = from->get_option_no_throw(name))
+            return option;
     }
-    return options;
+    return nullptr;
 }
 
-void AddNodes(const CommandLine &line, const CLI::App &at, std::vector<CompletionNode> &nodes)
+/** Where a command line has come to. */
+struct Place {
+    CLI::App *at;
+    const CLI::Option *option = nullptr; // whose value comes next
+    size_t arguments = 0;                // that were given
+};
+
+/** Reads the words but the last one, as the parser does. */
+Place PlaceAfter(const std::vector<std::string> &words, CLI::App &root)
 {
-    CompletionNode node{PathOf(at), {}, {}, OptionsAt(line, at), false};
-    if (at.get_parent() != nullptr) {
-        const std::string before = node.path.substr(0, node.path.size() - at.get_name().size());
-        for (const std::string &alias : at.get_aliases())
-            node.aliases.push_back(before + alias);
-    }
-    for (const CLI::Option *option : at.get_options()) {
-        if (!option->get_positional())
+    Place place{&root};
+    for (size_t i = 0; i + 1 < words.size(); ++i) {
+        const std::string &word = words[i];
+        if (word == "=") // bash takes "--color=always" for three words
             continue;
-        node.takesFile = node.takesFile || TakesFile(*option);
-        for (const std::string &choice : ChoicesOf(*option))
-            node.words.push_back({choice, option->get_description()});
-    }
-    const auto below = at.get_subcommands({});
-    for (const CLI::App *child : below)
-        node.words.push_back({child->get_name(), child->get_description()});
-    nodes.push_back(std::move(node));
-    for (const CLI::App *child : below)
-        AddNodes(line, *child, nodes);
-}
-
-// A patterns list of a shell's case: "a|b|c".
-template <typename Pick> std::string Patterns(const std::vector<CompletionNode> &nodes, Pick pick)
-{
-    std::map<std::string, bool> names;
-    for (const CompletionNode &node : nodes) {
-        for (const CompletionOption &option : node.options) {
-            if (pick(option))
-                names[option.name] = true;
+        if (word.starts_with("-")) {
+            const CLI::Option *option = OptionNamed(word, *place.at);
+            place.option = option != nullptr && option->get_items_expected_min() > 0 ? option : nullptr;
+        } else if (place.option != nullptr) {
+            place.option = place.option->get_allow_extra_args() ? place.option : nullptr;
+        } else if (CLI::App *below = Below(*place.at, word)) {
+            place.at = below;
+        } else if (place.at->get_name() == "help") { // behind it stand the words of any command
+            below = Below(root, word);
+            place.at = below == nullptr ? place.at : below;
+        } else {
+            ++place.arguments;
         }
     }
+    return place;
+}
+
+/** The words of `found` that begin with what is typed. */
+class Candidates {
+public:
+    explicit Candidates(std::string typed) : typed_(std::move(typed)) {}
+
+    void Add(const std::string &word, const std::string &help)
+    {
+        if (word.starts_with(typed_))
+            found_.words.push_back({word, help});
+    }
+
+    /** What may stand as a value, with `before` in front of it: "--color=". */
+    void AddValues(const Command *command, const CLI::Option &option, const std::string &before)
+    {
+        found_.files = found_.files || option.get_type_name() == "FILE";
+        for (const std::string &choice : ChoicesOf(option))
+            Add(before + choice, "");
+        if (command == nullptr || !command->suggest)
+            return;
+        for (const std::string &word : command->suggest(option.get_single_name(), typed_.substr(before.size())))
+            Add(before + word, "");
+    }
+
+    Completion Found() && { return std::move(found_); }
+
+private:
+    std::string typed_;
+    Completion found_;
+};
+
+Exit PrintNext(Output &out, const std::string &operation, const Completion &completion)
+{
+    Json words = Json::array();
     std::string text;
-    for (const auto &[name, taken] : names)
-        text += (text.empty() ? "" : "|") + name;
-    return text;
-}
-
-std::string NodePatterns(const std::vector<CompletionNode> &nodes)
-{
-    std::string text;
-    for (const CompletionNode &node : nodes) {
-        if (!node.path.empty())
-            text += fmt::format("{}' {}'", text.empty() ? "" : "|", node.path);
+    for (const auto &[word, help] : completion.words) {
+        words.push_back({{"word", word}, {"help", help}});
+        text += fmt::format("{}\t{}\n", word, help);
     }
-    return text;
-}
-
-// Behind another name of a node follows what follows the node. Behind "help" follow the words of any command.
-std::string OtherNames(const std::vector<CompletionNode> &nodes)
-{
-    std::string text = "                ' help') node='' ;;\n";
-    for (const CompletionNode &node : nodes) {
-        for (const std::string &alias : node.aliases)
-            text += fmt::format("                ' {}') node=' {}' ;;\n", alias, node.path);
-    }
-    return text;
-}
-
-std::map<std::string, std::vector<std::string>> ChoicesByOption(const std::vector<CompletionNode> &nodes)
-{
-    std::map<std::string, std::vector<std::string>> choices;
-    for (const CompletionNode &node : nodes) {
-        for (const CompletionOption &option : node.options) {
-            if (!option.choices.empty())
-                choices.emplace(option.name, option.choices);
-        }
-    }
-    return choices;
-}
-
-/** A word in single quotes, for either shell. */
-std::string Quoted(const std::string &text)
-{
-    return manager::Quoted(text, manager::kShellQuotes);
-}
-
-// `words` is the shell's array of the command line, `count` the number of words between the program's name and the
-// cursor. "node" becomes the words that lead to a node, each after a space.
-std::string FindNode(const std::vector<CompletionNode> &nodes, const char *words, const char *count)
-{
-    return fmt::format(R"(    local node='' word='' value=''
-    for word in "${{{words}[@]:1:$(({count}))}}"; do
-        if [[ -n $value ]]; then
-            value=''
-            continue
-        fi
-        case $word in
-            {withValue}) value=1 ;;
-            *) case "$node $word" in
-{others}                {known}) node="$node $word" ;;
-            esac ;;
-        esac
-    done
-)",
-                       fmt::arg("words", words), fmt::arg("count", count),
-                       fmt::arg("withValue", Patterns(nodes, [](const auto &option) { return option.takesValue; })),
-                       fmt::arg("others", OtherNames(nodes)), fmt::arg("known", NodePatterns(nodes)));
-}
-
-std::string FilePatterns(const std::vector<CompletionNode> &nodes)
-{
-    return Patterns(nodes, [](const CompletionOption &option) { return option.takesFile; });
-}
-
-std::string PlainValuePatterns(const std::vector<CompletionNode> &nodes)
-{
-    return Patterns(nodes, [](const CompletionOption &option) {
-        return option.takesValue && !option.takesFile && option.choices.empty();
-    });
+    if (completion.files)
+        text += fmt::format("{}\n", kFiles);
+    return out.Record(operation, {{"words", std::move(words)}, {"files", completion.files}}, text, RSVP_MOR_OK);
 }
 
 } // namespace
 
-std::vector<CompletionNode> CompletionNodes(const CommandLine &line)
+Completion Complete(const CommandLine &line, const std::vector<std::string> &words)
 {
-    std::vector<CompletionNode> nodes;
-    AddNodes(line, line.Root().App(), nodes);
-    return nodes;
-}
-
-std::string BashCompletion(const std::vector<CompletionNode> &nodes)
-{
-    std::string out =
-        "# Completion of rsvpctl for bash, made by 'rsvpctl completion bash'.\n"
-        "_rsvpctl()\n{\n"
-        "    local cur=${COMP_WORDS[COMP_CWORD]} prev=${COMP_WORDS[COMP_CWORD - 1]} words='' files=''\n";
-    out += FindNode(nodes, "COMP_WORDS", "COMP_CWORD - 1");
-    out += "    case $prev in\n";
-    for (const auto &[option, choices] : ChoicesByOption(nodes))
-        out += fmt::format("        {}) mapfile -t COMPREPLY < <(compgen -W {} -- \"$cur\"); return ;;\n", option,
-                           Quoted(manager::Joined(choices, " ")));
-    out +=
-        fmt::format("        {}) mapfile -t COMPREPLY < <(compgen -f -- \"$cur\"); return ;;\n", FilePatterns(nodes));
-    out += fmt::format("        {}) return ;;\n    esac\n    case $node in\n", PlainValuePatterns(nodes));
-    for (const CompletionNode &node : nodes) {
-        std::string words;
-        for (const CompletionWord &word : node.words)
-            words += (words.empty() ? "" : " ") + word.word;
-        std::string options;
-        for (const CompletionOption &option : node.options)
-            options += " " + option.name;
-        out += fmt::format("        {})\n            [[ $cur == -* ]] && words={} || words={}{} ;;\n",
-                           Quoted(node.path.empty() ? "" : " " + node.path), Quoted(options.substr(1)), Quoted(words),
-                           node.takesFile ? " files=1" : "");
+    std::string typed = words.empty() || words.back() == "=" ? "" : words.back();
+    const Place place = PlaceAfter(words, line.Root().App());
+    const Command *command = line.CommandAt(PathOf(*place.at));
+    Candidates candidates(typed);
+    const size_t equals = typed.find('=');
+    if (place.option != nullptr && !typed.starts_with("-")) {
+        candidates.AddValues(command, *place.option, "");
+    } else if (typed.starts_with("--") && equals != std::string::npos) {
+        if (const CLI::Option *option = OptionNamed(typed.substr(0, equals), *place.at))
+            candidates.AddValues(command, *option, typed.substr(0, equals + 1));
+    } else if (typed.starts_with("-")) {
+        for (const CLI::App *from = place.at; from != nullptr; from = from->get_parent()) {
+            for (const CLI::Option *option : from->get_options()) {
+                for (const std::string &name : line.OfferedNames(*option, *from, *place.at))
+                    candidates.Add(name, option->get_description());
+            }
+        }
+    } else {
+        for (const CLI::App *below : place.at->get_subcommands({}))
+            candidates.Add(below->get_name(), below->get_description());
+        if (place.at->get_name() == "help") {
+            for (const CLI::App *below : line.Root().App().get_subcommands({}))
+                candidates.Add(below->get_name(), below->get_description());
+        }
+        size_t argument = 0;
+        for (const CLI::Option *option : place.at->get_options()) {
+            if (option->get_positional() && argument++ == place.arguments)
+                candidates.AddValues(command, *option, "");
+        }
     }
-    return out + "    esac\n"
-                 "    mapfile -t COMPREPLY < <(compgen -W \"$words\" -- \"$cur\"; [[ $files ]] && compgen -f -- "
-                 "\"$cur\")\n"
-                 "}\n"
-                 "complete -F _rsvpctl rsvpctl\n";
-}
-
-std::string ZshCompletion(const std::vector<CompletionNode> &nodes)
-{
-    std::string out = "#compdef rsvpctl\n# Completion of rsvpctl for zsh, made by 'rsvpctl completion zsh'.\n"
-                      "_rsvpctl()\n{\n"
-                      "    local cur=${words[CURRENT]} prev=${words[CURRENT - 1]}\n"
-                      "    local -a nouns flags\n";
-    out += FindNode(nodes, "words", "CURRENT - 2");
-    out += "    case $prev in\n";
-    for (const auto &[option, choices] : ChoicesByOption(nodes))
-        out += fmt::format("        {}) compadd -- {}; return ;;\n", option, manager::Joined(choices, " "));
-    out += fmt::format("        {}) _files; return ;;\n        {}) return ;;\n    esac\n    case $node in\n",
-                       FilePatterns(nodes), PlainValuePatterns(nodes));
-    for (const CompletionNode &node : nodes) {
-        out += fmt::format("        {})\n            nouns=(", Quoted(node.path.empty() ? "" : " " + node.path));
-        for (const CompletionWord &word : node.words)
-            out += "\n                " + Quoted(word.word + ":" + word.help);
-        out += ")\n            flags=(";
-        for (const CompletionOption &option : node.options)
-            out += "\n                " + Quoted(option.name + ":" + option.help);
-        out += fmt::format(")\n{}            ;;\n", node.takesFile ? "            _files\n" : "");
-    }
-    return out + "    esac\n"
-                 "    if [[ $cur == -* ]]; then\n"
-                 "        _describe -o option flags\n"
-                 "    else\n"
-                 "        _describe command nouns\n"
-                 "    fi\n"
-                 "}\n"
-                 "if [[ ${funcstack[1]} == _rsvpctl ]]; then\n"
-                 "    _rsvpctl \"$@\"\n"
-                 "else\n"
-                 "    compdef _rsvpctl rsvpctl\n"
-                 "fi\n";
+    return std::move(candidates).Found();
 }
 
 void AddCompletionCommands(CommandLine &line)
@@ -237,16 +192,22 @@ void AddCompletionCommands(CommandLine &line)
     const Node group = line.AddGroup(line.Root(), "completion", "Print a script that completes command lines",
                                      "  source <(rsvpctl completion bash)\n"
                                      "  rsvpctl completion zsh > _rsvpctl       # for a folder of zsh's fpath");
-    const auto add = [&](const std::string &shell, std::string (*script)(const std::vector<CompletionNode> &)) {
+    const auto add = [&](const std::string &shell, const char *script) {
         Command &command = line.Add(group, shell, "For " + shell, "  rsvpctl completion " + shell);
         command.inBatch = false;
-        command.run = [&command, &line, shell, script](Output &out) {
-            const std::string text = script(CompletionNodes(line));
-            return out.Record(command.name, {{"shell", shell}, {"script", text}}, text, RSVP_MOR_OK);
+        command.run = [&command, shell, script](Output &out) {
+            return out.Record(command.name, {{"shell", shell}, {"script", script}}, script, RSVP_MOR_OK);
         };
     };
-    add("bash", BashCompletion);
-    add("zsh", ZshCompletion);
+    add("bash", kBashScript);
+    add("zsh", kZshScript);
+    Command &next = line.Add(group, "next", "What may come next, a word a line, for these scripts",
+                             "  rsvpctl completion next -- show tunnels --sort ''");
+    next.inBatch = false;
+    const Option words = next.node.AddWords("word", "WORD", "The words of a command line; the last one may be empty");
+    next.run = [&next, &line, words](Output &out) {
+        return PrintNext(out, next.name, Complete(line, words.Words()));
+    };
 }
 
 } // namespace rsvpctl

@@ -1,4 +1,5 @@
-// Shell completion, made from the tree of commands that parses the command line, so that it can offer nothing else.
+// Shell completion. The scripts for the shells only ask the program what may come next, so that they can offer
+// nothing else than it takes, under the dictionary and on the device that are at hand.
 #ifndef TOOLS_RSVPCTL_COMMAND_COMPLETION_H
 #define TOOLS_RSVPCTL_COMMAND_COMPLETION_H
 
@@ -10,32 +11,17 @@ namespace rsvpctl {
 class CommandLine;
 
 struct CompletionWord {
-    std::string word;
+    std::string word; // in place of the one that is typed
     std::string help;
 };
 
-struct CompletionOption {
-    std::string name; // with its dashes
-    std::string help;
-    bool takesValue;
-    bool takesFile;
-    std::vector<std::string> choices; // of its value
-};
-
-/** What can follow the words of `path`. */
-struct CompletionNode {
-    std::string path;                 // "show psb"; empty for the program itself
-    std::vector<std::string> aliases; // other paths to it: "show neighbor"
+struct Completion {
     std::vector<CompletionWord> words;
-    std::vector<CompletionOption> options; // those of the words before included, if they do something here
-    bool takesFile;
+    bool files = false; // names of files may stand there too
 };
 
-/** All nodes of the tree, the program itself first. */
-std::vector<CompletionNode> CompletionNodes(const CommandLine &line);
-
-std::string BashCompletion(const std::vector<CompletionNode> &nodes);
-std::string ZshCompletion(const std::vector<CompletionNode> &nodes);
+/** What may come next. `words` are those behind the program's name; the last one is being typed and may be empty. */
+Completion Complete(const CommandLine &line, const std::vector<std::string> &words);
 
 } // namespace rsvpctl
 

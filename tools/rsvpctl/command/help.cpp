@@ -2,6 +2,7 @@
 // so that help as well comes as a document of JSON.
 #include "tools/rsvpctl/command/help.h"
 
+#include "manager/record/text.h"
 #include "tools/rsvpctl/command/command_line.h"
 #include "tools/rsvpctl/command/commands.h"
 
@@ -18,8 +19,8 @@ public:
 
     std::string make_help(const CLI::App *app, std::string name, CLI::AppFormatMode mode) const override
     {
-        return make_description(app) + make_usage(app, std::move(name)) + make_positionals(app) + Options(*app) +
-               make_subcommands(app, mode) + "\n" + make_footer(app);
+        return make_description(app) + OtherNames(*app) + make_usage(app, std::move(name)) + make_positionals(app) +
+               Options(*app) + make_subcommands(app, mode) + "\n" + make_footer(app);
     }
 
     std::string make_option_desc(const CLI::Option *option) const override
@@ -42,6 +43,12 @@ public:
     }
 
 private:
+    static std::string OtherNames(const CLI::App &app)
+    {
+        const std::string names = manager::Joined(app.get_aliases(), ", ");
+        return names.empty() ? "" : "Other names: " + names + "\n";
+    }
+
     // An argument that is an option too is listed with the arguments.
     std::string Options(const CLI::App &app) const
     {

@@ -79,7 +79,7 @@ public:
 
     std::string Path() const { return PathOf(*app_); }
 
-    /** Another name of this word, which only the manual tells. */
+    /** Another name of this word, which its help and the manual tell. */
     void AddAlias(const std::string &name) const;
 
     Option AddFlag(const std::string &names, const std::string &help) const;

@@ -263,6 +263,7 @@ Json Rules()
         rules.push_back(Rule(name, Reference(name), false));
     for (const char *shell : {"bash", "zsh"})
         rules.push_back(Rule("completion " + std::string(shell), Reference("completion"), false));
+    rules.push_back(Rule("completion next", Reference("nextWords"), false));
     for (const char *name : {"help", "version"})
         rules.push_back(Rule(name, Reference(name), false));
     rules.push_back(Rule("dictionary", Reference("dictionaryFile"), Reference("dictionaryRow")));
@@ -361,6 +362,8 @@ void AddOwnRecords(Json &definitions)
                                         {"whatToDo", Text()},
                                         {"fromSimulatedDaemon", NullOr(Text())}});
     definitions["completion"] = Object({{"shell", OneOfTexts({"bash", "zsh"})}, {"script", Text()}});
+    definitions["nextWords"] =
+        Object({{"words", ArrayOf(Object({{"word", Text()}, {"help", Text()}}))}, {"files", {{"type", "boolean"}}}});
     definitions["help"] = Object({{"command", Text()}, {"help", Text()}});
     definitions["version"] = Object({{"version", Text()}});
     definitions["options"] = {{"type", "object"}, {"additionalProperties", NullOr(Integer(UINT32_MAX))}};

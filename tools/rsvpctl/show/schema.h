@@ -6,8 +6,8 @@
 
 namespace rsvpctl {
 
-/** Made from the descriptions of the records and the list of the shows, with the units that the dictionary of this run
- * gives. An open one lets every object have more members than those of today. */
+/** Made from the descriptions of the records and the list of the shows, with the units that the dictionary of this
+ * run gives. An open one lets every object have more members than those of today. */
 manager::Json JsonSchema(bool isOpen);
 
 } // namespace rsvpctl

@@ -14,6 +14,7 @@
 #include "tools/rsvpctl/show/commands.h"
 #include "tools/rsvpctl/show/counters.h"
 #include "tools/rsvpctl/show/shows.h"
+#include "tools/rsvpctl/show/suggestions.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -192,6 +193,7 @@ void AddShow(CommandLine &line, Node parent, const std::string &word, const Show
         command.node.AddAlias(alias);
     command.mayBeLong = true;
     command.takesDetail = true;
+    command.suggest = [&show](const auto &option, const auto &typed) { return Suggest(show, option, typed); };
     if (show.table == nullptr) {
         command.run = [&command](Output &out) { return ShowCounters(out, command.name); };
     } else if (show.HasRows()) {

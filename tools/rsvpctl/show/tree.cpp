@@ -4,6 +4,7 @@
 #include "tools/rsvpctl/print/names.h"
 #include "tools/rsvpctl/show/blocks.h"
 #include "tools/rsvpctl/show/commands.h"
+#include "tools/rsvpctl/show/suggestions.h"
 #include "tools/rsvpctl/view/hop_tree.h"
 
 #include <clocale>
@@ -52,6 +53,7 @@ void AddTreeCommand(CommandLine &line)
         line.Add(line.Root(), "tree", "A point-to-multipoint LSP as a tree of hops with its leaves",
                  BlockExamples("tree", show) + "\n  rsvpctl tree --key-file key.json --dot | dot -Tsvg > lsp.svg");
     command.mayBeLong = true;
+    command.suggest = [&show](const auto &option, const auto &typed) { return Suggest(show, option, typed); };
     const BlockOptions options = AddBlockOptions(command.node, show);
     const Option leaf = command.node.AddAddress("--leaf", "Only the way to this leaf");
     const Option dot = command.node.AddFlag("--dot", "A graph in the language of dot");
