@@ -240,7 +240,7 @@ void Memory(State &state)
     getrusage(RUSAGE_SELF, &own);
     if (resident[0] <= static_cast<double>(own.ru_maxrss))
         bench::Fail("this process is larger than the one that it measures");
-    Row(state, resident[1], resident[0], resident[1] / resident[0], 1.05); // a few pages come and go
+    Row(state, resident[1], resident[0], resident[1] / resident[0], 1.05, true); // a few pages come and go
 }
 
 // What a tool counts in a run of one_call, per call: two runs of different length, so that everything else cancels
@@ -259,19 +259,50 @@ template <typename Count> double PerCall(const std::string &kind, const Words &t
     return (counts[1] - counts[0]) / 200;
 }
 
-double Instructions(const std::string &kind)
+Words Callgrind()
 {
-    const std::string file = directory + "/callgrind";
     // A string instruction counts once per byte: this makes the C library zero memory with plain stores.
     setenv("GLIBC_TUNABLES", "glibc.cpu.x86_rep_stosb_threshold=1000000", 1);
-    return PerCall(kind, {"valgrind", "-q", "--tool=callgrind", "--callgrind-out-file=" + file}, [&] {
-        std::ifstream lines(file);
-        double total = 0;
-        for (std::string word; lines >> word;)
-            if (word == "summary:")
-                lines >> total;
-        return total;
-    });
+    return {"valgrind", "-q", "--tool=callgrind", "--callgrind-out-file=" + directory + "/callgrind"};
+}
+
+double CountedInstructions()
+{
+    std::ifstream lines(directory + "/callgrind");
+    double total = 0;
+    for (std::string word; lines >> word;)
+        if (word == "summary:")
+            lines >> total;
+    return total;
+}
+
+double Instructions(const std::string &kind)
+{
+    return PerCall(kind, Callgrind(), CountedInstructions);
+}
+
+// A row with the names of a dictionary against the same row without. The dictionary is read once and cancels out.
+void NamesOfARow(State &state)
+{
+    double counts[2][2];
+    for (auto _ : state) {
+        for (const int rows : {1000, 2000}) {
+            const bench::Child daemon(
+                bench::StartDaemon(programs + "/rsvpsimd", {"--rows", "tunnel=" + std::to_string(rows)}));
+            for (const bool named : {true, false}) {
+                Words words = Callgrind();
+                words.insert(words.end(), {programs + "/rsvpctl", "show", "tunnels", "--json"});
+                if (!named)
+                    words.insert(words.end(), {"--dictionary", "none"});
+                RunProgram(words, "/dev/null");
+                counts[named][rows == 2000] = CountedInstructions();
+            }
+        }
+        state.SetIterationTime(1);
+    }
+    const double with = (counts[true][1] - counts[true][0]) / 1000;
+    const double without = (counts[false][1] - counts[false][0]) / 1000;
+    Row(state, with, without, with / without, 1.3, true);
 }
 
 void CallInstructions(State &state, bench::Kind kind)
@@ -388,6 +419,7 @@ void AddAll()
     Add("ms: rsvpctl batch, 1000 commands", Batch, 9);
     Add("rows/s: rsvpctl show tunnels --json", ShowTunnels, 5);
     each("instructions: ", CallInstructions, 1);
+    Add("instructions: rsvpctl, row of tunnels, no names", NamesOfARow, 1);
     each("system calls: ", SystemCalls, 1);
     each(
         "heap blocks: ", [](State &state, Kind kind) { HeapAndStack(state, kind, true); }, 1);

@@ -7,17 +7,42 @@
 #include "manager/record/text.h"
 
 #include <cstring>
-#include <fmt/compile.h>
-#include <iterator>
+#include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
 namespace manager {
 namespace {
 
+/** Appends to a text. It has room for what comes next already, so that an append is a copy of a few bytes. */
+class Writer {
+public:
+    explicit Writer(std::string &text) : text_(text), used_(text.size()) { text_.resize(text_.capacity()); }
+    ~Writer() { text_.resize(used_); }
+    Writer(const Writer &) = delete;
+    Writer &operator=(const Writer &) = delete;
+
+    void operator+=(char c) { *Room(1) = c; }
+    void operator+=(std::string_view text) { std::memcpy(Room(text.size()), text.data(), text.size()); }
+
+    /** Takes so many bytes, for the caller to fill. */
+    char *Room(size_t size)
+    {
+        const size_t at = used_;
+        used_ += size;
+        if (used_ > text_.size())
+            text_.resize(2 * used_);
+        return text_.data() + at;
+    }
+
+private:
+    std::string &text_;
+    size_t used_;
+};
+
 /** The members of one object or the elements of one array, with commas between them. */
 class Members {
 public:
-    Members(std::string &out, char open, char close) : out_(out), close_(close) { out_ += open; }
+    Members(Writer &out, char open, char close) : out_(out), close_(close) { out_ += open; }
     ~Members() { out_ += close_; }
     Members(const Members &) = delete;
     Members &operator=(const Members &) = delete;
@@ -32,31 +57,34 @@ public:
     void Next(std::string_view name)
     {
         Next();
-        out_ += '"';
-        out_ += name;
-        out_ += "\":";
+        char *at = out_.Room(name.size() + 3);
+        *at++ = '"';
+        std::memcpy(at, name.data(), name.size());
+        std::memcpy(at + name.size(), "\":", 2);
     }
 
 private:
-    std::string &out_;
+    Writer &out_;
     char close_;
     bool isFirst_ = true;
 };
 
-void AppendNumber(std::string &out, uint64_t number)
+void AppendNumber(Writer &out, uint64_t number)
 {
-    fmt::format_to(std::back_inserter(out), FMT_COMPILE("{}"), number);
+    const fmt::format_int digits(number);
+    out += std::string_view(digits.data(), digits.size());
 }
 
 // Texts of hex digits, dotted addresses, words of a dictionary.
-void AppendPlain(std::string &out, std::string_view text)
+void AppendPlain(Writer &out, std::string_view text)
 {
-    out += '"';
-    out += text;
-    out += '"';
+    char *at = out.Room(text.size() + 2);
+    *at++ = '"';
+    std::memcpy(at, text.data(), text.size());
+    at[text.size()] = '"';
 }
 
-void AppendScalar(std::string &out, const Field &field, const std::byte *element)
+void AppendScalar(Writer &out, const Field &field, const std::byte *element)
 {
     switch (field.kind) {
     case FieldKind::Number:
@@ -73,7 +101,7 @@ void AppendScalar(std::string &out, const Field &field, const std::byte *element
     out += JsonText(ScalarToJson(field, element));
 }
 
-void AppendValue(std::string &out, const Meaning &meaning, const void *record)
+void AppendValue(Writer &out, const Meaning &meaning, const void *record)
 {
     switch (meaning.form) {
     case Form::Number:
@@ -94,10 +122,10 @@ void AppendValue(std::string &out, const Meaning &meaning, const void *record)
 }
 
 // Null in place of meanings: the document has no `named`, not even what the standards say.
-void AppendRecord(std::string &out, const RecordDescription &description, const void *record,
+void AppendRecord(Writer &out, const RecordDescription &description, const void *record,
                   const RecordMeanings *meanings);
 
-void AppendElement(std::string &out, const Field &field, const std::byte *element, const RecordMeanings *inside)
+void AppendElement(Writer &out, const Field &field, const std::byte *element, const RecordMeanings *inside)
 {
     if (field.record != nullptr)
         AppendRecord(out, *field.record, element, inside);
@@ -105,7 +133,7 @@ void AppendElement(std::string &out, const Field &field, const std::byte *elemen
         AppendScalar(out, field, element);
 }
 
-void AppendField(std::string &out, const Field &field, const void *record, const RecordMeanings *inside)
+void AppendField(Writer &out, const Field &field, const void *record, const RecordMeanings *inside)
 {
     const std::byte *start = At(record, field.offset);
     const bool isList = field.record != nullptr && field.kind != FieldKind::Record;
@@ -125,7 +153,7 @@ void AppendField(std::string &out, const Field &field, const void *record, const
 }
 
 // A text that is not UTF-8 cannot be in a document as it is; its bytes can.
-void AppendBytesOfText(std::string &out, const Field &field, const void *record, Members &members)
+void AppendBytesOfText(Writer &out, const Field &field, const void *record, Members &members)
 {
     if (field.kind != FieldKind::Text)
         return;
@@ -137,7 +165,7 @@ void AppendBytesOfText(std::string &out, const Field &field, const void *record,
 }
 
 // Routes by their names, as lists of addresses.
-void AppendRoutes(std::string &out, const RecordDescription &description, const void *record,
+void AppendRoutes(Writer &out, const RecordDescription &description, const void *record,
                   const RecordMeanings &meanings, Members &named)
 {
     for (const Field &field : description.fields) {
@@ -153,7 +181,7 @@ void AppendRoutes(std::string &out, const RecordDescription &description, const 
     }
 }
 
-void AppendNamed(std::string &out, const RecordDescription &description, const void *record,
+void AppendNamed(Writer &out, const RecordDescription &description, const void *record,
                  const RecordMeanings &meanings, Members &members)
 {
     Json standard = Json::object();
@@ -173,7 +201,7 @@ void AppendNamed(std::string &out, const RecordDescription &description, const v
     }
 }
 
-void AppendRecord(std::string &out, const RecordDescription &description, const void *record,
+void AppendRecord(Writer &out, const RecordDescription &description, const void *record,
                   const RecordMeanings *meanings)
 {
     Members members(out, '{', '}');
@@ -195,20 +223,24 @@ void AppendRecord(std::string &out, const RecordDescription &description, const 
 void AppendJson(std::string &out, const RecordDescription &description, const void *record,
                 const RecordMeanings &meanings)
 {
-    AppendRecord(out, description, record, &meanings);
+    Writer writer(out);
+    AppendRecord(writer, description, record, &meanings);
 }
 
 Json ToJson(const RecordDescription &description, const void *record)
 {
     std::string text;
-    AppendRecord(text, description, record, nullptr);
+    {
+        Writer writer(text);
+        AppendRecord(writer, description, record, nullptr);
+    }
     return Json::parse(text);
 }
 
 Json ToJson(const RecordDescription &description, const void *record, const RecordMeanings &meanings)
 {
     std::string text;
-    AppendRecord(text, description, record, &meanings);
+    AppendJson(text, description, record, meanings);
     return Json::parse(text);
 }
 

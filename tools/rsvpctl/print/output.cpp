@@ -10,6 +10,7 @@
 #include "tools/rsvpctl/print/terminal.h"
 #include "tools/rsvpctl/print/time_limit.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -400,15 +401,18 @@ void Output::BeginRows(const std::string &operation, const manager::Table &table
         layout_.emplace(form_.columns, style_ == Style::Table && !form_.allColumns ? lineWidth_ : SIZE_MAX);
 }
 
-std::string Output::RowText(const void *record) const
+std::string Output::RowText(const void *record)
 {
     if (style_ == Style::Detail)
         return form_.detail(record);
     if (HasColumns())
         return style_ == Style::Csv ? layout_->CsvRow(record) : layout_->Row(record);
     std::string text;
+    text.reserve(rowRoom_);
     AppendJson(text, table_->row(), record, Names().Of(table_->row()));
-    return text + "\n";
+    text += '\n';
+    rowRoom_ = std::max(rowRoom_, text.size());
+    return text;
 }
 
 // What stands between two rows, or before the first.

@@ -145,7 +145,7 @@ private:
                   uint32_t status);
     void OpenDocument(const std::string &operation);
     Exit CloseDocument(uint32_t status, Exit exit, const char *name = nullptr);
-    std::string RowText(const void *record) const;
+    std::string RowText(const void *record);
     bool WriteRow(const std::string &row);
     const char *EndOf(const manager::WalkResult &result) const;
     void EndWholeTable(const manager::WalkResult &result);
@@ -175,6 +175,7 @@ private:
     RowForm form_;
     std::multimap<SortKey, std::string> sorted_; // rows that wait
     uint64_t rows_ = 0;
+    size_t rowRoom_ = 0; // of the largest document of a row: the next one is about as large
     bool inList_ = false;
 
     std::string batchFile_;
