@@ -24,7 +24,7 @@ library=$(dirname "$(find "$prefix" -name librsvp_mor.so.1)")
 for file in "$library/librsvp_mor.a" "$library/wireshark/plugins/rsvp_mor.lua" "$prefix/bin/rsvpctl" "$prefix/bin/rsvpsimd" \
   "$prefix/share/man/man1/rsvpctl.1" "$prefix/share/man/man3/librsvp_mor.3" "$prefix/share/man/man8/rsvpsimd.8" \
   "$prefix/share/man/man5/rsvpsimd-scenario.5" \
-  "$share/scenarios/demo.toml" "$share/dictionaries/rsvpsimd.toml" "$share/docs/dictionary.md" "$share/schema/1.json" \
+  "$share/scenarios/demo.toml" "$share/dictionaries/rsvpsimd.toml" "$share/docs/dictionary.md" "$share/docs/json.md" "$share/schema/1.json" \
   "$share/docs/writing-a-manager.md"; do
   [ -f "$file" ] || {
     echo "not installed: $file"
