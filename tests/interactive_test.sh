@@ -90,6 +90,22 @@ expect_documents "$events" '[(event["event"], event["key"]) for event in documen
   {"field": "/ifConfig", "before": 1, "after": 3, "perSecond": None},
   {"field": "/named/switches", "before": "rsvp", "after": "rsvp, hello", "perSecond": None}]'
 
+echo "-- in words, what has a name is told by it alone"
+"$rsvpctl" set interface 3
+"$rsvpctl" set peer 10.0.0.9
+"$rsvpctl" watch show interface-config --initial --interval 100ms >"$events" &
+watcher=$!
+await "$events" " added    ifIndex=3"
+"$rsvpctl" set hello --interface 3
+await "$events" "switches"
+kill -INT -- -$watcher
+expect_end "watch in words"
+expect "a change in words" "           switches  rsvp -> rsvp, hello" "$(sed -n '/ changed  ifIndex=3$/,$p' "$events" | tail -n +2)"
+expect "a key in words" " added    address=10.0.0.9 nbrWord1=0" "$("$rsvpctl" watch show neighbours --initial --count 1 |
+  sed 's/^[^ ]*//')"
+"$rsvpctl" undo peer 10.0.0.9
+"$rsvpctl" undo interface 3
+
 echo "-- the daemon goes, and comes back"
 "$rsvpctl" watch show interface-config --json --interval 0.1 >"$events" &
 watcher=$!

@@ -6,6 +6,7 @@
 #include "manager/dictionary/standard.h"
 #include "manager/record/text.h"
 
+#include <algorithm>
 #include <cstring>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -184,9 +185,9 @@ void AppendRoutes(Writer &out, const RecordDescription &description, const void 
 void AppendNamed(Writer &out, const RecordDescription &description, const void *record,
                  const RecordMeanings &meanings, Members &members)
 {
-    Json standard = Json::object();
-    AddStandardNames(description, record, standard);
-    if (standard.empty() && meanings.IsEmpty())
+    const std::span<const StandardName> standard = StandardNamesOf(description);
+    const auto isSaid = [&](const StandardName &one) { return !one.value(record).is_null(); };
+    if (meanings.IsEmpty() && std::none_of(standard.begin(), standard.end(), isSaid))
         return;
     members.Next("named");
     Members named(out, '{', '}');
@@ -195,8 +196,11 @@ void AppendNamed(Writer &out, const RecordDescription &description, const void *
         AppendValue(out, meaning, record);
     }
     AppendRoutes(out, description, record, meanings, named);
-    for (const auto &[name, value] : standard.items()) {
-        named.Next(name);
+    for (const StandardName &one : standard) {
+        const Json value = one.value(record);
+        if (value.is_null())
+            continue;
+        named.Next(one.name);
         out += JsonText(value);
     }
 }

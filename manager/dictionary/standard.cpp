@@ -28,63 +28,88 @@ template <typename Record> const Record &As(const void *record)
     return *static_cast<const Record *>(record);
 }
 
-void NameRoute(const void *record, Json &named)
+Json RouteAddress(const void *record)
 {
-    named["address"] = DottedText(As<RSVP_MOR_RouteEntry>(record).value);
+    return DottedText(As<RSVP_MOR_RouteEntry>(record).value);
 }
 
-void NameHop(const void *record, Json &named)
+Json HopAddress(const void *record)
 {
     const auto &hop = As<RSVP_MOR_HopEntry>(record);
-    if (hop.kind == RSVP_MOR_HOP_IPV4)
-        named["address"] = DottedText(hop.address);
-    else if (hop.kind == RSVP_MOR_HOP_LABEL)
-        named["label"] = hop.label;
+    return hop.kind == RSVP_MOR_HOP_IPV4 ? Json(DottedText(hop.address)) : Json();
 }
 
-void NameLabelRequest(const void *record, Json &named)
+Json HopLabel(const void *record)
+{
+    const auto &hop = As<RSVP_MOR_HopEntry>(record);
+    return hop.kind == RSVP_MOR_HOP_LABEL ? Json(hop.label) : Json();
+}
+
+Json Protocol(const void *record)
+{
+    return ProtocolText(As<RSVP_MOR_LabelRequest>(record).l3pid);
+}
+
+template <uint16_t RSVP_MOR_LabelRequest::*Word> Json Vpi(const void *record)
 {
     const auto &request = As<RSVP_MOR_LabelRequest>(record);
-    named["protocol"] = ProtocolText(request.l3pid);
-    if (request.kind == RSVP_MOR_LABEL_REQUEST_ATM) {
-        named["minVpi"] = VpiOf(request.minVpi);
-        named["maxVpi"] = VpiOf(request.maxVpi);
-    } else if (request.kind == RSVP_MOR_LABEL_REQUEST_FRAME_RELAY) {
-        named["minDlci"] = DlciOf(request.minDlci);
-        named["maxDlci"] = DlciOf(request.maxDlci);
-    }
+    return request.kind == RSVP_MOR_LABEL_REQUEST_ATM ? Json(VpiOf(request.*Word)) : Json();
 }
 
-template <typename Record> void NameFlags(const void *record, Json &named)
+template <uint32_t RSVP_MOR_LabelRequest::*Word> Json Dlci(const void *record)
 {
-    named["flags"] = SessionFlagWords(As<Record>(record).flags);
+    const auto &request = As<RSVP_MOR_LabelRequest>(record);
+    return request.kind == RSVP_MOR_LABEL_REQUEST_FRAME_RELAY ? Json(DlciOf(request.*Word)) : Json();
 }
 
-template <typename Record> void NameStyle(const void *record, Json &named)
+template <typename Record> Json Flags(const void *record)
 {
-    named["style"] = StyleText(As<Record>(record).style);
+    return SessionFlagWords(As<Record>(record).flags);
 }
 
-void NameParameter(const void *record, Json &named)
+template <typename Record> Json Style(const void *record)
+{
+    return StyleText(As<Record>(record).style);
+}
+
+Json ParameterName(const void *record)
+{
+    const auto known = ParameterOf(As<RSVP_MOR_AdspecParam>(record));
+    return known ? Json(known->name) : Json();
+}
+
+Json ParameterValue(const void *record)
 {
     const auto &parameter = As<RSVP_MOR_AdspecParam>(record);
     const auto known = ParameterOf(parameter);
     if (!known)
-        return;
-    named["parameter"] = known->name;
-    named["value"] =
-        known->isSingle ? FloatToJson(std::bit_cast<float>(parameter.paramValue)) : Json(parameter.paramValue);
+        return {};
+    return known->isSingle ? FloatToJson(std::bit_cast<float>(parameter.paramValue)) : Json(parameter.paramValue);
 }
 
-void NameAdspec(const void *record, Json &named)
+template <const uint8_t (RSVP_MOR_Adspec::*Header)[2]> Json Break(const void *record)
 {
-    const auto &adspec = As<RSVP_MOR_Adspec>(record);
-    named["break"] = (adspec.generalHeader[1] & kBreakBit) != 0;
-    named["guaranteedBreak"] = (adspec.guaranteedHeader[1] & kBreakBit) != 0;
-    named["loadBreak"] = (adspec.loadHeader[1] & kBreakBit) != 0;
+    return ((As<RSVP_MOR_Adspec>(record).*Header)[1] & kBreakBit) != 0;
 }
 
-using NameRecord = void (*)(const void *record, Json &named);
+constexpr StandardName kRouteNames[] = {{"value", "address", RouteAddress}};
+constexpr StandardName kHopNames[] = {{"address", "address", HopAddress}, {"label", "label", HopLabel}};
+constexpr StandardName kLabelRequestNames[] = {
+    {"l3pid", "protocol", Protocol},
+    {"minVpi", "minVpi", Vpi<&RSVP_MOR_LabelRequest::minVpi>},
+    {"maxVpi", "maxVpi", Vpi<&RSVP_MOR_LabelRequest::maxVpi>},
+    {"minDlci", "minDlci", Dlci<&RSVP_MOR_LabelRequest::minDlci>},
+    {"maxDlci", "maxDlci", Dlci<&RSVP_MOR_LabelRequest::maxDlci>},
+};
+template <typename Record> constexpr StandardName kFlagNames[] = {{"flags", "flags", Flags<Record>}};
+template <typename Record> constexpr StandardName kStyleNames[] = {{"style", "style", Style<Record>}};
+constexpr StandardName kParameterNames[] = {{"paramHeader", "parameter", ParameterName},
+                                            {"paramValue", "value", ParameterValue}};
+constexpr StandardName kAdspecNames[] = {
+    {"generalHeader", "break", Break<&RSVP_MOR_Adspec::generalHeader>},
+    {"guaranteedHeader", "guaranteedBreak", Break<&RSVP_MOR_Adspec::guaranteedHeader>},
+    {"loadHeader", "loadBreak", Break<&RSVP_MOR_Adspec::loadHeader>},
+};
 
 } // namespace
 
@@ -144,21 +169,21 @@ std::optional<AdspecParameter> ParameterOf(const RSVP_MOR_AdspecParam &parameter
     return std::nullopt;
 }
 
-void AddStandardNames(const RecordDescription &description, const void *record, Json &named)
+std::span<const StandardName> StandardNamesOf(const RecordDescription &description)
 {
-    static const std::map<const RecordDescription *, NameRecord> known{
-        {&Describe<RSVP_MOR_RouteEntry>(), NameRoute},
-        {&Describe<RSVP_MOR_HopEntry>(), NameHop},
-        {&Describe<RSVP_MOR_LabelRequest>(), NameLabelRequest},
-        {&Describe<RSVP_MOR_SessionAttrAffinity>(), NameFlags<RSVP_MOR_SessionAttrAffinity>},
-        {&Describe<RSVP_MOR_SessionAttrShort>(), NameFlags<RSVP_MOR_SessionAttrShort>},
-        {&Describe<RSVP_MOR_ReplyRsb>(), NameStyle<RSVP_MOR_ReplyRsb>},
-        {&Describe<RSVP_MOR_ReplyPhsb>(), NameStyle<RSVP_MOR_ReplyPhsb>},
-        {&Describe<RSVP_MOR_AdspecParam>(), NameParameter},
-        {&Describe<RSVP_MOR_Adspec>(), NameAdspec},
+    static const std::map<const RecordDescription *, std::span<const StandardName>> known{
+        {&Describe<RSVP_MOR_RouteEntry>(), kRouteNames},
+        {&Describe<RSVP_MOR_HopEntry>(), kHopNames},
+        {&Describe<RSVP_MOR_LabelRequest>(), kLabelRequestNames},
+        {&Describe<RSVP_MOR_SessionAttrAffinity>(), kFlagNames<RSVP_MOR_SessionAttrAffinity>},
+        {&Describe<RSVP_MOR_SessionAttrShort>(), kFlagNames<RSVP_MOR_SessionAttrShort>},
+        {&Describe<RSVP_MOR_ReplyRsb>(), kStyleNames<RSVP_MOR_ReplyRsb>},
+        {&Describe<RSVP_MOR_ReplyPhsb>(), kStyleNames<RSVP_MOR_ReplyPhsb>},
+        {&Describe<RSVP_MOR_AdspecParam>(), kParameterNames},
+        {&Describe<RSVP_MOR_Adspec>(), kAdspecNames},
     };
-    if (const auto found = known.find(&description); found != known.end())
-        found->second(record, named);
+    const auto found = known.find(&description);
+    return found == known.end() ? std::span<const StandardName>() : found->second;
 }
 
 } // namespace manager

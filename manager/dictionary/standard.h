@@ -45,8 +45,15 @@ std::optional<AdspecParameter> ParameterOf(const RSVP_MOR_AdspecParam &parameter
 
 inline constexpr uint32_t kUnknownLatency = 0xffffffff;
 
-/** Adds what a standard says of a record, without the records inside it, to an object. */
-void AddStandardNames(const RecordDescription &description, const void *record, Json &named);
+/** What a standard says of one field of a record. */
+struct StandardName {
+    const char *field;
+    const char *name;
+    Json (*value)(const void *record); // null for a record of which the standard says nothing here
+};
+
+/** What a standard says of a record, without the records inside it. */
+std::span<const StandardName> StandardNamesOf(const RecordDescription &description);
 
 } // namespace manager
 

@@ -9,6 +9,7 @@
 #include "tools/rsvpctl/watch/commands.h"
 #include "tools/rsvpctl/watch/polling.h"
 #include "tools/rsvpctl/watch/row_changes.h"
+#include "tools/rsvpctl/watch/row_names.h"
 
 #include <chrono>
 #include <ctime>
@@ -78,27 +79,27 @@ std::string TimeForPeople(double seconds)
 /** Prints the events of one watch. */
 class Reporter {
 public:
-    Reporter(Output &out, std::string operation) : out_(out), operation_(std::move(operation)) {}
+    Reporter(Output &out, std::string operation, RowNames names)
+        : out_(out), operation_(std::move(operation)), names_(std::move(names))
+    {
+    }
 
     bool Report(const RowEvent &event)
     {
+        if (!out_.IsJson())
+            return out_.Line({}, TextOf(event));
         Json line = Head(NameOf(event.kind), event.seconds);
         line["key"] = event.key;
-        const std::string words = Words(event);
-        std::string text = fmt::format("{} {:<{}}{}\n", TimeForPeople(event.seconds), NameOf(event.kind),
-                                       words.empty() ? 0 : 8, words);
         if (event.kind == RowEvent::Kind::Changed) {
             line["changes"] = Json::array();
-            for (const FieldChange &change : event.changes) {
+            for (const FieldChange &change : event.changes)
                 line["changes"].push_back({{"field", change.field},
                                            {"before", change.before},
                                            {"after", change.after},
                                            {"perSecond", change.perSecond ? Json(*change.perSecond) : Json()}});
-                text += ChangeText(change);
-            }
         }
         line["row"] = event.row;
-        return out_.Line(line, text);
+        return out_.Line(line, "");
     }
 
     /** Reports a failure when it begins and when it ends, not at each poll in between. */
@@ -135,8 +136,28 @@ private:
                 {"event", event}};
     }
 
-    // " name=to-paris tunnelEndpoint=10.0.0.4 tunnelId=100": the last word of a path is enough inside a key.
-    static std::string Words(const RowEvent &event)
+    std::string TextOf(const RowEvent &event) const
+    {
+        const std::string words = Words(event);
+        std::string text = fmt::format("{} {:<{}}{}\n", TimeForPeople(event.seconds), NameOf(event.kind),
+                                       words.empty() ? 0 : 8, words);
+        for (const FieldChange &change : event.changes) {
+            if (!IsToldByName(change, event))
+                text += ChangeText(change);
+        }
+        return text;
+    }
+
+    bool IsToldByName(const FieldChange &change, const RowEvent &event) const
+    {
+        const std::vector<std::string> named = names_.Of(change.field);
+        return std::any_of(event.changes.begin(), event.changes.end(), [&](const FieldChange &other) {
+            return std::find(named.begin(), named.end(), other.field) != named.end();
+        });
+    }
+
+    // " name=to-paris endPoint=10.0.0.4 tunnelId=100": the last word of a path is enough inside a key.
+    std::string Words(const RowEvent &event) const
     {
         std::string text;
         const auto add = [&](std::string_view name, const Json &value) {
@@ -145,8 +166,21 @@ private:
         };
         add("name", event.row.value("name", Json()));
         const Json flat = event.key.flatten();
-        for (const auto &[path, value] : flat.items())
-            add(std::string_view(path).substr(path.rfind('/') + 1), value);
+        const auto lastWord = [](const std::string &path) { return path.substr(path.rfind('/') + 1); };
+        for (const auto &[path, value] : flat.items()) {
+            if (path.find("/named/") != std::string::npos)
+                continue;
+            bool isTold = false;
+            for (const std::string &name : names_.Of(path)) {
+                const Json::json_pointer pointer(name);
+                if (!event.row.contains(pointer))
+                    continue;
+                add(lastWord(name), event.row.at(pointer));
+                isTold = true;
+            }
+            if (!isTold)
+                add(lastWord(path), value);
+        }
         return text;
     }
 
@@ -160,12 +194,13 @@ private:
         std::string rate;
         if (change.perSecond)
             rate = fmt::format("  ({:.1f}/s)", *change.perSecond);
-        return fmt::format("           {}  {} -> {}{}\n", change.field.substr(1), ValueText(change.before),
+        return fmt::format("           {}  {} -> {}{}\n", WordsOf(change.field), ValueText(change.before),
                            ValueText(change.after), rate);
     }
 
     Output &out_;
     std::string operation_;
+    RowNames names_;
     uint32_t lastStatus_ = RSVP_MOR_OK;
 };
 
@@ -191,16 +226,19 @@ void AddCounters(const manager::RecordDescription &record, const manager::Record
     }
 }
 
-// A command that gives one record has no key: the record is one row.
-RowShape ShapeOf(std::string_view command)
+/** The table that is watched; null for what is no record of the library's. */
+const manager::Table *TableOf(std::string_view command)
 {
     constexpr std::string_view kPrefix = "watch show ";
-    const ShowSpec *show = command.starts_with(kPrefix) ? &ShowNamed(command.substr(kPrefix.size())) : nullptr;
+    return command.starts_with(kPrefix) ? ShowNamed(command.substr(kPrefix.size())).table : nullptr;
+}
+
+// A command that gives one record has no key: the record is one row.
+RowShape ShapeOf(const manager::Table &table)
+{
     RowShape shape;
-    if (show == nullptr || show->table == nullptr)
-        return shape;
-    const manager::RecordDescription &row = show->table->row();
-    for (const manager::KeyPart &part : KeyPartsOf(*show->table, Names()))
+    const manager::RecordDescription &row = table.row();
+    for (const manager::KeyPart &part : KeyPartsOf(table, Names()))
         shape.key.push_back(PointerOf(PathAt(row, part.offset, part.size)));
     AddCounters(row, Names().Of(row), "", shape);
     return shape;
@@ -218,8 +256,10 @@ Exit Watch(Output &out, const Command &command, const Poll &read, const WatchOpt
     const uint64_t lastPoll = options.count.Number();
     const milliseconds duration = options.duration.DurationOr({});
     const Waiter waiter(options.duration.IsGiven() ? std::optional(duration) : std::nullopt);
-    RowChanges changes(ShapeOf(command.name));
-    Reporter reporter(out, command.name);
+    const manager::Table *table = TableOf(command.name);
+    RowChanges changes(table == nullptr ? RowShape() : ShapeOf(*table));
+    Reporter reporter(out, command.name,
+                      table == nullptr ? RowNames() : RowNames(table->row(), Names().Of(table->row())));
     std::optional<Exit> exit;
     bool print = options.initial.IsGiven();
     for (uint64_t poll = 1;; ++poll) {
