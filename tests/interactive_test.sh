@@ -213,10 +213,30 @@ looks plain on_terminal "$rsvpctl" show psb --no-pager --color never
 looks plain "$rsvpctl" show psb
 everything=$("$rsvpctl" show psb)
 for PAGER in /nowhere/pager "sed '" false; do
-  [[ $(on_terminal "$rsvpctl" show psb --color never | tr -d '\r') == *"$everything"* ]] || fail "output lost by $PAGER"
+  [[ $(COLUMNS=200 on_terminal "$rsvpctl" show psb --color never | tr -d '\r') == *"$everything"* ]] || fail "output lost by $PAGER"
 done
 
 unset PAGER
+
+echo "-- in so many columns"
+# Each table fits into a terminal of some width, and whatever that is, it tells of what it does not show.
+table_in() {
+  script -qec "stty cols $1; $rsvpctl show $2 --no-pager --color never" /dev/null </dev/null | tr -d '\r'
+}
+shows=$("$rsvpctl" help show | sed -n '/^Subcommands:/,/^$/s/^  \([a-z-]*\) .*/\1/p' | grep -vE '^(global|counters|frr|hops|p2mp)$')
+for width in 80 132; do
+  for show in $shows "frr facility" "frr general" "hops computed" "hops actual" "hops extended"; do
+    table=$(table_in $width "$show")
+    too_long=$(awk -v width=$width 'length > width' <<<"$table")
+    [ -z "$too_long" ] || fail "show $show on $width columns: $too_long"
+    [[ $show != interfaces || $table == *"--detail shows "*" more of each"* ]] || fail "interfaces hide without a word: $table"
+  done
+done
+[[ $(table_in 80 psb) == *BANDWIDTH* ]] || fail "80 columns do not suffice for the path state"
+expect "lines longer than COLUMNS" 0 "$(COLUMNS=50 table_in 80 psb | head -n -1 | awk 'length > 50' | wc -l)"
+[[ $(table_in 80 interfaces) == *$'\n    authKey=hidden\n'* ]] || fail "words without a name are not on a line of their own"
+[[ $(COLUMNS=50 "$rsvpctl" show psb) == *"EXTENDED ID"* ]] || fail "a pipe does not get all columns"
+
 use_device slow <<'SCENARIO'
 [rows]
 tunnel = 2

@@ -25,7 +25,7 @@ namespace {
 using manager::CountText, manager::HarmlessText, manager::Json, manager::JsonText, manager::WalkEnd,
     manager::WalkResult;
 
-constexpr size_t kWidthWithoutTerminal = 120;
+constexpr size_t kWidthOfMostTerminals = 80;
 
 bool UseColor(Color color, FILE *stream)
 {
@@ -35,11 +35,17 @@ bool UseColor(Color color, FILE *stream)
     return (off == nullptr || *off == '\0') && TakesEscapes(fileno(stream));
 }
 
+// Only people have lines that end; what reads a pipe or a file gets all columns.
 size_t LineWidth(FILE *stream)
 {
+    if (isatty(fileno(stream)) != 1)
+        return SIZE_MAX;
+    const char *wanted = std::getenv("COLUMNS");
+    if (const auto columns = manager::ParseNumber(wanted == nullptr ? "" : wanted); columns && *columns > 0)
+        return *columns;
     winsize size{};
-    const bool known = isatty(fileno(stream)) == 1 && ioctl(fileno(stream), TIOCGWINSZ, &size) == 0;
-    return known && size.ws_col > 0 ? size.ws_col : kWidthWithoutTerminal;
+    const bool known = ioctl(fileno(stream), TIOCGWINSZ, &size) == 0;
+    return known && size.ws_col > 0 ? size.ws_col : kWidthOfMostTerminals;
 }
 
 const char *EndName(WalkEnd end)

@@ -24,6 +24,24 @@ std::string Trimmed(std::string line)
     return line;
 }
 
+// Lines are broken between words, and a word that is too long stays whole.
+std::string Wrapped(std::string line, size_t width)
+{
+    static constexpr std::string_view kIndent = "    ";
+    std::string text;
+    while (line.size() > width) {
+        const size_t first = line.find_first_not_of(' ');
+        size_t end = line.rfind(' ', width);
+        if (end == std::string::npos || end < first)
+            end = line.find(' ', first);
+        if (end == std::string::npos)
+            break;
+        text += Trimmed(line.substr(0, end)) + "\n";
+        line = std::string(kIndent) + line.substr(line.find_first_not_of(' ', end));
+    }
+    return text + line;
+}
+
 std::string CsvCell(const std::string &text)
 {
     static constexpr manager::Quotes kCsvQuotes{'"', "\"", "\"", ""};
@@ -33,7 +51,7 @@ std::string CsvCell(const std::string &text)
 } // namespace
 
 TableLayout::TableLayout(Columns columns, size_t lineWidth)
-    : columns_(std::move(columns)), hidden_(columns_.listsLeftOut)
+    : columns_(std::move(columns)), lineWidth_(lineWidth), hidden_(columns_.fieldsLeftOut)
 {
     size_t used = 0;
     size_t fitting = 0;
@@ -63,7 +81,7 @@ std::string TableLayout::Row(const void *record) const
         line += Cell(column.text(record), column.width, column.isNumber);
     if (columns_.rest)
         line += columns_.rest(record);
-    return Trimmed(std::move(line)) + "\n";
+    return Wrapped(Trimmed(std::move(line)), lineWidth_) + "\n";
 }
 
 std::string TableLayout::CsvHeader() const

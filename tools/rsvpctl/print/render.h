@@ -11,7 +11,8 @@
 
 namespace rsvpctl {
 
-/** The columns that fit into a line. The first one always does. */
+/** The columns that fit into a line. The first one always does. A row with more to tell than its columns have room
+ * for goes on in the next line. */
 class TableLayout {
 public:
     TableLayout(Columns columns, size_t lineWidth);
@@ -28,6 +29,7 @@ public:
 
 private:
     Columns columns_;
+    size_t lineWidth_;
     size_t hidden_ = 0;
 };
 

@@ -123,6 +123,29 @@ bool Overlaps(const PlacedMeaning &placed, const Leaf &leaf)
     return placed.Offset() < leaf.offset + leaf.field->width && leaf.offset < placed.Offset() + placed.meaning->width;
 }
 
+// Fields that are no leaves, and whose bytes do not all have names.
+size_t FieldsLeftOut(const manager::RecordDescription &record, uint32_t base,
+                     const std::vector<PlacedMeaning> &meanings)
+{
+    size_t fields = 0;
+    for (const Field &field : record.fields) {
+        const uint32_t begin = base + field.offset;
+        const uint32_t size = field.width * std::max<uint32_t>(field.count, 1);
+        const bool isAlways = field.condition.test == manager::Condition::Test::Always;
+        if (field.kind == FieldKind::Record && field.count == 0 && isAlways) {
+            fields += FieldsLeftOut(*field.record, begin, meanings);
+            continue;
+        }
+        const bool isLeaf =
+            isAlways && field.count == 0 && field.kind != FieldKind::List && field.kind != FieldKind::Chain;
+        uint32_t named = 0;
+        for (const PlacedMeaning &placed : meanings)
+            named += placed.Offset() >= begin && placed.Offset() < begin + size ? placed.meaning->width : 0;
+        fields += !isLeaf && named < size;
+    }
+    return fields;
+}
+
 std::string RestText(const std::vector<Leaf> &unnamed, const void *row)
 {
     std::string text;
@@ -188,8 +211,7 @@ Columns ColumnsOf(const manager::Table &table, const manager::Dictionary &dictio
         columns.all.push_back(std::move(column));
     if (!unnamed.empty())
         columns.rest = [unnamed](const void *row) { return RestText(unnamed, row); };
-    for (const Field &field : description.fields)
-        columns.listsLeftOut += field.count != 0 || field.kind == FieldKind::List || field.kind == FieldKind::Chain;
+    columns.fieldsLeftOut = FieldsLeftOut(description, 0, meanings);
     return columns;
 }
 

@@ -29,7 +29,7 @@ struct Columns {
     /** What a row holds beside them, at the end of its line: words that have no name and are not 0. */
     std::function<std::string(const void *row)> rest = nullptr;
 
-    size_t listsLeftOut = 0; // lists and arrays of a row, which no column shows
+    size_t fieldsLeftOut = 0; // of a row, which no column shows: lists, arrays, and what only some rows have
 };
 
 /** The columns that a dictionary gives to a table: its choice, else the key and everything that has a name. Where
