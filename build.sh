@@ -268,7 +268,7 @@ docs)
   ;;
 package)
   need_host
-  need dpkg-dev file pkg-config
+  need dpkg-dev file pkg-config tshark
   cmake/package.sh build/packages
   tests/install_test.sh "$PWD/build/packages/build" # with the prefix of the packages
   ;;

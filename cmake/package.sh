@@ -45,4 +45,11 @@ for package in "$output"/*.deb; do
   dpkg-deb --field "$package" Package Architecture Depends Suggests | sed 's/^/  /'
   dpkg-deb --fsys-tarfile "$package" | tar -t | sed -n 's,^\./\(.*[^/]\)$,  /\1,p'
 done
+plugins=$(tshark -G folders 2>/dev/null | sed -n 's/^Global Lua Plugins:[[:space:]]*//p')
+for package in "$output"/rsvp-mor-tools_*.deb; do
+  dpkg-deb --fsys-tarfile "$package" | tar -t | grep -xF ".$plugins/rsvp_mor.lua" >/dev/null || {
+    echo "Wireshark looks in $plugins, and the dissector is not there" >&2
+    exit 1
+  }
+done
 rm -rf "$again"

@@ -940,7 +940,8 @@ TEST(CaptureFile, KeepsWholeFramesWhateverHappensToIt)
     for (int i = 0; i < 4; ++i)
         capture->Write(frame);
     EXPECT_EQ(Decoded(path), std::vector({line, line}));
-    EXPECT_EQ(capture->Loss(false), "2 frames are not in the capture " + path + ": a file takes no more than 400 bytes");
+    EXPECT_EQ(capture->Loss(false),
+              "2 frames are not in the capture " + path + ": a file takes no more than 400 bytes");
     EXPECT_EQ(capture->Loss(false), "");
     EXPECT_EQ(directory.Read("capture").find("wwwwwwww"), std::string::npos);
     std::filesystem::resize_file(path, 0);

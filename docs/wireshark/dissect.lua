@@ -95,7 +95,8 @@ local function has_bit(number, bit)
   return math.floor(number / 2 ^ bit) % 2 == 1
 end
 
--- A rate crosses the wire as a whole number whose bytes are reversed, written as a single, least significant byte first.
+-- A rate crosses the wire as a whole number whose bytes are reversed, written as a single, least significant byte
+-- first.
 local function rate_of(range)
   local rate = range:le_float()
   local whole = 0

@@ -3,6 +3,7 @@
 #include "host/daemon/trace.h"
 
 #include "host/daemon/device/item_kind.h"
+#include "host/daemon/wire/record.h"
 
 #include <fmt/format.h>
 
