@@ -52,8 +52,9 @@ void ChangeRecord(const Layout &layout, std::span<uint8_t> image, const RecordCh
     // What decides about the form of an object comes first.
     for (const bool deciding : {true, false}) {
         for (const auto &[name, value] : change.set) {
-            const bool decides = std::ranges::any_of(
-                layout.fields, [&](const Field &field) { return field.form && field.form->field == name; });
+            const bool decides = std::ranges::any_of(layout.fields, [&wanted = name](const Field &field) {
+                return field.form && field.form->field == wanted;
+            });
             if (decides != deciding)
                 continue;
             const std::string problem = StoreField(changed, FieldIn(layout, changed, name), value);
