@@ -25,6 +25,7 @@
 #include <set>
 #include <sstream>
 #include <sys/eventfd.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -236,6 +237,22 @@ std::set<std::string> EveryLine()
     return lines;
 }
 
+// The lines of a trace without time and client.
+std::string Messages(const std::string &trace)
+{
+    std::istringstream lines(trace);
+    std::string messages;
+    for (std::string text; std::getline(lines, text);) {
+        const size_t begin = std::min(text.find(" > "), text.find(" < "));
+        if (begin == std::string::npos || begin == 0 || std::isdigit(text[begin - 1]) == 0)
+            continue;
+        const size_t time = text.ends_with(" ms)") ? text.rfind(" (") : text.size();
+        messages += text.substr(begin, time - begin) + "\n";
+    }
+    EXPECT_NE(messages, "");
+    return messages;
+}
+
 TEST(Rsvpctl, EveryCommandGivesOneJsonDocument)
 {
     const HostDirectory directory(kRows);
@@ -251,9 +268,11 @@ TEST(Rsvpctl, EveryCommandGivesOneJsonDocument)
         }
     };
     runAll();
-    ASSERT_EQ(Ctl(directory, "enable").exit, 0);
-    runAll();
+    ASSERT_EQ(Ctl(directory, "enable --trace=trace").exit, 0);
+    runAll(" --trace=trace");
     EXPECT_EQ(exits, (std::set<int>{0, 1, 2, 3, 4, 5}));
+    EXPECT_EQ(Messages(directory.Read("trace")), Messages(directory.Log()))
+        << "both ends tell of the same in the same words";
     const pid_t daemon = std::stoi(directory.Read(rsvp_host::kLockFile));
     kill(daemon, SIGSTOP);
     std::filesystem::create_directory(directory.PathOf("etc"));
@@ -858,6 +877,37 @@ TEST(Rsvpctl, ADryRunPrintsWhatIsSent)
     }
 }
 
+TEST(Rsvpctl, ATraceGoesToAFileOfItsOwn)
+{
+    const HostDirectory directory;
+    ASSERT_EQ(Ctl(directory, "enable").exit, 0);
+    directory.Write("kept", "");
+    std::filesystem::create_symlink("kept", directory.PathOf("link"));
+    mkfifo(directory.PathOf("pipe").c_str(), 0600);
+    for (const char *wrong : {"link", "pipe", "/dev/full", "no/file", "."}) {
+        const Result result = Ctl(directory, fmt::format("set interface 3 --trace={}", wrong));
+        EXPECT_EQ(result.exit, 2) << wrong;
+        EXPECT_NE(result.err.find("--trace: " + std::string(wrong)), std::string::npos) << result.err;
+    }
+    EXPECT_EQ(CtlJson(directory, "show interfaces")["rows"].size(), 0U) << "nothing was sent before";
+    EXPECT_EQ(Ctl(directory, "set interface 3 --trace=new").exit, 0);
+    EXPECT_EQ(Ctl(directory, "watch status --count 1 --trace=new").exit, 0);
+    EXPECT_EQ(std::filesystem::status(directory.PathOf("new")).permissions(), std::filesystem::perms(0600));
+    const std::string trace = directory.Read("new");
+    EXPECT_NE(trace.find(" 1 > interface set "), std::string::npos) << trace;
+    EXPECT_NE(trace.find(" 2 < show get status 0x00000000 upLspNumber"), std::string::npos) << trace;
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit full{directory.Read("new").size() + 20, before.rlim_max};
+    EXPECT_EQ(Ctl(directory, "set interface 3 --trace-hex").exit, 2);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &full), 0);
+    (void)std::signal(SIGXFSZ, SIG_IGN);
+    const Result cut = Ctl(directory, "show global --trace=new");
+    setrlimit(RLIMIT_FSIZE, &before);
+    EXPECT_EQ(cut.exit, 7) << cut.err;
+    EXPECT_NE(cut.err.find("the trace could not be written"), std::string::npos) << cut.err;
+}
+
 TEST(Rsvpctl, KeysAreNeverSeen)
 {
     const HostDirectory directory("trace = true");
@@ -868,7 +918,7 @@ TEST(Rsvpctl, KeysAreNeverSeen)
          {"enable", "set auth-key --key-file key.txt", "set interface 3",
           "set auth-key --interface 3 --key-file key.txt", "set auth-key --peer 10.0.0.9 --key-file -", "show global",
           "show interfaces", "show auth", "undo auth-key --key-file key.txt"}) {
-        for (const char *style : {"", " --json", " --detail"}) {
+        for (const char *style : {"", " --json", " --detail", " --trace --trace-hex"}) {
             const Result result = Ctl(directory, line + style, secret);
             const bool unknown = *style != '\0' && style == std::string(" --detail") && !line.starts_with("show");
             EXPECT_EQ(result.exit, unknown ? 2 : 0) << line << result.err;
@@ -876,8 +926,9 @@ TEST(Rsvpctl, KeysAreNeverSeen)
         }
     }
     // Where a user takes the key for an argument, nothing repeats it.
-    for (const char *wrong : {"{}", "--key {}", "--{}", "--kye-file={}", "--interface {}", "--peer={}", "--color {}",
-                              "--interface 3 --key-file key.txt {}", "-- {}", "--json={}"}) {
+    for (const char *wrong :
+         {"{}", "--key {}", "--{}", "--kye-file={}", "--interface {}", "--peer={}", "--color {}",
+          "--interface 3 --key-file key.txt {}", "-- {}", "--json={}", "--timeout {}", "--timeout={}"}) {
         const std::string line = "set auth-key " + fmt::format(fmt::runtime(wrong), secret);
         for (const Result &result : {Ctl(directory, line), Ctl(directory, line + " --json"),
                                      Ctl(directory, "batch -", line + "\nundo" + line.substr(3) + "\n"),
@@ -892,6 +943,8 @@ TEST(Rsvpctl, KeysAreNeverSeen)
     EXPECT_NE(seen.find("authKey=********"), std::string::npos);
     EXPECT_EQ(seen.find(secret.substr(0, 7)), std::string::npos);
     EXPECT_EQ(seen.find("68756e746572"), std::string::npos); // the same in hex
+    EXPECT_NE(seen.find("2a 2a 2a 2a"), std::string::npos);
+    EXPECT_EQ(seen.find("68 75 6e"), std::string::npos);
 
     // A key goes in through a file alone, is padded with zeros, and is refused if it is too long or missing.
     EXPECT_EQ(Ctl(directory, "set auth-key " + secret).exit, 2);

@@ -26,6 +26,7 @@ inline constexpr size_t kHeaderSize = 8;
 struct Exchange {
     enum class Stage : uint8_t { None, Open, Send, Receive };
     Stage stage = Stage::None;     // the last one that began
+    int session = -1;              // its descriptor
     int error = 0;                 // errno, if the stage failed
     GivenUp givenUp = GivenUp::No; // the stage failed since nobody waits any more
     double seconds = 0;            // from the begin of the exchange to the end of the stage
@@ -41,6 +42,13 @@ void ForgetExchange();
 
 /** The last exchange of this thread. */
 const Exchange &LastExchange();
+
+/** Is told of every exchange of the program when a stage has ended, in the thread of the call. `message` is what went
+ * out or came in, as many bytes as the exchange says; null when a session was opened. */
+using ExchangeObserver = void (*)(const Exchange &exchange, const void *message);
+
+/** From now on; null: none any more. */
+void ObserveExchanges(ExchangeObserver observer);
 
 /** Why a call gave a status that is not 0. */
 enum class Fault : uint8_t {

@@ -4,6 +4,7 @@
 #include "manager/exchange/exchange.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <cstring>
@@ -20,8 +21,9 @@ using Clock = std::chrono::steady_clock;
 
 thread_local Exchange last;
 thread_local Clock::time_point start;
+std::atomic<ExchangeObserver> observerOfAll = nullptr;
 
-void Begin(Exchange::Stage stage)
+void Begin(Exchange::Stage stage, int session)
 {
     // A session that is held has no connect in front of its exchange.
     if (stage == Exchange::Stage::Open || (stage == Exchange::Stage::Send && last.stage != Exchange::Stage::Open)) {
@@ -29,16 +31,21 @@ void Begin(Exchange::Stage stage)
         start = Clock::now();
     }
     last.stage = stage;
+    last.session = session;
     last.error = 0;
     last.givenUp = GivenUp::No;
 }
 
 // `result` is that of the system call, whose errno the caller of the library may still look at.
-void End(ssize_t result)
+void End(ssize_t result, const void *message)
 {
+    const int error = errno;
     if (result < 0)
-        last.error = errno;
+        last.error = error;
     last.seconds = std::chrono::duration<double>(Clock::now() - start).count();
+    if (const ExchangeObserver observer = observerOfAll)
+        observer(last, message);
+    errno = error;
 }
 
 FrameHeader HeaderOf(const void *message, size_t length)
@@ -133,6 +140,11 @@ void ForgetExchange()
     last = {};
 }
 
+void ObserveExchanges(ExchangeObserver observer)
+{
+    observerOfAll = observer;
+}
+
 const Exchange &LastExchange()
 {
     return last;
@@ -146,38 +158,38 @@ extern "C" {
 
 int connect(int fd, const sockaddr *address, socklen_t length)
 {
-    manager::Begin(Exchange::Stage::Open);
+    manager::Begin(Exchange::Stage::Open, fd);
     const auto attempt = [&] { return syscall(SYS_connect, fd, address, length); };
     int flags = 0;
     manager::Deadline *deadline = manager::DeadlineOf(fd, flags);
     const auto result =
         static_cast<int>(deadline == nullptr ? attempt() : manager::BoundedConnect(*deadline, fd, flags, attempt));
-    manager::End(result);
+    manager::End(result, nullptr);
     return result;
 }
 
 ssize_t send(int fd, const void *data, size_t length, int flags)
 {
-    manager::Begin(Exchange::Stage::Send);
+    manager::Begin(Exchange::Stage::Send, fd);
     manager::last.length = length;
     manager::last.request = manager::HeaderOf(data, length);
     const ssize_t result = manager::Within(fd, POLLOUT, SO_SNDTIMEO, flags, [&](int itsFlags) {
         return sendto(fd, data, length, itsFlags, nullptr, 0);
     });
     manager::last.sent = static_cast<size_t>(std::max<ssize_t>(result, 0));
-    manager::End(result);
+    manager::End(result, data);
     return result;
 }
 
 ssize_t recv(int fd, void *data, size_t length, int flags)
 {
-    manager::Begin(Exchange::Stage::Receive);
+    manager::Begin(Exchange::Stage::Receive, fd);
     const ssize_t result = manager::Within(fd, POLLIN, SO_RCVTIMEO, flags, [&](int itsFlags) {
         return recvfrom(fd, data, length, itsFlags, nullptr, nullptr);
     });
     manager::last.received = static_cast<size_t>(std::max<ssize_t>(result, 0));
     manager::last.reply = manager::HeaderOf(data, manager::last.received);
-    manager::End(result);
+    manager::End(result, data);
     return result;
 }
 

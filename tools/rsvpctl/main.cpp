@@ -8,6 +8,7 @@
 #include "tools/rsvpctl/print/names.h"
 #include "tools/rsvpctl/print/pager.h"
 #include "tools/rsvpctl/print/time_limit.h"
+#include "tools/rsvpctl/print/trace.h"
 
 #include <csignal>
 #include <cstdio>
@@ -30,9 +31,12 @@ Exit RunProgram(const std::vector<std::string> &words)
     CommandLine line;
     AddCommands(line);
     const Command *command = nullptr;
+    std::optional<Trace> trace;
     try {
         ChooseDictionary(words);
         command = &line.Parse(words);
+        if (const auto file = line.ChosenTrace())
+            trace.emplace(*file, line.WantsTraceHex());
     } catch (const UsageError &error) {
         Output out(WantsJson(words) ? Style::Json : Style::Table, Color::Auto);
         return out.Finish(out.WrongUsage(error.command.empty() ? "usage" : error.command, error));
@@ -41,7 +45,11 @@ Exit RunProgram(const std::vector<std::string> &words)
     const Pager pager(line.MayUsePager() && command->mayBeLong);
     if (out.IsJson())
         out.EndWholeWhenEarly(command->name);
-    return out.Finish(RunInTime(out, line, *command));
+    const Exit exit = out.Finish(RunInTime(out, line, *command));
+    if (!trace || Trace::Problem().empty())
+        return exit;
+    out.Message("rsvpctl: " + Trace::Problem());
+    return exit == Exit::Done ? Exit::NotWritten : exit;
 }
 
 } // namespace

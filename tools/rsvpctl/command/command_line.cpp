@@ -28,6 +28,7 @@ Exit status: 0 done; 1 the daemon refused; 2 wrong usage; 3 no session to the da
 the reply was out of format or a walk was broken; 5 the service is not enabled; 6 the time of --timeout was over;
 7 the output could not be written; 130 Ctrl-C ended it.)";
 
+constexpr const char *kStandardError = "-";
 constexpr const char *kTimeout = "--timeout";
 constexpr std::chrono::milliseconds kLeastTimeout(1);
 
@@ -91,6 +92,8 @@ CommandLine::CommandLine() : root_(std::make_unique<CLI::App>("Configures and re
                               "Colour: auto (only on a terminal, and without NO_COLOR), always, never");
     (void)Root().AddFile("--dictionary", "What the daemon means by its words; none for their numbers");
     noPager_ = Root().AddFlag("--no-pager", "Long output straight to the terminal, not through $PAGER");
+    trace_ = Root().AddFlagWithFile("--trace", kStandardError, "Every message in words, to standard error or a file");
+    traceHex_ = Root().AddFlag("--trace-hex", "The bytes of each message too, without keys").Needs(trace_);
     timeout_ = Root().AddDuration(kTimeout, kLeastTimeout, manager::kLongestDuration,
                                   "Give up after that time, with what came until then");
 }
@@ -276,10 +279,18 @@ Color CommandLine::ChosenColor() const
     return when == "always" ? Color::Always : when == "never" ? Color::Never : Color::Auto;
 }
 
-// A person who reads page by page would use up the time.
+// A person who reads page by page would use up the time, and does not look for a trace among the pages.
 bool CommandLine::MayUsePager() const
 {
-    return !noPager_.IsGiven() && !timeout_.IsGiven();
+    return !noPager_.IsGiven() && !timeout_.IsGiven() && !trace_.IsGiven();
+}
+
+std::optional<std::string> CommandLine::ChosenTrace() const
+{
+    if (!trace_.IsGiven())
+        return std::nullopt;
+    const std::string file = trace_.Text();
+    return file == kStandardError ? "" : file;
 }
 
 std::optional<std::chrono::milliseconds> CommandLine::ChosenTimeout() const

@@ -86,6 +86,10 @@ public:
     Color ChosenColor() const;
     bool MayUsePager() const;
 
+    /** The file of --trace, empty for standard error; nothing without the option. */
+    std::optional<std::string> ChosenTrace() const;
+    bool WantsTraceHex() const { return traceHex_.IsGiven(); }
+
     /** Of --timeout. */
     std::optional<std::chrono::milliseconds> ChosenTimeout() const;
 
@@ -110,6 +114,8 @@ private:
     Option color_;
     Option noPager_;
     Option timeout_;
+    Option trace_;
+    Option traceHex_;
     std::map<std::string, std::unique_ptr<Command>, std::less<>> commands_; // by name
 };
 

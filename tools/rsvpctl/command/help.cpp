@@ -29,6 +29,14 @@ public:
         return option->get_description() + (isBoth ? "; also --" + option->get_lnames().front() : "");
     }
 
+    // A flag that may have a value.
+    std::string make_option_name(const CLI::Option *option, bool positional) const override
+    {
+        const std::string name = CLI::Formatter::make_option_name(option, positional);
+        const size_t value = name.find('{');
+        return value == std::string::npos ? name : name.substr(0, value) + "[=FILE]";
+    }
+
     std::string make_option_usage(const CLI::Option *option) const override
     {
         const std::string name = make_option_name(option, true) + (option->get_allow_extra_args() ? "..." : "");

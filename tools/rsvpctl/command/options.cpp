@@ -104,6 +104,11 @@ Option Node::AddFlag(const std::string &names, const std::string &help) const
     return Option(app_->add_flag(names)->description(help));
 }
 
+Option Node::AddFlagWithFile(const std::string &name, const std::string &none, const std::string &help) const
+{
+    return Option(app_->add_flag(fmt::format("{}{{{}}}", name, none))->description(help));
+}
+
 Option Node::AddNumber(const std::string &names, uint64_t max, const std::string &help, const std::string &unit) const
 {
     const std::string type = fmt::format("0..{}{}{}", max, unit.empty() ? "" : " ", unit);

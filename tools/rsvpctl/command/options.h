@@ -83,6 +83,8 @@ public:
     void AddAlias(const std::string &name) const;
 
     Option AddFlag(const std::string &names, const std::string &help) const;
+    /** A flag that may have a file, behind a = alone: the text is `none` without one. */
+    Option AddFlagWithFile(const std::string &name, const std::string &none, const std::string &help) const;
     Option AddNumber(const std::string &names, uint64_t max, const std::string &help,
                      const std::string &unit = {}) const;
     Option AddAddress(const std::string &names, const std::string &help) const;

@@ -122,7 +122,9 @@ Output::Output(Style style, Color color, FILE *document, FILE *messages)
 // What makes a whole document of what is written so far. A document without rows is written at once.
 std::string Output::Ending(Exit exit) const
 {
-    const std::string end = EndOfEarly(exit);
+    static const std::string interrupted = EndOfEarly(Exit::Interrupted);
+    static const std::string timeOver = EndOfEarly(Exit::TimeOver);
+    const std::string &end = exit == Exit::TimeOver ? timeOver : interrupted;
     std::string text;
     if (inList_) {
         text += "]" + MemberText("count", rows_) + MemberText("complete", false);
