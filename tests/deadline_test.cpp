@@ -7,7 +7,6 @@
 #include "tests/support/program.h"
 
 #include <csignal>
-#include <cstring>
 #include <fcntl.h>
 #include <filesystem>
 #include <functional>
@@ -34,7 +33,7 @@ public:
     {
         sockaddr_un address{};
         address.sun_family = AF_UNIX;
-        std::strcpy(address.sun_path, directory.PathOf(rsvp_host::kSocketFile).c_str());
+        directory.PathOf(rsvp_host::kSocketFile).copy(address.sun_path, sizeof(address.sun_path) - 1);
         listener_ = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0);
         EXPECT_EQ(bind(listener_, reinterpret_cast<sockaddr *>(&address), sizeof(address)), 0);
         EXPECT_EQ(listen(listener_, 0), 0); // room for one that it does not accept
