@@ -59,6 +59,14 @@ Json ScalarToJson(const Field &field, const void *element)
     }
 }
 
+std::string LeafText(const Leaf &leaf, const void *row)
+{
+    const Json value = ScalarToJson(*leaf.field, At(row, leaf.offset));
+    if (value.is_string())
+        return HarmlessText(value.get_ref<const std::string &>());
+    return value.is_null() ? "-" : value.dump();
+}
+
 bool IsUtf8(const char *text)
 {
     try {

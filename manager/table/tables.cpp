@@ -218,14 +218,23 @@ TABLE(kP2mpCrLsps, "p2mp crlsp", RSVP_MOR_P2mpCrlspInfo, RSVP_MOR_P2mpCrlspKey,
       .ask = kAskP2mpCrLsp)
 // clang-format on
 
+std::span<const Table *const> AllTables()
+{
+    static constexpr const Table *kAll[] = {&kInterfaces,     &kInterfaceConfig,  &kNeighbours,
+                                            &kAuthentication, &kResources,        &kTunnels,
+                                            &kIngressTunnels, &kFrrFacility,      &kFrrGeneral,
+                                            &kComputedHops,   &kActualHops,       &kExtendedHops,
+                                            &kPathState,      &kReservationState, &kPreviousHopState,
+                                            &kCrLsps,         &kP2mpPathState,    &kP2mpReservationState,
+                                            &kP2mpCrLsps};
+    return kAll;
+}
+
 std::span<const TableShape> AllTableShapes()
 {
     static const std::vector<TableShape> shapes = [] {
         std::vector<TableShape> all;
-        for (const Table *table : {&kInterfaces, &kInterfaceConfig, &kNeighbours, &kAuthentication, &kResources,
-                                   &kTunnels, &kIngressTunnels, &kFrrFacility, &kFrrGeneral, &kComputedHops,
-                                   &kActualHops, &kExtendedHops, &kPathState, &kReservationState, &kPreviousHopState,
-                                   &kCrLsps, &kP2mpPathState, &kP2mpReservationState, &kP2mpCrLsps})
+        for (const Table *table : AllTables())
             all.push_back({table->name, &table->row(), &table->key()});
         return all;
     }();

@@ -32,7 +32,10 @@ extern const Table kP2mpPathState;
 extern const Table kP2mpReservationState;
 extern const Table kP2mpCrLsps;
 
-/** All tables, for the dictionaries that say something of them. */
+/** All tables that are walked. */
+std::span<const Table *const> AllTables();
+
+/** The same for the dictionaries that say something of them. */
 std::span<const TableShape> AllTableShapes();
 
 } // namespace manager

@@ -3,6 +3,7 @@
 
 #include "tools/rsvpctl/command/command_line.h"
 #include "tools/rsvpctl/command/commands.h"
+#include "tools/rsvpctl/metrics/commands.h"
 #include "tools/rsvpctl/set/commands.h"
 #include "tools/rsvpctl/show/commands.h"
 #include "tools/rsvpctl/watch/commands.h"
@@ -19,6 +20,7 @@ void AddCommands(CommandLine &line)
     AddShowCommands(line, line.Root());
     AddTreeCommand(line);
     AddWatchCommands(line);
+    AddMetricsCommand(line);
     AddBatchCommand(line);
     AddDictionaryCommand(line);
     AddSchemaCommand(line);

@@ -1,5 +1,5 @@
 // Entry of the tool: from the words of a command line to an exit status. A closed pipe must end a walk, not kill the
-// process while a session is open, so SIGPIPE is ignored and shows as a failed write.
+// process while a session is open, so SIGPIPE is ignored and shows as a failed write; so does a file that may not grow.
 #include "process/hardening.h"
 #include "process/standard_streams.h"
 #include "tools/rsvpctl/command/command_line.h"
@@ -60,6 +60,7 @@ int main(int argc, char **argv)
     process::OpenStandardStreams();
     process::LeaveNoCore();
     (void)std::signal(SIGPIPE, SIG_IGN);
+    (void)std::signal(SIGXFSZ, SIG_IGN);
     try {
         return static_cast<int>(rsvpctl::RunProgram({argv + 1, argv + argc}));
     } catch (const std::exception &error) { // not even the commands could be made: there is no memory

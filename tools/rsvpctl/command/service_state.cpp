@@ -87,4 +87,9 @@ uint32_t AskDaemon()
     return RSVP_MOR_GetRsvpDebug(session.Fd(), &info);
 }
 
+bool IsAnswer(uint32_t status)
+{
+    return status != RSVP_MOR_ERR_LIPC && status != RSVP_MOR_ERR_FAIL;
+}
+
 } // namespace rsvpctl

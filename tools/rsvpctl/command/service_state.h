@@ -40,6 +40,9 @@ ServiceState AskService();
 /** Asks the daemon the cheapest question and returns the status. */
 uint32_t AskDaemon();
 
+/** Whether that status is an answer: a reply came, whatever it says. */
+bool IsAnswer(uint32_t status);
+
 } // namespace rsvpctl
 
 #endif

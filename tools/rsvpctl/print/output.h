@@ -125,6 +125,9 @@ public:
      * command lines. */
     void Message(const std::string &text);
 
+    /** Says once that words have no names, if no dictionary gives them. */
+    void TellMissingNames();
+
     /** From now on Ctrl-C, or the end of the time, ends the document as a whole one, and the process. It is a
      * document of the operation even if nothing of one is written. */
     void EndWholeWhenEarly(const std::string &operation);
@@ -151,7 +154,6 @@ private:
     void EndWholeTable(const manager::WalkResult &result);
     void CloseRows(const manager::WalkResult &result);
     Exit Fail(const Outcome &failure, const std::string &headline, const Reason &reason);
-    void TellMissingNames();
     void MemberReason(const Reason &reason);
     void Member(const char *name, const manager::Json &value);
     std::string Ending(Exit exit) const;

@@ -18,8 +18,7 @@ Exit ShowStatus(Output &out, const std::string &operation)
     const ServiceState state = AskService();
     const Running running = state.Anywhere();
     const uint32_t answer = AskDaemon();
-    // It answers if a reply came, whatever that says.
-    const bool answers = answer != RSVP_MOR_ERR_LIPC && answer != RSVP_MOR_ERR_FAIL;
+    const bool answers = IsAnswer(answer);
     Json record{{"service", NameOf(running)}, {"daemon", answers ? "answers" : "does not answer"}};
     uint32_t count = 0;
     const uint32_t counted = answers ? RSVP_GetUpLspNumber(&count) : answer;

@@ -6,13 +6,11 @@
 #include <algorithm>
 #include <cstring>
 #include <fmt/format.h>
-#include <nlohmann/json.hpp>
 
 namespace rsvpctl {
 namespace {
 
-using manager::Field, manager::FieldKind, manager::Form, manager::Json, manager::Leaf, manager::Meaning,
-    manager::PlacedMeaning;
+using manager::Field, manager::FieldKind, manager::Form, manager::Leaf, manager::Meaning, manager::PlacedMeaning;
 
 constexpr size_t kDigits[] = {0, 3, 5, 8, 10, 13, 15, 17, 20}; // of the largest number in so many bytes
 constexpr size_t kTextWidth = 24;
@@ -70,14 +68,6 @@ size_t WidestValue(const Meaning &meaning)
         return kDigits[meaning.width] +
                (meaning.unit.empty() || meaning.unit == "count" ? 0 : meaning.unit.size() + 1);
     }
-}
-
-std::string LeafText(const Leaf &leaf, const void *row)
-{
-    const Json value = ScalarToJson(*leaf.field, manager::At(row, leaf.offset));
-    if (value.is_string())
-        return manager::HarmlessText(value.get_ref<const std::string &>());
-    return value.is_null() ? "-" : value.dump();
 }
 
 bool IsNumber(const Meaning &meaning)
