@@ -91,7 +91,12 @@ need_host() {
 need_tests() {
   need_host
   need googletest abigail-tools tshark doxygen graphviz man-db mandoc pkg-config python3-jsonschema dpkg-dev file lintian \
-    jq zsh
+    jq zsh systemd
+}
+
+# The services of others that tests on this machine talk to.
+unpack_counterparts() {
+  unpack prometheus prometheus-node-exporter
 }
 
 # Runs a command and shows what it printed only if it fails.
@@ -202,6 +207,7 @@ demo)
   ;;
 test)
   need_arm
+  unpack_counterparts
   build_and_test host
   build_and_test sanitize
   build_and_test arm
@@ -223,6 +229,7 @@ threads)
 memory)
   need_tests
   need valgrind
+  unpack_counterparts
   reports=build/memory/valgrind # of every program that a test starts, whoever waits for it
   rm -rf $reports
   mkdir -p $reports

@@ -54,7 +54,8 @@ install(FILES ${CMAKE_BINARY_DIR}/rsvp_mor.pc DESTINATION ${RSVP_MOR_PKGCONFIG_D
 install(FILES docs/man/librsvp_mor.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3 COMPONENT development)
 install(DIRECTORY examples docs DESTINATION ${RSVP_MOR_SHARE_DIR} COMPONENT development
   FILES_MATCHING PATTERN "*.c" PATTERN "*.hpp" PATTERN "*.md"
-  PATTERN "walk.cpp" PATTERN "man" EXCLUDE PATTERN "dictionary.md" EXCLUDE PATTERN "json.md" EXCLUDE)
+  PATTERN "walk.cpp" PATTERN "man" EXCLUDE PATTERN "dictionary.md" EXCLUDE PATTERN "json.md" EXCLUDE
+  PATTERN "monitoring*" EXCLUDE)
 
 # ---- Programs ----------------------------------------------------------------------------------------------------
 
@@ -81,7 +82,8 @@ if(RSVP_MOR_PLATFORM STREQUAL "host")
     DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT tools)
   # Wireshark looks for plugins in Lua beside those that are compiled, and there not below the folder of its version.
   install(FILES ${RSVP_MOR_DISSECTOR} DESTINATION ${CMAKE_INSTALL_LIBDIR}/wireshark/plugins COMPONENT tools)
-  install(FILES docs/dictionary.md docs/json.md DESTINATION ${RSVP_MOR_SHARE_DIR}/docs COMPONENT tools)
+  install(FILES docs/dictionary.md docs/json.md docs/monitoring.md DESTINATION ${RSVP_MOR_SHARE_DIR}/docs COMPONENT tools)
+  install(DIRECTORY examples/monitoring DESTINATION ${RSVP_MOR_SHARE_DIR}/examples COMPONENT tools)
   install(DIRECTORY schema DESTINATION ${RSVP_MOR_SHARE_DIR} COMPONENT tools)
   install(FILES docs/man/rsvpctl.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
   install(FILES docs/man/rsvpsimd-scenario.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5 COMPONENT tools)

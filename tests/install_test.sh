@@ -25,6 +25,7 @@ for file in "$library/librsvp_mor.a" "$library/wireshark/plugins/rsvp_mor.lua" "
   "$prefix/share/man/man1/rsvpctl.1" "$prefix/share/man/man3/librsvp_mor.3" "$prefix/share/man/man8/rsvpsimd.8" \
   "$prefix/share/man/man5/rsvpsimd-scenario.5" \
   "$share/scenarios/demo.toml" "$share/dictionaries/rsvpsimd.toml" "$share/docs/dictionary.md" "$share/docs/json.md" "$share/schema/1.json" \
+  "$share/docs/monitoring.md" "$share/examples/monitoring/rsvp-mor-metrics.timer" \
   "$share/docs/writing-a-manager.md"; do
   [ -f "$file" ] || {
     echo "not installed: $file"

@@ -75,7 +75,7 @@ void AddMetricsCommand(CommandLine &line)
     Command &command = line.Add(line.Root(), "metrics", "Figures for monitoring, as a Prometheus server takes them",
                                 "  rsvpctl metrics\n"
                                 "  rsvpctl metrics --rows --tables tunnels,crlsp\n"
-                                "  rsvpctl metrics --output /var/lib/prometheus/node-exporter/rsvp_mor.prom");
+                                "  rsvpctl metrics --output rsvp_mor.prom");
     command.inBatch = false;
     const Option output = command.node.AddFile("--output", "Into a file, which is replaced in one step");
     const Option format =
