@@ -120,6 +120,13 @@ def interfaces_are(*wanted):
     return lambda device: [row["ifWord1"] for row in rows_of(device, "interfaces")] == list(wanted)
 
 
+def figures_are_written(device):
+    file = device.path / "figures.prom"
+    written = file.exists() and re.search(r"^rsvp_mor_daemon_up [01]\n(.*\n)+\Z", file.read_text(), re.M)
+    file.unlink(missing_ok=True)  # the next run is to write it anew
+    return written
+
+
 def without_times(text):
     return re.sub(r'"time":"[^"]*"', "", text)
 
@@ -217,6 +224,7 @@ ROWS = [
     Row("tree --key-file key.json --json", ["enable"], shows=True),
     Row("watch show tunnels --initial --json --interval 100ms --count 2", ["enable"], shows=True),
     Row("batch lines --json", [*SERVES], interfaces_are(3, 4), shows=True),
+    Row("metrics --output figures.prom", ["enable"], figures_are_written),
     DaemonRow(),
 ]
 

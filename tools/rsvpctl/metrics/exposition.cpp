@@ -19,6 +19,11 @@ constexpr std::string_view kReserved[] = {
     "counter", "gauge", "histogram", "summary", "bucket", "count", "sum", "total", "info", "s", "ms", "us",
     "ns",      "sec",   "b",         "kb",      "mb",     "gb",    "tb",  "pb",    "m",    "h", "d"};
 
+bool IsReserved(std::string_view word)
+{
+    return std::find(std::begin(kReserved), std::end(kReserved), word) != std::end(kReserved);
+}
+
 bool IsUpper(char c)
 {
     return c >= 'A' && c <= 'Z';
@@ -78,14 +83,14 @@ std::string FigureName(std::string_view words)
     std::string joined;
     bool wasReserved = true; // nothing stands before the first word
     for (const std::string_view word : manager::Split(name, '_')) {
-        const bool isReserved = std::find(std::begin(kReserved), std::end(kReserved), word) != std::end(kReserved);
+        const bool isReserved = IsReserved(word);
         const bool isLast = word.data() + word.size() == name.data() + name.size();
         if (!wasReserved && !(isReserved && isLast))
             joined += '_';
         joined += word;
         wasReserved = isReserved;
     }
-    return joined;
+    return IsReserved(joined) ? joined + "value" : joined;
 }
 
 std::string Untaken(const std::string &name, std::set<std::string> &taken)

@@ -18,7 +18,7 @@ namespace rsvpctl {
 std::string SnakeCase(std::string_view words);
 
 /** The same for the name of a figure: a word that Prometheus keeps for itself is written together with the next one,
- * or with the one before: "summaryRefresh" -> "summaryrefresh". */
+ * or with the one before: "summaryRefresh" -> "summaryrefresh". Alone it is a "value": "sum" -> "sumvalue". */
 std::string FigureName(std::string_view words);
 
 /** The name, or the name with a number if it is taken; it is taken then. */
