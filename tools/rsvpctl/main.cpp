@@ -21,7 +21,7 @@ namespace {
 Exit RunInTime(Output &out, const CommandLine &line, const Command &command)
 {
     std::optional<TimeLimit> limit;
-    if (const auto timeout = line.ChosenTimeout(); timeout && !command.limitsPolls)
+    if (const auto timeout = line.ChosenTimeout(); timeout && !command.limitsItself)
         limit.emplace(*timeout, command.name);
     return Run(out, command);
 }

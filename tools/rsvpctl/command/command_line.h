@@ -40,12 +40,12 @@ struct Command {
      * the daemon. Null where nothing is known. */
     std::function<std::vector<std::string>(const std::string &option, const std::string &typed)> suggest;
 
-    bool inBatch = true;      // may be used in a batch file
-    bool takesDetail = false; // --detail changes what it prints
-    bool hasColumns = false;  // it may print a table, for which there are forms
-    bool takesSecret = false; // what is typed by mistake may be a key, so no refusal repeats it
-    bool limitsPolls = false; // --timeout is for each poll, not for the run
-    bool mayBeLong = false;   // may fill more than a screen; a change or a watch is never held behind a pager
+    bool inBatch = true;       // may be used in a batch file
+    bool takesDetail = false;  // --detail changes what it prints
+    bool hasColumns = false;   // it may print a table, for which there are forms
+    bool takesSecret = false;  // what is typed by mistake may be a key, so no refusal repeats it
+    bool limitsItself = false; // --timeout is not for the run: each poll has it, or all reads of a whole document
+    bool mayBeLong = false;    // may fill more than a screen; a change or a watch is never held behind a pager
 };
 
 class CommandLine {

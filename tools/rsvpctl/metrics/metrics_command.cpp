@@ -77,6 +77,7 @@ void AddMetricsCommand(CommandLine &line)
                                 "  rsvpctl metrics --rows --tables tunnels,crlsp\n"
                                 "  rsvpctl metrics --output rsvp_mor.prom");
     command.inBatch = false;
+    command.limitsItself = true;
     const Option output = command.node.AddFile("--output", "Into a file, which is replaced in one step");
     const Option format =
         command.node.AddChoice("--format", "FORMAT", {"openmetrics", "prometheus"},
@@ -88,12 +89,12 @@ void AddMetricsCommand(CommandLine &line)
         fmt::format("Figures of at most so many rows of a table; {} if not given", kUsualMostRows));
     const Option tables =
         command.node.AddText("--tables", "NAME,...", CheckTables, "Read these tables, in this order");
-    command.run = [&command, output, format, rows, limit, tables](Output &out) {
+    command.run = [&line, &command, output, format, rows, limit, tables](Output &out) {
         if (out.IsJson())
             throw UsageError("metrics: --json excludes figures, which have formats of their own");
         const std::string file = output.Text();
         const bool isClassic = format.IsGiven() ? format.Text() == "prometheus" : !file.empty();
-        const manager::Deadline deadline(kUsualPatience);
+        const manager::Deadline deadline(line.ChosenTimeout().value_or(kUsualPatience));
         const Exposition document = Collect(out, {TablesOf(tables), rows.IsGiven(), limit.NumberOr(kUsualMostRows)});
         return Write(out, command.name, file, document.Text(isClassic ? Format::Classic : Format::OpenMetrics));
     };

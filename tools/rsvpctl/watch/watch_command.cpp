@@ -326,7 +326,7 @@ void AddWatchCommands(CommandLine &line)
         command->mayBeLong = false;
         command->takesDetail = false;
         command->hasColumns = false;
-        command->limitsPolls = true;
+        command->limitsItself = true;
         command->run = [&line, command, read = command->run, options](Output &out) {
             return Watch(out, *command, {read, line.ChosenTimeout()}, options);
         };
