@@ -1,5 +1,6 @@
 // Entry of the tool: from the words of a command line to an exit status. A closed pipe must end a walk, not kill the
-// process while a session is open, so SIGPIPE is ignored and shows as a failed write; so does a file that may not grow.
+// process while a session is open, so SIGPIPE is ignored and shows as a failed write; so does a file that may not
+// grow.
 #include "process/hardening.h"
 #include "process/standard_streams.h"
 #include "tools/rsvpctl/command/command_line.h"

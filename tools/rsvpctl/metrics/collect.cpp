@@ -23,7 +23,7 @@ namespace {
 using manager::Table, manager::WalkEnd, manager::WalkResult;
 
 /** Seconds since it was made. */
-class Watch {
+class Stopwatch {
 public:
     double Seconds() const { return std::chrono::duration<double>(Clock::now() - begin_).count(); }
 
@@ -74,7 +74,7 @@ private:
     Output &out_;
     const Wanted &wanted_;
     Exposition document_;
-    const Watch watch_;
+    const Stopwatch stopwatch_;
     Family &build_ = Gauge("build_info", "The program and the daemon that its dictionary is for");
     Family &begun_ = Gauge("run_timestamp_seconds", "When the run began, in seconds since 1970");
     Family &took_ = Gauge("run_duration_seconds", "How long the run took");
@@ -114,9 +114,9 @@ void Collector::Read(const char *name, const std::function<std::string()> &read)
         notRead_.emplace_back(name);
         return;
     }
-    const Watch watch;
+    const Stopwatch stopwatch;
     const std::string problem = read();
-    duration_.Add({{"table", name}}, watch.Seconds());
+    duration_.Add({{"table", name}}, stopwatch.Seconds());
     success_.Add({{"table", name}}, problem.empty() ? 1 : 0);
     if (!problem.empty())
         out_.Message(fmt::format("rsvpctl: metrics: {}: {}", name, problem));
@@ -130,7 +130,7 @@ std::string Collector::ReadCounts()
         const uint32_t status = count.read(&number);
         if (status == RSVP_MOR_OK)
             Gauge(SnakeCase(count.name).c_str(), count.help).Add(number);
-        else
+        else if (problem.empty())
             problem = ProblemOf(count.function, status);
     }
     return problem;
@@ -163,7 +163,7 @@ std::string Collector::ReadTable(const Table &table)
                                         figures.Take(row);
                                         return true;
                                     });
-    if (const std::string problem = ProblemOf(result); !problem.empty())
+    if (std::string problem = ProblemOf(result); !problem.empty())
         return problem;
     rows_.Add({{"table", table.name}}, static_cast<double>(result.rows));
     if (isOneByOne)
@@ -188,7 +188,7 @@ Exposition Collector::Run()
         figures.AddTo(document_);
     if (answers_ && !notRead_.empty())
         out_.Message("rsvpctl: metrics: the time is over; not read: " + manager::Joined(notRead_, ", "));
-    took_.Add(watch_.Seconds());
+    took_.Add(stopwatch_.Seconds());
     return std::move(document_);
 }
 

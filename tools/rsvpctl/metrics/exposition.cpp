@@ -10,7 +10,7 @@
 namespace rsvpctl {
 namespace {
 
-constexpr std::string_view kPrefix = "rsvp_mor_";
+constexpr std::string_view kFigurePrefix = "rsvp_mor_";
 constexpr std::string_view kCounterEnd = "_total";
 
 // Types of families, their ends, and units that are not written out: as a word of a name each would say what the
@@ -40,7 +40,7 @@ std::string EscapedValue(std::string_view text)
     return escaped;
 }
 
-std::string LabelsText(const Labels &labels)
+std::string SeriesLabels(const Labels &labels)
 {
     std::string text;
     std::set<std::string> taken;
@@ -108,12 +108,12 @@ Family::Family(std::string name, Kind kind, std::string help)
 
 void Family::Add(const Labels &labels, double value)
 {
-    series_.push_back({LabelsText(labels), NumberText(value)});
+    series_.push_back({SeriesLabels(labels), NumberText(value)});
 }
 
 Family &Exposition::Add(const std::string &name, Family::Kind kind, const std::string &help)
 {
-    return families_.emplace_back(Untaken(fmt::format("{}{}", kPrefix, name), names_), kind, help);
+    return families_.emplace_back(Untaken(fmt::format("{}{}", kFigurePrefix, name), names_), kind, help);
 }
 
 std::string Exposition::Text(Format format) const

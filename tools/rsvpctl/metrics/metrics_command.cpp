@@ -56,7 +56,7 @@ std::vector<const Table *> TablesOf(const Option &option)
 }
 
 // A document that was written whole is a success, whatever the daemon did: that is what its figures are for.
-Exit Write(Output &out, const std::string &operation, const std::string &file, const std::string &text)
+Exit WriteDocument(Output &out, const std::string &operation, const std::string &file, const std::string &text)
 {
     if (file.empty())
         return out.Help(text);
@@ -96,7 +96,8 @@ void AddMetricsCommand(CommandLine &line)
         const bool isClassic = format.IsGiven() ? format.Text() == "prometheus" : !file.empty();
         const manager::Deadline deadline(line.ChosenTimeout().value_or(kUsualPatience));
         const Exposition document = Collect(out, {TablesOf(tables), rows.IsGiven(), limit.NumberOr(kUsualMostRows)});
-        return Write(out, command.name, file, document.Text(isClassic ? Format::Classic : Format::OpenMetrics));
+        return WriteDocument(out, command.name, file,
+                             document.Text(isClassic ? Format::Classic : Format::OpenMetrics));
     };
 }
 

@@ -85,7 +85,7 @@ bool IsNothing(const Leaf &leaf, const void *row)
     return std::all_of(at, at + leaf.field->width, [](std::byte byte) { return byte == std::byte{0}; });
 }
 
-std::string HelpOf(const manager::Table &table, const Meaning &meaning)
+std::string FigureHelp(const manager::Table &table, const Meaning &meaning)
 {
     return fmt::format("{} of {}: {}{}{}", meaning.name, table.name, meaning.field, meaning.mib.empty() ? "" : ", ",
                        meaning.mib);
@@ -192,7 +192,7 @@ void TableFigures::AddTo(Exposition &document) const
     }
     for (const Quantity &quantity : quantities_) {
         const Meaning &meaning = *quantity.placed.meaning;
-        Family &family = document.Add(NameOf(table_, meaning), KindOf(meaning), HelpOf(table_, meaning));
+        Family &family = document.Add(NameOf(table_, meaning), KindOf(meaning), FigureHelp(table_, meaning));
         for (size_t i = 0; i < taken_.size(); ++i)
             family.Add(taken_[i].first, quantity.values[i]);
     }
