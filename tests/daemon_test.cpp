@@ -22,6 +22,7 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <random>
+#include <regex>
 #include <set>
 #include <sys/eventfd.h>
 #include <sys/prctl.h>
@@ -298,7 +299,7 @@ TEST(Events, AreDueInTheirOrderAndAreNotMadeUpFor)
     using std::chrono::milliseconds;
     const auto start = Timeline::Time() + std::chrono::hours(5);
     const auto event = [](size_t line, int first, int period) {
-        return Event{.line = line, .first = milliseconds(first), .period = milliseconds(period)};
+        return Event{.line = {line}, .first = milliseconds(first), .period = milliseconds(period)};
     };
     Timeline timeline({event(1, 10, 0), event(2, 5, 5), event(3, 10, 20), event(4, 0, 0)}, start);
     const struct {
@@ -310,7 +311,7 @@ TEST(Events, AreDueInTheirOrderAndAreNotMadeUpFor)
     for (const auto &row : rows) {
         std::vector<size_t> lines;
         while (const Event *due = timeline.Take(start + milliseconds(row.now)))
-            lines.push_back(due->line);
+            lines.push_back(due->line.number);
         EXPECT_EQ(lines, row.lines) << row.now;
         EXPECT_EQ(timeline.Next(), start + milliseconds(row.next)) << row.now;
     }
@@ -1066,9 +1067,13 @@ TEST(Program, TracesAndCapturesToFilesIsConfinedAndTidiesUp)
     const program::HostDirectory directory;
     StartThrough(directory, "", "--trace trace --capture capture");
     EXPECT_EQ(RSVP_MOR_SetDscpValue(7), RSVP_MOR_OK);
-    EXPECT_EQ(directory.Read("trace"), "2 > global set dscp(19) 4 {dscp=7}\n2 < global set status 0x00000000\n");
     EXPECT_EQ(Decoded(directory.PathOf("capture")),
               std::vector<std::string>({"2 > global set dscp(19) 4 {dscp=7}", "2 < global set status 0x00000000"}));
+    const std::string trace = directory.Read("trace");
+    const std::string time = "20[0-9-]{8}T[0-9:]{8}\\.[0-9]{6}Z ";
+    EXPECT_TRUE(std::regex_match(trace, std::regex(time + "2 > global set dscp\\(19\\) 4 \\{dscp=7\\}\n" + time +
+                                                   "2 < global set status 0x00000000\n")))
+        << trace;
     const std::string pid = directory.Read(rsvp_host::kLockFile);
     std::ifstream file("/proc/" + pid.substr(0, pid.size() - 1) + "/status");
     const std::string status{std::istreambuf_iterator<char>(file), {}};
@@ -1076,6 +1081,91 @@ TEST(Program, TracesAndCapturesToFilesIsConfinedAndTidiesUp)
     EXPECT_EQ(status.find("Seccomp:\t2") != std::string::npos, !kSanitized && KernelHasFilters()) << status;
     EXPECT_EQ(RSVP_MOR_SetMplsRsvp(1), RSVP_MOR_OK);
     EXPECT_FALSE(std::filesystem::exists(directory.PathOf(rsvp_host::kSocketFile))); // it ended in order
+}
+
+// The socket of a service manager, with a name that no file has.
+class ServiceManager {
+public:
+    ServiceManager()
+    {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        (void)bind(fd_, reinterpret_cast<sockaddr *>(&address), sizeof(sa_family_t)); // the kernel chooses the name
+        socklen_t length = sizeof(address);
+        getsockname(fd_, reinterpret_cast<sockaddr *>(&address), &length);
+        name_ = "@" + std::string(address.sun_path + 1, length - sizeof(sa_family_t) - 1);
+    }
+    ~ServiceManager() { close(fd_); }
+    const std::string &Name() const { return name_; }
+    std::string Next() const
+    {
+        std::string message(200, '\0');
+        message.resize(static_cast<size_t>(std::max<ssize_t>(recv(fd_, message.data(), message.size(), 0), 0)));
+        return message;
+    }
+
+private:
+    int fd_ = socket(AF_UNIX, SOCK_DGRAM, 0);
+    std::string name_;
+};
+
+TEST(Program, TellsThatItListensAndReadsItsScenarioAgain)
+{
+    const std::string event = "[[event]]\nat = '1h'\nfault = 'silent'\n";
+    const program::HostDirectory directory("[[nbr]]\nnbrWord0 = 1\n[[nbr]]\nnbrWord0 = 2\n" + event);
+    const ServiceManager manager;
+    StartThrough(directory, "export NOTIFY_SOCKET=" + manager.Name(), "--ready-fd 7 7>ready --fault late=1,op=9");
+    EXPECT_EQ(manager.Next(), "READY=1");
+    EXPECT_EQ(directory.Read("ready"), "READY\n");
+    EXPECT_EQ(RSVP_MOR_SetDscpValue(7), RSVP_MOR_OK);
+    const std::string added = "[[nbr]]\nnbrWord0 = 2\nnbrWord3 = 1\n[[nbr]]\nnbrWord0 = 3\n";
+    const struct {
+        std::string scenario; // "": the file is gone
+        std::string_view told;
+    } rows[] = {
+        {added + event, "read again; what changed: nbr 1 added, 1 changed, 1 removed; global settingWord1\n"},
+        {"\n" + added + event, "read again; what changed: nothing\n"},
+        {added + "speed = 1\n", "scenario.toml:6: speed: there is no such key; nothing changed\n"},
+        {added + "x\n", "scenario.toml:6: Error"},
+        {"", "scenario.toml: there is no such file to read again; nothing changed\n"},
+        {"[counters]\nfrrIfNum = 2\n[rows]\npsb = 5\n[[fault]]\nkind = 'close'\nop = 9\n",
+         "nbr 2 removed; psb 5 added; counters; 2 faults instead of 1; 0 events instead of 1\n"},
+    };
+    const auto pid = static_cast<pid_t>(std::stol(directory.Read(rsvp_host::kLockFile)));
+    uint64_t last = 0;
+    for (const auto &row : rows) {
+        const size_t before = directory.Log().size();
+        directory.Write("new", row.scenario);
+        if (row.scenario.empty())
+            std::filesystem::remove(directory.PathOf(rsvp_host::kScenarioFile));
+        else
+            std::filesystem::rename(directory.PathOf("new"), directory.PathOf(rsvp_host::kScenarioFile));
+        kill(pid, SIGHUP);
+        const std::string reloading = manager.Next();
+        EXPECT_TRUE(reloading.starts_with("RELOADING=1\nMONOTONIC_USEC=")) << reloading;
+        const uint64_t now = std::stoull(reloading.substr(reloading.rfind('=') + 1));
+        EXPECT_GT(now, last);
+        last = now;
+        EXPECT_EQ(manager.Next(), "READY=1");
+        EXPECT_NE(directory.Log().substr(before).find(row.told), std::string::npos) << directory.Log();
+    }
+    EXPECT_EQ(RSVP_MOR_SetMplsRsvp(1), RSVP_MOR_OK);
+    EXPECT_EQ(manager.Next(), "STOPPING=1");
+    EXPECT_EQ(program::Run(directory, {RSVPSIMD_PATH, "--ready-fd", "77"}).exit, 2);
+}
+
+TEST(Program, LetsAWatchSeeItsEvents)
+{
+    const program::HostDirectory directory("[[nbr]]\nnbrWord0 = 1\n[[event]]\nat = '0s'\nevery = '1ms'\n"
+                                           "[[event.change.nbr]]\nnbrWord0 = 1\nadd = { nbrWord8 = 1 }\n");
+    ASSERT_EQ(RSVP_MOR_SetMplsRsvp(0), RSVP_MOR_OK);
+    const auto watch =
+        program::Run(directory, {RSVPCTL_PATH, "watch", "show", "neighbours", "--interval", "100ms", "--count", "3"});
+    EXPECT_EQ(watch.exit, 0) << watch.err;
+    size_t changes = 0; // one for each poll behind the first
+    for (size_t at = 0; (at = watch.out.find("named/messagesSent", at)) != std::string::npos; ++at)
+        ++changes;
+    EXPECT_EQ(changes, 2U) << watch.out;
 }
 
 TEST(Program, ListsItsLayouts)

@@ -73,20 +73,24 @@ std::vector<std::string> Daemon::Happen(const Event &event)
         Add(*event.begins);
         note("a fault began");
     }
-    if (trace_) {
-        std::string line = fmt::format("event of line {}: {}", event.line, outcome.done);
-        for (const std::string &problem : outcome.problems)
-            line += fmt::format("{}{}", line.ends_with(": ") ? "" : "; ", problem);
-        trace_(line);
-    }
+    std::string line = fmt::format("event of line {}: {}", event.line.number, outcome.done);
+    for (const std::string &problem : outcome.problems)
+        line += fmt::format("{}{}", line.ends_with(": ") ? "" : "; ", problem);
+    Note(line);
     return std::move(outcome.problems);
+}
+
+void Daemon::Note(const std::string &line) const
+{
+    if (trace_)
+        trace_(line);
 }
 
 Reply Daemon::Answer(ByteView request, uint64_t client)
 {
     Reply reply;
     if (trace_)
-        trace_(DescribeRequest(client, request));
+        Note(DescribeRequest(client, request));
     const std::optional<Message> message = ReadMessage(request);
     if (!message) {
         // Without a whole header there is nothing to answer.
@@ -105,7 +109,7 @@ Reply Daemon::Answer(ByteView request, uint64_t client)
             Strike(fault, reply);
     }
     if (trace_)
-        trace_(DescribeReply(client, request, reply));
+        Note(DescribeReply(client, request, reply));
     return reply;
 }
 

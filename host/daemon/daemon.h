@@ -22,6 +22,9 @@ public:
     // Does what the event says, and returns what of it was not possible.
     std::vector<std::string> Happen(const Event &event);
 
+    // A line of its own in the trace.
+    void Note(const std::string &line) const;
+
     // `client` is only a label in the trace.
     Reply Answer(ByteView request, uint64_t client = 0);
 

@@ -81,9 +81,9 @@ public:
     }
 
 private:
-    void Miss(RowKindRef kind, size_t line, std::string_view why)
+    void Miss(RowKindRef kind, Line line, std::string_view why)
     {
-        outcome_.problems.push_back(fmt::format("the {} of line {} {}", kind->name, line, why));
+        outcome_.problems.push_back(fmt::format("the {} of line {} {}", kind->name, line.number, why));
     }
 
     Device &device_;

@@ -4,14 +4,17 @@
 #include "host/daemon/instance.h"
 #include "host/daemon/life.h"
 #include "host/daemon/line_log.h"
+#include "host/daemon/notify.h"
 #include "host/daemon/options.h"
 #include "host/daemon/sandbox.h"
 #include "host/daemon/server.h"
 #include "host/directory.h"
+#include "process/clock.h"
 #include "process/hardening.h"
 #include "process/standard_streams.h"
 
 #include <csignal>
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <sys/signalfd.h>
 #include <system_error>
@@ -21,18 +24,25 @@ namespace {
 
 enum ExitStatus { kDone = 0, kUsage = 2, kNoInstance = 3, kToldToCrash = 4 };
 
-// The two signals that end the daemon become something to read, so that the loop ends between two requests.
-int OpenStopSignals()
+// Signals become something to read, so that they take effect between two requests.
+int OpenSignals(std::initializer_list<int> numbers)
 {
     sigset_t signals;
     sigemptyset(&signals);
-    sigaddset(&signals, SIGTERM);
-    sigaddset(&signals, SIGINT);
+    for (const int number : numbers)
+        sigaddset(&signals, number);
     sigprocmask(SIG_BLOCK, &signals, nullptr);
     const int fd = signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
     if (fd < 0)
         throw std::system_error(errno, std::generic_category(), "signalfd");
     return fd;
+}
+
+bool HasTerminal()
+{
+    const int terminal = open("/dev/tty", O_RDONLY | O_CLOEXEC | O_NOCTTY);
+    close(terminal);
+    return terminal >= 0;
 }
 
 // Writing to a pipe without a reader, or beyond the largest file that this user may have, fails instead of ending
@@ -54,7 +64,7 @@ public:
 
     void Tell(const std::string &sentence) { messages_.Write("rsvpsimd: " + sentence); }
     void OpenTrace(const std::string &path) { trace_.emplace(path); }
-    void Trace(const std::string &line) { (trace_ ? *trace_ : messages_).Write(line); }
+    void Trace(const std::string &line) { (trace_ ? *trace_ : messages_).Write(process::TimeStamp() + " " + line); }
 
     void Flush()
     {
@@ -72,7 +82,8 @@ int Serve(rsvpsimd::Daemon &daemon, rsvpsimd::Setup setup, const rsvpsimd::Optio
 {
     const auto tell = [&logs](const std::string &sentence) { logs.Tell(sentence); };
     const std::string directory = rsvp_host::DirectoryPath(options.hostDirectory);
-    const int stop = OpenStopSignals();
+    const int stop = OpenSignals({SIGTERM, SIGINT});
+    const int again = OpenSignals({SIGHUP});
     rsvpsimd::Instance instance(directory);
     rsvpsimd::Server server(instance.Listener(), stop, daemon);
     server.TellTo(tell);
@@ -95,12 +106,28 @@ int Serve(rsvpsimd::Daemon &daemon, rsvpsimd::Setup setup, const rsvpsimd::Optio
     });
     for (const std::string &missing : rsvpsimd::Confine(directory))
         logs.Tell(missing);
-    rsvpsimd::Life life(daemon, std::move(setup), std::chrono::steady_clock::now(), tell);
+    rsvpsimd::Life life(daemon, options, std::move(setup), std::chrono::steady_clock::now(), tell);
     server.EachTurn([&life](rsvpsimd::Timeline::Time now) { return life.Turn(now); });
+    rsvpsimd::Notifier notifier(options.readyFd, getenv("NOTIFY_SOCKET"), tell);
+    server.WhenReadable(again, [&, hadTerminal = HasTerminal()] {
+        signalfd_siginfo signal;
+        if (read(again, &signal, sizeof(signal)) < 0)
+            return;
+        // A terminal that goes says so by the same signal.
+        if (hadTerminal && !HasTerminal()) {
+            raise(SIGTERM);
+            return;
+        }
+        notifier.Reloading();
+        life.ReadAgain(std::chrono::steady_clock::now());
+        notifier.Ready();
+    });
+    notifier.Ready();
     // The fault is meant to leave everything as a crash would.
     if (server.Run() == rsvpsimd::Server::End::Crashed)
         _exit(kToldToCrash);
     tellLoss(true);
+    notifier.Stopping();
     return kDone;
 }
 
@@ -125,6 +152,8 @@ int main(int argc, char **argv)
             rsvpsimd::PrintCapture(*options);
             return kDone;
         }
+        if (options->readyFd)
+            rsvpsimd::CheckInherited(*options->readyFd);
         rsvpsimd::Daemon daemon;
         rsvpsimd::Setup setup = rsvpsimd::ReadSetup(*options);
         if (setup.behaviour.trace && !options->trace)

@@ -76,6 +76,9 @@ std::optional<Options> ReadOptions(int argc, char **argv, int &exitStatus)
     CLI::Option *decode =
         app.add_option("--decode", options.decode, "print a capture, a line a frame, and end")->type_name("FILE");
     app.add_flag("--json", options.json, "each line of it a JSON object with all fields")->needs(decode);
+    app.add_option("--ready-fd", options.readyFd, "write READY to this descriptor when it listens, and close it")
+        ->type_name("N")
+        ->check(CLI::PositiveNumber);
     app.add_flag("--check", options.check, "read everything, answer nothing");
     app.add_flag("--list-layouts", options.listLayouts, "print the fields of every value and key");
     try {

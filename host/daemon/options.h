@@ -19,6 +19,7 @@ struct Options {
     bool captureSecrets = false;
     std::string decode; // a capture to print; empty: none
     bool json = false;
+    std::optional<int> readyFd;
     bool check = false;
     bool listLayouts = false;
 };

@@ -44,7 +44,9 @@ Server::End Server::Run()
         if (task_)
             nextTask_ = task_(Clock::now());
         // A negative descriptor is not looked at; a socket is, even if nothing is wanted of it.
-        polled.assign({{stop_, POLLIN, 0}, {Clock::now() >= nextAccept_ ? listener_ : -1, POLLIN, 0}});
+        polled.assign(
+            {{stop_, POLLIN, 0}, {Clock::now() >= nextAccept_ ? listener_ : -1, POLLIN, 0}, {signal_, POLLIN, 0}});
+        const size_t first = polled.size();
         for (const Client &client : clients_) {
             const int wanted = client.answers.empty() ? POLLIN : client.blocked ? POLLOUT : 0;
             polled.push_back({client.fd, static_cast<short>(wanted), 0});
@@ -53,8 +55,10 @@ Server::End Server::Run()
             continue;
         if (polled[0].revents != 0)
             return End::Stopped;
+        if (polled[2].revents != 0)
+            signalTask_();
         auto client = clients_.begin();
-        for (size_t i = 2; i < polled.size(); ++i) {
+        for (size_t i = first; i < polled.size(); ++i) {
             const auto current = client++;
             const bool busy = polled[i].revents != 0;
             if (!Serve(*current, polled[i].revents))

@@ -42,6 +42,13 @@ public:
     // Is called once a second, between two turns. What it throws ends the loop.
     void EverySecond(std::function<void()> chore) { chore_ = std::move(chore); }
 
+    // Calls `task` between two turns when this descriptor can be read, which is for the task to do.
+    void WhenReadable(int fd, std::function<void()> task)
+    {
+        signal_ = fd;
+        signalTask_ = std::move(task);
+    }
+
     // Is called at each turn with the time, and returns when it is to be called at the latest. What it throws ends
     // the loop.
     void EachTurn(std::function<Timeline::Time(Timeline::Time)> task) { task_ = std::move(task); }
@@ -84,10 +91,12 @@ private:
 
     int listener_;
     int stop_;
+    int signal_ = -1;
     Daemon &daemon_;
     Places places_;
     std::function<void(const std::string &)> tell_;
     std::function<void()> chore_;
+    std::function<void()> signalTask_;
     std::function<Timeline::Time(Timeline::Time)> task_;
     std::function<void(const CapturedFrame &)> capture_;
     std::list<Client> clients_; // the one that was silent longest comes first

@@ -182,9 +182,7 @@ void Device::ApplyDebug(uint8_t op, ByteView value)
 uint32_t Device::ResetStatistics(uint64_t interface)
 {
     if (interface == 0) {
-        for (const Extent field : {FieldAt("globalInfo", "counters1"), FieldAt("globalInfo", "statWord1"),
-                                   FieldAt("globalInfo", "statWord2"), FieldAt("globalInfo", "statWord3"),
-                                   FieldAt("globalInfo", "statWord4"), FieldAt("globalInfo", "counters2")})
+        for (const Extent field : kGlobalStatistics)
             Clear(global_.Place(field));
         return kOk;
     }

@@ -26,6 +26,11 @@ private:
 // Adds 1 to the 32-bit number at the start of `place`.
 void CountUp(std::span<uint8_t> place);
 
+// The counters of the global record: what a reset of statistics clears.
+inline constexpr std::array kGlobalStatistics{
+    FieldAt("globalInfo", "counters1"), FieldAt("globalInfo", "statWord1"), FieldAt("globalInfo", "statWord2"),
+    FieldAt("globalInfo", "statWord3"), FieldAt("globalInfo", "statWord4"), FieldAt("globalInfo", "counters2")};
+
 // The items that ask for the two records of the whole daemon.
 inline constexpr uint16_t kDebugItem = 2;
 inline constexpr uint16_t kGlobalItem = 6;
@@ -47,6 +52,8 @@ public:
 
     uint32_t CountOf(const Count &count);
     void SetCount(std::string_view name, uint32_t number) { counts_.insert_or_assign(std::string(name), number); }
+
+    const std::map<std::string, uint32_t, std::less<>> &GivenCounts() const { return counts_; }
 
     // What the daemon starts with, and what undoing a global setting goes back to.
     void SetGlobal(const Record &record);

@@ -138,6 +138,37 @@ uint64_t Table::CountUpTo(ByteView key, bool ingressOnly) const
     return static_cast<uint64_t>(kept) + before;
 }
 
+// Stored rows are compared one by one. Of made rows only their number is, unless they are made otherwise: then all of
+// them are others.
+Table::Difference Table::Compare(const Table &before, const Table &after)
+{
+    Difference difference;
+    for (const auto &[key, body] : after.kept_) {
+        const std::optional<EncodedRow> old = before.Find(Seek::Exact, key);
+        if (!old)
+            ++difference.added;
+        else if (old->body != body)
+            ++difference.changed;
+    }
+    for (const auto &[key, body] : before.kept_) {
+        if (after.kept_.contains(key))
+            continue;
+        const std::optional<EncodedRow> now = after.Find(Seek::Exact, key);
+        if (!now)
+            ++difference.removed;
+        else if (now->body != body)
+            ++difference.changed;
+    }
+    if (before.variants_ != after.variants_)
+        difference.changed += std::min(before.made_.Size(), after.made_.Size());
+    const uint64_t known = before.Size() + difference.added - difference.removed;
+    if (after.Size() > known)
+        difference.added += after.Size() - known;
+    else
+        difference.removed += known - after.Size();
+    return difference;
+}
+
 Bytes *Table::Edit(ByteView key)
 {
     auto kept = kept_.find(key);

@@ -45,6 +45,15 @@ public:
     // How many rows have this key or a smaller one. Takes time with their number, as far as they are stored.
     uint64_t CountUpTo(ByteView key, bool ingressOnly = false) const;
 
+    // What it takes to come from one table of a kind to another. Takes time with the number of stored rows.
+    struct Difference {
+        uint64_t added = 0;
+        uint64_t changed = 0;
+        uint64_t removed = 0;
+        bool operator==(const Difference &) const = default;
+    };
+    static Difference Compare(const Table &before, const Table &after);
+
     // The body of this row, to be changed in place, or null. A made row is kept from now on. The role must stay as it
     // is.
     Bytes *Edit(ByteView key);

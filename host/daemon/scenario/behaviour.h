@@ -16,11 +16,17 @@ struct Refusal {
     bool operator==(const Refusal &) const = default;
 };
 
+// Where something stands in its file. It says nothing about what it is, so that an event that moved is still the same.
+struct Line {
+    size_t number = 0;
+    bool operator==(const Line &) const { return true; }
+};
+
 // What happens at once, in the order of the members.
 struct Event {
     template <typename What> struct InTable {
         RowKindRef kind;
-        size_t line = 0;
+        Line line = {};
         What what = {};
         bool operator==(const InTable &) const = default;
     };
@@ -30,7 +36,7 @@ struct Event {
         bool operator==(const RowChange &) const = default;
     };
 
-    size_t line = 0;
+    Line line = {};
     std::chrono::milliseconds first{0};  // after the start
     std::chrono::milliseconds period{0}; // 0: it happens once
     std::vector<InTable<Bytes>> removed = {};

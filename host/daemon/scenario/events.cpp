@@ -134,7 +134,7 @@ void ReadChanges(Event &event, const Node::Table &table)
             ReadCountChanges(event, AsTable(member.node, member.name));
         else
             ForEachRow(member, [&](RowKindRef kind, const Node::Table &row, size_t line) {
-                event.changed.push_back({kind, line, ReadChange(*kind, row)});
+                event.changed.push_back({kind, {line}, ReadChange(*kind, row)});
             });
     }
 }
@@ -143,7 +143,7 @@ void ReadChanges(Event &event, const Node::Table &table)
 
 Event ReadEvent(const Node::Table &table, size_t line)
 {
-    Event event{.line = line};
+    Event event{.line = {line}};
     std::optional<std::chrono::milliseconds> first;
     for (const Member &member : table) {
         const std::string &name = member.name;
@@ -154,12 +154,12 @@ Event ReadEvent(const Node::Table &table, size_t line)
         } else if (name == kAdd) {
             for (const Member &rows : AsTable(member.node, name))
                 ForEachRow(rows, [&](RowKindRef kind, const Node::Table &row, size_t rowLine) {
-                    event.added.push_back({kind, rowLine, EncodeRow(*kind, ReadRow(row, *kind))});
+                    event.added.push_back({kind, {rowLine}, EncodeRow(*kind, ReadRow(row, *kind))});
                 });
         } else if (name == "remove") {
             for (const Member &rows : AsTable(member.node, name))
                 ForEachRow(rows, [&](RowKindRef kind, const Node::Table &row, size_t rowLine) {
-                    event.removed.push_back({kind, rowLine, ReadKey(*kind, row)});
+                    event.removed.push_back({kind, {rowLine}, ReadKey(*kind, row)});
                 });
         } else if (name == "change") {
             ReadChanges(event, AsTable(member.node, name));
@@ -174,7 +174,7 @@ Event ReadEvent(const Node::Table &table, size_t line)
     if (!first && event.period.count() == 0)
         throw std::invalid_argument("needs its time, at or every");
     event.first = first.value_or(event.period);
-    if (event == Event{.line = line, .first = event.first, .period = event.period})
+    if (event == Event{.first = event.first, .period = event.period})
         throw std::invalid_argument("nothing happens in it");
     return event;
 }
