@@ -7,6 +7,7 @@
 #include "host/daemon/line_log.h"
 #include "host/daemon/sandbox.h"
 #include "host/daemon/scenario/generator.h"
+#include "host/daemon/scenario/network.h"
 #include "host/daemon/scenario/scenario.h"
 #include "host/daemon/server.h"
 #include "host/directory.h"
@@ -234,6 +235,11 @@ TEST(Scenario, RefusalsNameLineAndKey)
         {"[[fault]]\nkind = \"late\"\nclass = 3\n", "f.toml:1: fault: late needs a number"},
         {"[[refuse]]\nclass = 0\n", "f.toml:1: refuse: needs a status"},
         {"[[fault]]\nkind = \"late\"\nnumber = 5\nfor = 0\n", "f.toml:1: fault: for: 0 is not a number from 1"},
+        {"[generate.net]\n", "f.toml:1: net: there is no such key"},
+        {"[generate.network]\nrouters = 1\n", "f.toml:2: routers: must be at least 2"},
+        {"[generate.network]\ntunnels = 10001\n", "f.toml:2: tunnels: must be a whole number from 0 to 10000"},
+        {"[generate.network]\nspeed = 1\n", "f.toml:2: speed: there is no such key"},
+        {"[generate.network]\n[[interface]]\nifWord1 = 1\n", "f.toml:2: interface: another row has the same key"},
         {"[[event]]\n", "f.toml:1: event: needs its time, at or every"},
         {"[[event]]\nat = '1s'\n", "f.toml:1: event: nothing happens in it"},
         {"[[event]]\nat = 1\n", "f.toml:2: at: must be text"},
@@ -394,6 +400,96 @@ at = "0s"
         daemon.Answer(Request(kShow, kind == nullptr ? kGet : kGetFirst,
                               fmt::format("{}{:04x}{}", row.item, key, std::string(2 * key, '0'))));
         EXPECT_NE(trace.find(row.shown), trace.npos) << trace;
+    }
+}
+
+// All rows of a device, one after the other.
+std::vector<std::pair<std::string_view, EncodedRow>> RowsOf(Device &device)
+{
+    std::vector<std::pair<std::string_view, EncodedRow>> rows;
+    for (const RowKind &kind : AllRowKinds())
+        for (auto row = device.Rows(kind).Find(Seek::First, {}); row;
+             row = device.Rows(kind).Find(Seek::After, row->key))
+            rows.emplace_back(kind.name, *row);
+    return rows;
+}
+
+TEST(Network, IsTheSameOnEveryMachineAndAsAScenario)
+{
+    for (const NetworkPlan &plan : {NetworkPlan{2, 30, 3, 1}, NetworkPlan{3, 0, 1, 2}, NetworkPlan{4, 60, 0, 3},
+                                    NetworkPlan{20, 200, 20, 7}, NetworkPlan{200, 50, 50, 4}}) {
+        SCOPED_TRACE(plan.routers);
+        std::string text;
+        PrintNetwork(plan, [&text](const std::string &piece) { text += piece; });
+        Device made, read, asked;
+        AddNetwork(made, plan);
+        ReadScenarioText(read, text, "net.toml");
+        ReadScenarioText(asked,
+                         fmt::format("[generate.network]\nrouters = {}\ntunnels = {}\np2mp = {}\nseed = {}\n",
+                                     plan.routers, plan.tunnels, plan.p2mp, plan.seed),
+                         "f.toml");
+        EXPECT_EQ(RowsOf(read), RowsOf(made));
+        EXPECT_EQ(RowsOf(asked), RowsOf(made));
+        EXPECT_EQ(read.GivenCounts(), made.GivenCounts());
+        EXPECT_EQ(asked.GivenCounts(), made.GivenCounts());
+        EXPECT_THROW(AddNetwork(made, plan), std::invalid_argument);
+        if (plan.seed == 7) {
+            uint64_t hash = 0;
+            for (const char letter : text)
+                hash = hash * 31 + static_cast<uint8_t>(letter);
+            EXPECT_EQ(hash, 12965944240680973454U); // as on the machine where it was written
+        }
+    }
+}
+
+// What each row points at is there: by kind and field, the kind and the field that have the same value.
+TEST(Network, JoinsByItsKeys)
+{
+    constexpr struct {
+        const char *from, *field, *to, *key;
+    } kJoins[] = {
+        {"tunnel", "tunnelWord4", "resource", "resourceIndex"},
+        {"tunnel", "tunnelWord5", "arhop", "hopListIndex"},
+        {"tunnel", "tunnelWord6", "chop", "hopListIndex"},
+        {"arhop", "hopListIndex", "tunnel", "tunnelWord5"},
+        {"exthop", "extArHopWord0", "arhop", "hopListIndex"},
+        {"general", "frrWord1", "tunnel", "tunnelWord0"},
+        {"facility", "facilityWord0", "interface", "ifWord1"},
+        {"facility", "facilityWord1", "tunnel", "tunnelWord0"},
+        {"facility", "facilityWord2", "crlsp", "key.keyShort0"},
+        {"psb", "session.tunnelId", "tunnel", "tunnelWord0"},
+        {"psb", "ifRef.ifRefNumber", "interface", "ifWord1"},
+        {"psb", "hop.hopAddress", "nbr", "nbrWord0"},
+        {"rsb", "session.tunnelId", "psb", "session.tunnelId"},
+        {"rsb", "hop.hopAddress", "nbr", "nbrWord0"},
+        {"rsb", "hop.logicalIfHandle", "nbr", "nbrWord2"},
+        {"phsb", "session.tunnelId", "psb", "session.tunnelId"},
+        {"phsb", "hop.hopAddress", "psb", "hop.hopAddress"},
+        {"crlsp", "key.keyShort0", "psb", "session.tunnelId"},
+        {"crlsp", "key.keyWord0", "psb", "session.tunnelEndpoint"},
+        {"crlsp", "path.pathWord0", "nbr", "nbrWord0"},
+        {"crlsp", "path.pathWord1", "nbr", "nbrWord0"},
+        {"crlsp", "tailWord1", "facility", "facilityWord1"},
+        {"nbr", "nbrWord2", "ifconfig", "ifIndex"},
+        {"p2mpRsb", "session.tunnelId", "p2mpPsb", "session.tunnelId"},
+        {"p2mpPsb", "session.p2mpId", "p2mpCrlsp", "key.keyWord0"},
+    };
+    std::map<std::pair<std::string_view, std::string_view>, std::set<uint64_t>> values;
+    MakeNetwork({.routers = 20, .tunnels = 500, .p2mp = 5, .seed = 7}, [&](RowKindRef kind, const Block &row) {
+        const Bytes body = EncodeRow(*kind, row).body;
+        for (const auto &join : kJoins)
+            for (const auto &[name, field] : {std::pair{join.from, join.field}, std::pair{join.to, join.key}})
+                if (kind->name == name) {
+                    const Extent place = ExtentOf(kind->RowLayout(), field);
+                    values[{name, field}].insert(
+                        LoadNet(ByteView(body).subspan(kItemHeaderSize + place.offset, place.size)));
+                }
+    });
+    for (const auto &join : kJoins) {
+        const auto &there = values[{join.to, join.key}];
+        EXPECT_FALSE(there.empty()) << join.to;
+        for (const uint64_t value : values[{join.from, join.field}])
+            EXPECT_TRUE(value == 0 || there.contains(value)) << join.from << " " << join.field << " " << value;
     }
 }
 

@@ -152,6 +152,10 @@ int main(int argc, char **argv)
             rsvpsimd::PrintCapture(*options);
             return kDone;
         }
+        if (options->generate && !options->serve) {
+            rsvpsimd::PrintGenerated(*options);
+            return kDone;
+        }
         if (options->readyFd)
             rsvpsimd::CheckInherited(*options->readyFd);
         rsvpsimd::Daemon daemon;

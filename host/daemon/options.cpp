@@ -79,6 +79,15 @@ std::optional<Options> ReadOptions(int argc, char **argv, int &exitStatus)
     app.add_option("--ready-fd", options.readyFd, "write READY to this descriptor when it listens, and close it")
         ->type_name("N")
         ->check(CLI::PositiveNumber);
+    CLI::Option *generate = app.add_option("--generate", "print the scenario of a network that is made up")
+                                ->type_name("network")
+                                ->check(CLI::IsMember({"network"}));
+    for (const NetworkNumber &number : kNetworkNumbers)
+        app.add_option(fmt::format("--{}", number.name), options.network.*number.member, std::string(number.help))
+            ->type_name("N")
+            ->check(CLI::Range(number.least, number.most))
+            ->needs(generate);
+    app.add_flag("--serve", options.serve, "serve what is generated instead of printing it")->needs(generate);
     app.add_flag("--check", options.check, "read everything, answer nothing");
     app.add_flag("--list-layouts", options.listLayouts, "print the fields of every value and key");
     try {
@@ -87,6 +96,7 @@ std::optional<Options> ReadOptions(int argc, char **argv, int &exitStatus)
         exitStatus = app.exit(error);
         return std::nullopt;
     }
+    options.generate = generate->count() != 0;
     if (trace->count() != 0)
         options.trace = traceFile;
     if (capture->count() != 0)
@@ -99,6 +109,12 @@ Setup ReadSetup(const Options &options)
     Setup setup;
     if (!options.scenario.empty())
         setup.behaviour = ReadScenario(setup.device, options.scenario);
+    try {
+        if (options.generate)
+            AddNetwork(setup.device, options.network);
+    } catch (const std::invalid_argument &error) {
+        throw std::runtime_error(fmt::format("--generate: {}", error.what()));
+    }
     try {
         for (const std::string &rows : options.rows)
             MakeRows(setup.device, rows);
@@ -148,6 +164,13 @@ void PrintCapture(const Options &options)
         throw std::runtime_error(fmt::format("{}: {}", options.decode, error.what()));
     }
     check(std::fflush(stdout) == 0);
+}
+
+void PrintGenerated(const Options &options)
+{
+    PrintNetwork(options.network, [](const std::string &text) { fmt::print("{}", text); });
+    if (std::fflush(stdout) != 0)
+        throw std::system_error(errno, std::generic_category(), "standard output");
 }
 
 } // namespace rsvpsimd

@@ -4,6 +4,7 @@
 
 #include "host/daemon/device/device.h"
 #include "host/daemon/scenario/behaviour.h"
+#include "host/daemon/scenario/network.h"
 
 #include <string>
 
@@ -20,6 +21,9 @@ struct Options {
     std::string decode; // a capture to print; empty: none
     bool json = false;
     std::optional<int> readyFd;
+    bool generate = false;
+    NetworkPlan network;
+    bool serve = false; // what is generated, instead of printing it
     bool check = false;
     bool listLayouts = false;
 };
@@ -45,6 +49,9 @@ void PrintCapture(const Options &options);
 
 // "rsvpsimd 1.0.0"
 extern const std::string_view kVersion;
+
+// The generated network, as a scenario. Throws std::system_error if that cannot be written.
+void PrintGenerated(const Options &options);
 
 } // namespace rsvpsimd
 

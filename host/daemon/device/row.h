@@ -10,10 +10,10 @@ namespace rsvpsimd {
 
 // The values of a row, or of an entry of a list, which may have lists of its own.
 struct Block {
-    Record fields;
-    Record key; // only where the kind has no key fields
-    std::map<std::string, std::vector<Block>, std::less<>> lists;
-    std::map<std::string, std::string, std::less<>> texts;
+    Record fields = {};
+    Record key = {}; // only where the kind has no key fields
+    std::map<std::string, std::vector<Block>, std::less<>> lists = {};
+    std::map<std::string, std::string, std::less<>> texts = {};
     bool operator==(const Block &) const = default;
 };
 

@@ -16,7 +16,8 @@ struct Refusal {
     bool operator==(const Refusal &) const = default;
 };
 
-// Where something stands in its file. It says nothing about what it is, so that an event that moved is still the same.
+// Where something stands in its file. It says nothing about what it is, so that an event that moved is still the
+// same.
 struct Line {
     size_t number = 0;
     bool operator==(const Line &) const { return true; }

@@ -3,6 +3,7 @@
 
 #include "host/daemon/scenario/events.h"
 #include "host/daemon/scenario/generator.h"
+#include "host/daemon/scenario/network.h"
 #include "host/daemon/scenario/rows.h"
 
 #include <filesystem>
@@ -88,6 +89,28 @@ Refusal ReadRefusal(const Node::Table &table)
     return refusal;
 }
 
+void ReadGenerate(Device &device, const Node::Table &table)
+{
+    for (const Member &member : table) {
+        if (member.name != "network")
+            Refuse(member.line, member.name, kNoSuchKey);
+        NetworkPlan plan;
+        for (const Member &number : AsTable(member.node, member.name)) {
+            const auto *known = std::ranges::find(kNetworkNumbers, number.name, &NetworkNumber::name);
+            if (known == kNetworkNumbers.end())
+                Refuse(number.line, number.name, kNoSuchKey);
+            plan.*known->member = NumberIn(number, known->most);
+            if (plan.*known->member < known->least)
+                Refuse(number.line, number.name, fmt::format("must be at least {}", known->least));
+        }
+        try {
+            AddNetwork(device, plan);
+        } catch (const std::invalid_argument &error) {
+            Refuse(member.line, member.name, error.what());
+        }
+    }
+}
+
 Behaviour ReadTop(Device &device, const Node &document)
 {
     Behaviour behaviour;
@@ -105,6 +128,8 @@ Behaviour ReadTop(Device &device, const Node &document)
             ReadCounters(device, AsTable(node, name));
         else if (name == "rows")
             ReadRowCounts(device, AsTable(node, name));
+        else if (name == "generate")
+            ReadGenerate(device, AsTable(node, name));
         else if (name == "fault")
             ForEachTable(member, [&](const auto &table, size_t) { behaviour.faults.push_back(ReadFault(table)); });
         else if (name == "event")
