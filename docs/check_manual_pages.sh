@@ -48,7 +48,7 @@ commands() (
 
 # The options of a help text on standard input, those that are arguments as well among them.
 options() {
-  sed -n 's/^  \(-[a-z],\)\{0,1\}\(--[a-z-]*\).*/\2/p; s/.*; also \(--[a-z-]*\)$/\1/p'
+  sed -n 's/^  \(-[a-z],\)\{0,1\}\(--[a-z0-9-]*\).*/\2/p; s/.*; also \(--[a-z0-9-]*\)$/\1/p'
 }
 
 # The other names of a command, from its help text on standard input.

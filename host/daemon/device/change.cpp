@@ -18,6 +18,13 @@ const Field &FieldIn(const Layout &layout, ByteView image, const std::string &na
     return *field;
 }
 
+// True if the form of an object follows from this field.
+bool Decides(const Layout &layout, std::string_view name)
+{
+    return std::ranges::any_of(layout.fields,
+                               [&](const Field &field) { return field.form && field.form->field == name; });
+}
+
 void Add(std::span<uint8_t> image, const Field &field, const Value &value)
 {
     const auto *numbers = std::get_if<std::vector<uint64_t>>(&value);
@@ -52,10 +59,7 @@ void ChangeRecord(const Layout &layout, std::span<uint8_t> image, const RecordCh
     // What decides about the form of an object comes first.
     for (const bool deciding : {true, false}) {
         for (const auto &[name, value] : change.set) {
-            const bool decides = std::ranges::any_of(layout.fields, [&wanted = name](const Field &field) {
-                return field.form && field.form->field == wanted;
-            });
-            if (decides != deciding)
+            if (Decides(layout, name) != deciding)
                 continue;
             const std::string problem = StoreField(changed, FieldIn(layout, changed, name), value);
             if (!problem.empty())
