@@ -5,14 +5,13 @@
 #include "host/daemon/capture/captured_frame.h"
 #include "host/daemon/trace.h"
 #include "manager/exchange/exchange.h"
+#include "process/clock.h"
 #include "tools/rsvpctl/print/usage_error.h"
 
 #include <cerrno>
 #include <chrono>
 #include <cstring>
-#include <ctime>
 #include <fcntl.h>
-#include <fmt/chrono.h>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <map>
@@ -24,7 +23,6 @@ namespace {
 
 using manager::Exchange;
 using rsvpsimd::ByteView, rsvpsimd::CapturedFrame;
-using Clock = std::chrono::system_clock;
 
 constexpr size_t kBytesOfLine = 16;
 
@@ -90,10 +88,7 @@ std::string HexOf(const CapturedFrame &frame)
 
 void WriteMessage(const std::string &words, const CapturedFrame &frame)
 {
-    const auto now = std::chrono::floor<std::chrono::microseconds>(Clock::now());
-    const auto micros = (now - std::chrono::floor<std::chrono::seconds>(now)).count();
-    Write(fmt::format("{:%T}.{:06} {}\n{}", fmt::localtime(Clock::to_time_t(now)), micros, words,
-                      state.hex ? HexOf(frame) : ""));
+    Write(fmt::format("{} {}\n{}", process::TimeStamp(), words, state.hex ? HexOf(frame) : ""));
 }
 
 void TellRequest(const Exchange &exchange, Session &session, ByteView bytes)
