@@ -138,6 +138,16 @@ std::vector<std::string> SessionFlagWords(uint8_t flags)
     return words;
 }
 
+std::optional<SessionAttributes> AttributesOf(const RSVP_MOR_SessionAttr &object)
+{
+    if (object.kind == 0)
+        return std::nullopt;
+    const auto of = [](const auto &form) {
+        return SessionAttributes{form.setupPriority, form.holdingPriority, form.flags};
+    };
+    return object.kind == RSVP_MOR_SESSION_ATTR_AFFINITY ? of(object.affinityForm) : of(object.shortForm);
+}
+
 std::string LabelText(uint32_t label)
 {
     switch (label) {

@@ -15,6 +15,15 @@ std::string StyleText(uint32_t style);
 /** The flags of a SESSION_ATTRIBUTE that are set, in words; one without a word as its number. */
 std::vector<std::string> SessionFlagWords(uint8_t flags);
 
+/** What both forms of a SESSION_ATTRIBUTE have; nothing for a block without the object, whose zeros are no
+ * priorities. */
+struct SessionAttributes {
+    uint8_t setupPriority;
+    uint8_t holdingPriority;
+    uint8_t flags;
+};
+std::optional<SessionAttributes> AttributesOf(const RSVP_MOR_SessionAttr &object);
+
 /** "3 (implicit null)": reserved labels are better known by name. */
 std::string LabelText(uint32_t label);
 

@@ -59,12 +59,16 @@ Json ScalarToJson(const Field &field, const void *element)
     }
 }
 
-std::string LeafText(const Leaf &leaf, const void *row)
+std::string ScalarText(const Json &value)
 {
-    const Json value = ScalarToJson(*leaf.field, At(row, leaf.offset));
     if (value.is_string())
         return HarmlessText(value.get_ref<const std::string &>());
     return value.is_null() ? "-" : value.dump();
+}
+
+std::string LeafText(const Leaf &leaf, const void *row)
+{
+    return ScalarText(ScalarToJson(*leaf.field, At(row, leaf.offset)));
 }
 
 bool IsUtf8(const char *text)

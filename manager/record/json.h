@@ -17,6 +17,9 @@ Json FloatToJson(float value);
  * programs that read numbers as doubles would drop its last digits. */
 Json ScalarToJson(const Field &field, const void *element);
 
+/** A value of a document that holds no others, for people; "-" for null. */
+std::string ScalarText(const Json &value);
+
 /** A leaf of a row as text, harmless to a terminal; "-" for a text that is not there. */
 std::string LeafText(const Leaf &leaf, const void *row);
 

@@ -220,13 +220,9 @@ TABLE(kP2mpCrLsps, "p2mp crlsp", RSVP_MOR_P2mpCrlspInfo, RSVP_MOR_P2mpCrlspKey,
 
 std::span<const Table *const> AllTables()
 {
-    static constexpr const Table *kAll[] = {&kInterfaces,     &kInterfaceConfig,  &kNeighbours,
-                                            &kAuthentication, &kResources,        &kTunnels,
-                                            &kIngressTunnels, &kFrrFacility,      &kFrrGeneral,
-                                            &kComputedHops,   &kActualHops,       &kExtendedHops,
-                                            &kPathState,      &kReservationState, &kPreviousHopState,
-                                            &kCrLsps,         &kP2mpPathState,    &kP2mpReservationState,
-                                            &kP2mpCrLsps};
+#define MANAGER_POINTER(symbol) &symbol,
+    static constexpr const Table *kAll[] = {MANAGER_TABLES(MANAGER_POINTER)};
+#undef MANAGER_POINTER
     return kAll;
 }
 

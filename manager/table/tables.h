@@ -6,31 +6,38 @@
 
 namespace manager {
 
-extern const Table kInterfaces;
-extern const Table kInterfaceConfig;
-extern const Table kNeighbours;
-extern const Table kAuthentication;
-extern const Table kResources;
-extern const Table kTunnels;
-extern const Table kIngressTunnels; // the tunnels that begin here
-extern const Table kFrrFacility;
-extern const Table kFrrGeneral;
-extern const Table kComputedHops;
-extern const Table kActualHops;
-extern const Table kExtendedHops;
-extern const Table kPathState;
-extern const Table kReservationState;
-extern const Table kPreviousHopState;
-extern const Table kCrLsps;
+// Every table that is walked. One that is not named here cannot be named anywhere else. A walk of point-to-multipoint
+// state needs a dictionary that says what the key of the next block is.
+// clang-format off
+#define MANAGER_TABLES(X) \
+    X(kInterfaces) \
+    X(kInterfaceConfig) \
+    X(kNeighbours) \
+    X(kAuthentication) \
+    X(kResources) \
+    X(kTunnels) \
+    X(kIngressTunnels) /* the tunnels that begin here */ \
+    X(kFrrFacility) \
+    X(kFrrGeneral) \
+    X(kComputedHops) \
+    X(kActualHops) \
+    X(kExtendedHops) \
+    X(kPathState) \
+    X(kReservationState) \
+    X(kPreviousHopState) \
+    X(kCrLsps) \
+    X(kP2mpPathState) \
+    X(kP2mpReservationState) \
+    X(kP2mpCrLsps)
+// clang-format on
+
+#define MANAGER_DECLARE(symbol) extern const Table symbol;
+MANAGER_TABLES(MANAGER_DECLARE)
+#undef MANAGER_DECLARE
 
 // One record each.
 extern const Table kGlobalInfo;
 extern const Table kDebugSwitches;
-
-// Point-to-multipoint state: a walk needs a dictionary that says what the key of the next block is.
-extern const Table kP2mpPathState;
-extern const Table kP2mpReservationState;
-extern const Table kP2mpCrLsps;
 
 /** All tables that are walked. */
 std::span<const Table *const> AllTables();

@@ -17,12 +17,13 @@ Exit WithSession(Output &out, const std::string &operation, bool held, const std
     return use(session.Fd());
 }
 
-Exit WithRecord(Output &out, const std::string &operation, const manager::Table &table, const void *key,
-                const std::string &asked, const std::function<Exit(void *record)> &print)
+Exit WithRecord(Output &out, const std::string &operation, const manager::Table &table, const std::string &asked,
+                const std::function<uint32_t(int32_t fd, void *record)> &read,
+                const std::function<Exit(void *record)> &print)
 {
     return WithSession(out, operation, table.get.held, [&](int32_t fd) {
         std::vector<std::byte> record(table.row().size);
-        const uint32_t status = ReadRow(table, table.get, fd, key, record.data());
+        const uint32_t status = read(fd, record.data());
         if (status != RSVP_MOR_OK)
             return out.Failed({operation, table.get.function, asked, status});
         const Exit exit = print(record.data());
@@ -32,13 +33,15 @@ Exit WithRecord(Output &out, const std::string &operation, const manager::Table 
     });
 }
 
-Exit ShowRecord(Output &out, const std::string &operation, const manager::Table &table, const void *key,
-                const std::string &asked)
+Exit ShowRecord(Output &out, const std::string &operation, const manager::Table &table)
 {
-    return WithRecord(out, operation, table, key, asked, [&](void *record) {
-        return out.Record(operation, table.row(), record,
-                          [&](const void *row) { return RecordText(table.row(), row, Names().Of(table.row())); });
-    });
+    return WithRecord(
+        out, operation, table, "",
+        [&](int32_t fd, void *record) { return ReadRow(table, table.get, fd, nullptr, record); },
+        [&](void *record) {
+            return out.Record(operation, table.row(), record,
+                              [&](const void *row) { return RecordText(table.row(), row, Names().Of(table.row())); });
+        });
 }
 
 } // namespace rsvpctl

@@ -13,13 +13,14 @@ namespace rsvpctl {
  * its own is `held` = false and gets -1. */
 Exit WithSession(Output &out, const std::string &operation, bool held, const std::function<Exit(int32_t fd)> &use);
 
-/** Reads one record of a table, lets `print` print it and releases it. `asked` is the key in words. */
-Exit WithRecord(Output &out, const std::string &operation, const manager::Table &table, const void *key,
-                const std::string &asked, const std::function<Exit(void *record)> &print);
+/** Lets `read` read one record of a table into zeroed memory, lets `print` print it and releases it. `asked` is the
+ * key in words, empty for a table that has none. */
+Exit WithRecord(Output &out, const std::string &operation, const manager::Table &table, const std::string &asked,
+                const std::function<uint32_t(int32_t fd, void *record)> &read,
+                const std::function<Exit(void *record)> &print);
 
-/** `show` of one record under the names of its fields. */
-Exit ShowRecord(Output &out, const std::string &operation, const manager::Table &table, const void *key,
-                const std::string &asked);
+/** `show` of the one record that a table is, under the names of its fields. */
+Exit ShowRecord(Output &out, const std::string &operation, const manager::Table &table);
 
 } // namespace rsvpctl
 

@@ -49,19 +49,12 @@ Exit WithBlock(Output &out, const std::string &operation, const ShowSpec &show, 
     const manager::Table &table = *show.table;
     std::vector<std::byte> key(table.key().size);
     RequireKey(options.key, key.data());
-    return WithSession(out, operation, table.get.held, [&](int32_t fd) {
-        std::vector<std::byte> block(table.row().size);
-        const uint32_t status =
-            table.ask == nullptr ? ReadRow(table, table.get, fd, key.data(), block.data())
-                                 : table.ask(fd, options.itemType.NumberOr(manager::kP2mpPathStateItem),
-                                             options.operation.NumberOr(manager::kGetRow), key.data(), block.data());
-        if (status != RSVP_MOR_OK)
-            return out.Failed({operation, table.get.function, "key " + KeyText(table.key(), key.data()), status});
-        const Exit exit = print(block.data());
-        if (table.release != nullptr)
-            table.release(block.data());
-        return exit;
-    });
+    const auto read = [&](int32_t fd, void *block) {
+        return table.ask == nullptr ? ReadRow(table, table.get, fd, key.data(), block)
+                                    : table.ask(fd, options.itemType.NumberOr(manager::kP2mpPathStateItem),
+                                                options.operation.NumberOr(manager::kGetRow), key.data(), block);
+    };
+    return WithRecord(out, operation, table, "key " + KeyText(table.key(), key.data()), read, print);
 }
 
 } // namespace rsvpctl

@@ -204,11 +204,7 @@ void AddShow(CommandLine &line, Node parent, const std::string &word, const Show
                                          : ShowRows(out, command.name, show, options);
         };
     } else {
-        command.run = [&command, &show](Output &out) {
-            return WithRecord(out, command.name, *show.table, nullptr, "", [&](void *record) {
-                return out.Record(command.name, show.table->row(), record, DetailOf(show));
-            });
-        };
+        command.run = [&command, &show](Output &out) { return ShowRecord(out, command.name, *show.table); };
     }
 }
 

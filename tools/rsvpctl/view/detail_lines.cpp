@@ -158,14 +158,18 @@ void DetailLines::AddAdspec(const RSVP_MOR_Adspec &adspec)
 
 void DetailLines::AddSessionAttribute(const RSVP_MOR_SessionAttr &attribute)
 {
-    const bool affinities = attribute.kind == RSVP_MOR_SESSION_ATTR_AFFINITY;
+    const auto attributes = manager::AttributesOf(attribute);
+    if (!attributes) {
+        Add("Priorities", "-");
+        return;
+    }
     const RSVP_MOR_SessionAttrAffinity &full = Shown(attribute.affinityForm);
-    const RSVP_MOR_SessionAttrShort &brief = Shown(attribute.shortForm);
-    const uint8_t flags = affinities ? full.flags : brief.flags;
-    Add("Priorities", fmt::format("setup {}, holding {}", affinities ? full.setupPriority : brief.setupPriority,
-                                  affinities ? full.holdingPriority : brief.holdingPriority));
-    Add("Attributes", flags == 0 ? "none" : fmt::format("{}", fmt::join(manager::SessionFlagWords(flags), ", ")));
-    if (affinities)
+    Shown(attribute.shortForm);
+    Add("Priorities", fmt::format("setup {}, holding {}", attributes->setupPriority, attributes->holdingPriority));
+    Add("Attributes", attributes->flags == 0
+                          ? "none"
+                          : fmt::format("{}", fmt::join(manager::SessionFlagWords(attributes->flags), ", ")));
+    if (attribute.kind == RSVP_MOR_SESSION_ATTR_AFFINITY)
         Add("Affinities", fmt::format("exclude any {:#010x}, include any {:#010x}, include all {:#010x}",
                                       full.excludeAny, full.includeAny, full.includeAll));
 }

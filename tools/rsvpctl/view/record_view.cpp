@@ -12,16 +12,9 @@ namespace rsvpctl {
 namespace {
 
 using manager::At, manager::Field, manager::FieldKind, manager::Json, manager::Meaning, manager::RecordDescription,
-    manager::RecordMeanings;
+    manager::RecordMeanings, manager::ScalarText;
 
 constexpr size_t kNumbersPerLine = 8;
-
-std::string PlainText(const Json &scalar)
-{
-    if (scalar.is_string())
-        return manager::HarmlessText(scalar.get_ref<const std::string &>());
-    return scalar.is_null() ? "-" : scalar.dump();
-}
 
 // A break inside a value is a line end and a tab.
 std::string ArrayText(const Json &array)
@@ -33,7 +26,7 @@ std::string ArrayText(const Json &array)
     for (size_t i = 0; i < array.size(); ++i) {
         if (i != 0)
             text += i % kNumbersPerLine == 0 ? "\n\t" : " ";
-        text += PlainText(array[i]);
+        text += ScalarText(array[i]);
     }
     return text.empty() ? "none" : text;
 }
@@ -85,7 +78,7 @@ void AddRecords(const Field &field, const void *record, const RecordMeanings &me
 std::string FieldText(const Field &field, const void *record)
 {
     if (field.count == 0)
-        return PlainText(ScalarToJson(field, At(record, field.offset)));
+        return ScalarText(ScalarToJson(field, At(record, field.offset)));
     Json elements = Json::array();
     for (uint32_t i = 0; i < field.count; ++i)
         elements.push_back(ScalarToJson(field, At(record, field.offset + i * field.width)));
@@ -104,7 +97,7 @@ void AddValues(const Json &value, const std::string &path, Lines &lines)
         for (size_t i = 0; i < value.size(); ++i)
             AddValues(value[i], fmt::format("{}[{}]", path, i), lines);
     } else {
-        lines.emplace_back(manager::HarmlessText(path), value.is_array() ? ArrayText(value) : PlainText(value));
+        lines.emplace_back(manager::HarmlessText(path), value.is_array() ? ArrayText(value) : ScalarText(value));
     }
 }
 

@@ -60,15 +60,10 @@ std::string LabelsText(const RSVP_MOR_ReplyFSInfo *filter)
     return text.empty() ? "-" : text;
 }
 
-// A block without the object has no priorities, and its zeros are none.
 std::string PrioritiesText(const RSVP_MOR_ReplyPsb &block)
 {
-    const RSVP_MOR_SessionAttr &attribute = block.sessionAttr;
-    if (attribute.kind == 0)
-        return "-";
-    const bool full = attribute.kind == RSVP_MOR_SESSION_ATTR_AFFINITY;
-    return fmt::format("{}/{}", full ? attribute.affinityForm.setupPriority : attribute.shortForm.setupPriority,
-                       full ? attribute.affinityForm.holdingPriority : attribute.shortForm.holdingPriority);
+    const auto attributes = manager::AttributesOf(block.sessionAttr);
+    return attributes ? fmt::format("{}/{}", attributes->setupPriority, attributes->holdingPriority) : "-";
 }
 
 Columns PsbColumns()
