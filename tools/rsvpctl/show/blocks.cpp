@@ -43,12 +43,17 @@ BlockOptions AddBlockOptions(const Node &node, const ShowSpec &show)
     return options;
 }
 
+manager::Bytes GivenKey(const ShowSpec &show, const BlockOptions &options)
+{
+    manager::Bytes key(show.table->key().size);
+    RequireKey(options.key, key.data());
+    return key;
+}
+
 Exit WithBlock(Output &out, const std::string &operation, const ShowSpec &show, const BlockOptions &options,
-               const std::function<Exit(void *block)> &print)
+               const manager::Bytes &key, const std::function<Exit(void *block)> &print)
 {
     const manager::Table &table = *show.table;
-    std::vector<std::byte> key(table.key().size);
-    RequireKey(options.key, key.data());
     const auto read = [&](int32_t fd, void *block) {
         return table.ask == nullptr ? ReadRow(table, table.get, fd, key.data(), block)
                                     : table.ask(fd, options.itemType.NumberOr(manager::kP2mpPathStateItem),

@@ -3,6 +3,7 @@
 #ifndef TOOLS_RSVPCTL_SHOW_BLOCKS_H
 #define TOOLS_RSVPCTL_SHOW_BLOCKS_H
 
+#include "manager/table/walk.h"
 #include "tools/rsvpctl/command/options.h"
 #include "tools/rsvpctl/print/output.h"
 #include "tools/rsvpctl/show/shows.h"
@@ -27,9 +28,12 @@ std::string BlockExamples(const std::string &command, const ShowSpec &show);
 
 BlockOptions AddBlockOptions(const Node &node, const ShowSpec &show);
 
-/** Reads one block on a session of its own, lets `print` print it and releases it. */
+/** The key that the options give. Throws UsageError. */
+manager::Bytes GivenKey(const ShowSpec &show, const BlockOptions &options);
+
+/** Reads the block with the key on a session of its own, lets `print` print it and releases it. */
 Exit WithBlock(Output &out, const std::string &operation, const ShowSpec &show, const BlockOptions &options,
-               const std::function<Exit(void *block)> &print);
+               const manager::Bytes &key, const std::function<Exit(void *block)> &print);
 
 } // namespace rsvpctl
 

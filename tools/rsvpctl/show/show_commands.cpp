@@ -136,7 +136,7 @@ Exit ShowRow(Output &out, const std::string &operation, const ShowSpec &show, co
 {
     if (out.ChosenStyle() == Style::Wide || out.ChosenStyle() == Style::Csv)
         throw UsageError("--output wide and csv are for the rows of a table, not for one row by its key");
-    return WithBlock(out, operation, show, options,
+    return WithBlock(out, operation, show, options, GivenKey(show, options),
                      [&](void *row) { return out.Record(operation, show.table->row(), row, DetailOf(show)); });
 }
 
