@@ -79,8 +79,11 @@ run rsvpctl show interface-config 4
 
 say "What is signalled: tunnels, their LSPs, and the path state behind them."
 run rsvpctl show tunnels
-run rsvpctl show crlsp
+run rsvpctl show lsp
 run rsvpctl show psb
+
+say "One LSP on one screen, joined from all that the daemon keeps of it."
+run rsvpctl show lsp tunnel-200
 
 say "Fast reroute: what tunnel 100 asks for, and the bypass that it has found."
 run rsvpctl show frr general
@@ -88,7 +91,7 @@ run rsvpctl show frr facility
 run rsvpctl show hops extended
 
 say "A point-to-multipoint LSP with its leaves."
-run rsvpctl tree --key 500,10.0.0.1,10.0.0.1,50,1,0,0,0,0,0,0
+run rsvpctl tree video-to-eight-leaves
 
 say "For programs: the counters again, as one JSON document."
 run rsvpctl show counters --json

@@ -356,7 +356,7 @@ TEST(Rsvpctl, OtherNamesAreTheSameCommand)
             names.push_back(path);
         }
     }
-    EXPECT_GE(names.size(), 6U);
+    EXPECT_GE(names.size(), 5U);
     const json batch = CtlJson(directory, "batch -", lines);
     ASSERT_EQ(batch["rows"].size(), names.size());
     for (size_t i = 0; i < names.size(); ++i)
@@ -606,10 +606,13 @@ std::string TextOf(const std::string &path)
 TEST(Rsvpctl, ShowsEveryLineOfAPage)
 {
     const std::string folder = PAGES_PATH;
-    const HostDirectory directory(TextOf(folder + "scenario.toml") +
-                                  TextOf(std::string(SCENARIOS_PATH) + "p2mp.toml"));
-    ASSERT_EQ(Ctl(directory, "enable").exit, 0);
-    for (const std::string name : {"details.txt", "tree.txt"}) {
+    const std::string scenarios = SCENARIOS_PATH;
+    const std::string made = TextOf(folder + "scenario.toml") + TextOf(scenarios + "p2mp.toml");
+    for (const auto &[name, scenario] : {std::pair<std::string, std::string>{"details.txt", made},
+                                         {"tree.txt", made},
+                                         {"lsp.txt", TextOf(scenarios + "demo.toml")}}) {
+        const HostDirectory directory(scenario);
+        ASSERT_EQ(Ctl(directory, "enable").exit, 0);
         const std::string page = TextOf(folder + name);
         std::istringstream lines(page);
         std::string printed;
@@ -658,6 +661,137 @@ TEST(Rsvpctl, ShowsTheRowsThatAllOfItsOptionsChoose)
         const Result result = Ctl(directory, fmt::format("show crlsp --after 1,2,3,4,5,{}", bytes));
         EXPECT_EQ(result.exit, 2) << bytes;
         EXPECT_NE(result.err.find("keyTail takes 8 hex digits"), std::string::npos) << result.err;
+    }
+}
+
+std::set<std::string> NamesOf(const json &document)
+{
+    std::set<std::string> names;
+    for (const json &row : document["rows"])
+        names.insert(row["name"].is_null() ? row["endPoint"] : row["name"]);
+    return names;
+}
+
+TEST(Rsvpctl, AnLspIsChosenByWhatIsKnownOfIt)
+{
+    const HostDirectory directory(TextOf(std::string(SCENARIOS_PATH) + "demo.toml"));
+    ASSERT_EQ(Ctl(directory, "enable").exit, 0);
+    const std::set<std::string> all{"bypass-900", "tunnel-100", "tunnel-200", "tunnel-300"};
+    const struct {
+        const char *options;
+        std::set<std::string> names;
+    } cases[] = {
+        {"", all},
+        {"tunnel-100", {"tunnel-100"}},
+        {"--name 'tunnel-[12]*'", {"tunnel-100", "tunnel-200"}},
+        {"--end-point 10.0.0.4 --sender 10.0.0.1", {"tunnel-100"}},
+        {"--tunnel-id 200 --lsp-id 1", {"tunnel-200"}},
+        {"--interface 2", {"bypass-900"}},
+        {"--role head", {"bypass-900", "tunnel-100"}},
+        {"--role tail", {"tunnel-300"}},
+        {"--protected", {"tunnel-100", "tunnel-200"}},
+        {"--up", all},
+        {"--down", {}},
+        {"--role head --protected", {"tunnel-100"}},
+        // Without the words of a daemon: the hops alone tell what begins here and what passes.
+        {"--dictionary none", {"10.0.0.1", "10.0.0.2", "10.0.0.4"}},
+        {"--dictionary none --role head", {"10.0.0.2", "10.0.0.4"}},
+        {"--dictionary none --role transit", {"10.0.0.4"}},
+    };
+    for (const auto &row : cases)
+        EXPECT_EQ(NamesOf(CtlJson(directory, fmt::format("show lsp {}", row.options))), row.names) << row.options;
+    const struct {
+        const char *options;
+        int exit;
+        const char *message;
+    } refused[] = {
+        {"tunel-100", 1, "there is no LSP 'tunel-100'; did you mean 'tunnel-100'?"},
+        {"tunnel-100 --limit 1", 2, "excludes --limit"},
+        {"--role middle", 2, "takes head or transit or tail, not 'middle'"},
+        {"--up --down", 2, "excludes"},
+        {"--dictionary none tunnel-100", 2, "no name for the key of CR-LSPs"},
+        {"--dictionary none --name 't*'", 2, "no name for the key of CR-LSPs"},
+        {"--dictionary none --interface 1", 2, "no name for the 'interface' of CR-LSPs"},
+        {"--dictionary none --protected", 2, "no name for the 'protection' of CR-LSPs"},
+        {"--dictionary none --down", 2, "no name for 'down'"},
+        {"--dictionary none --role tail", 2, "no name for 'tail'"},
+    };
+    for (const auto &row : refused) {
+        const Result result = Ctl(directory, fmt::format("show lsp {}", row.options));
+        EXPECT_EQ(result.exit, row.exit) << row.options;
+        EXPECT_NE(result.err.find(row.message), std::string::npos) << result.err;
+    }
+}
+
+TEST(Rsvpctl, AnLspIsShownWithoutTheTableThatBroke)
+{
+    // The table by its item, and what of tunnel 200, and of nothing else, it alone tells.
+    const struct {
+        const char *table;
+        int item;
+        const char *fault;
+        const char *end;
+        std::vector<const char *> lost;
+    } cases[] = {
+        {"crlsp", 1, "status=0x60010099", "broken", {"name", "interface", "upTime", "protection", "bypassName"}},
+        {"psb", 8, "close", "broken", {"askedRate", "setupPriority", "holdingPriority", "attributes"}},
+        {"rsb", 5, "stuck", "stuck", {"labelOut"}},
+        {"phsb", 4, "short=3", "broken", {"labelIn"}},
+    };
+    const std::string demo = TextOf(std::string(SCENARIOS_PATH) + "demo.toml");
+    for (const auto &row : cases) {
+        SCOPED_TRACE(row.table);
+        const HostDirectory directory(demo + FaultTable(row.fault) + fmt::format("item = {}\n", row.item));
+        ASSERT_EQ(Ctl(directory, "enable").exit, 0);
+        const json document = CtlJson(directory, "show lsp --tunnel-id 200");
+        EXPECT_EQ(document["exitStatus"], 4);
+        EXPECT_EQ(document["complete"], false);
+        ASSERT_EQ(document["rows"].size(), 1U);
+        EXPECT_EQ(document["tables"].size(), 7U);
+        for (const json &table : document["tables"]) {
+            const bool broke = table["table"] == row.table;
+            EXPECT_EQ(table["end"], broke ? row.end : "end of table") << table;
+            EXPECT_EQ(table["whatToDo"].is_null(), !broke);
+        }
+        const json &lsp = document["rows"][0];
+        EXPECT_EQ(lsp["role"], "transit");
+        for (const char *member : row.lost)
+            EXPECT_TRUE(lsp[member].is_null()) << member << lsp;
+        EXPECT_EQ(std::count_if(lsp.begin(), lsp.end(), [](const json &value) { return value.is_null(); }),
+                  row.lost.size());
+    }
+}
+
+TEST(Rsvpctl, ATreeFindsItsKey)
+{
+    const auto lsp = [](const char *name, int p2mpId, int tunnel) {
+        return fmt::format("[[p2mpCrlsp]]\nrequestKey = {{ keyWord0 = {0}, keyShort0 = {1} }}\n"
+                           "key = {{ keyWord0 = {0}, keyShort0 = {1} }}\nname = \"{2}\"\n",
+                           p2mpId, tunnel, name);
+    };
+    const HostDirectory directory(lsp("news", 1, 7) + lsp("sport", 2, 8) + lsp("sport", 3, 9) + lsp("films", 4, 7));
+    ASSERT_EQ(Ctl(directory, "enable").exit, 0);
+    const struct {
+        const char *options;
+        int exit;
+        const char *text;
+    } cases[] = {
+        {"news", 0, "news, P2MP 1, tunnel 7"},
+        {"sport --tunnel-id 9", 0, "sport, P2MP 3, tunnel 9"},
+        {"--tunnel-id 8", 0, "sport, P2MP 2, tunnel 8"},
+        {"new", 1, "no point-to-multipoint LSP with the name 'new'; did you mean 'news'?"},
+        {"--tunnel-id 6", 1, "no point-to-multipoint LSP of tunnel 6"},
+        {"sport", 2,
+         "there are 2 point-to-multipoint LSPs with the name 'sport'; type one of 'tree --key 2,0,0,8,0,0,0,0"},
+        {"--tunnel-id 7", 2, " for films"},
+        {"news --key 1", 2, "excludes --key"},
+        {"", 2, "NAME, --tunnel-id, --key or --key-file is needed"},
+        {"news --dictionary none", 2, "give --key"},
+    };
+    for (const auto &row : cases) {
+        const Result result = Ctl(directory, fmt::format("tree {}", row.options));
+        EXPECT_EQ(result.exit, row.exit) << row.options;
+        EXPECT_NE((result.out + result.err).find(row.text), std::string::npos) << result.out << result.err;
     }
 }
 

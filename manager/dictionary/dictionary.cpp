@@ -53,6 +53,17 @@ uint64_t NamedValue::NumberIn(const void *record) const
     return placed_.meaning == nullptr ? 0 : NumberOf(*placed_.meaning, At(record, placed_.base));
 }
 
+std::string NamedValue::TextIn(const void *record) const
+{
+    return placed_.meaning == nullptr ? "" : ValueText(*placed_.meaning, At(record, placed_.base));
+}
+
+bool NamedValue::HasWord(std::string_view word) const
+{
+    return placed_.meaning != nullptr && std::any_of(placed_.meaning->words.begin(), placed_.meaning->words.end(),
+                                                     [&](const auto &one) { return one.second == word; });
+}
+
 const Meaning *MeaningAt(const RecordDescription &record, const RecordMeanings &meanings, uint32_t offset)
 {
     for (const PlacedMeaning &placed : AllMeanings(record, meanings)) {

@@ -48,6 +48,12 @@ public:
     /** The number in a record; 0 if the name stands for nothing. */
     uint64_t NumberIn(const void *record) const;
 
+    /** The value as people read it; empty if the name stands for nothing. */
+    std::string TextIn(const void *record) const;
+
+    /** Whether the value can be this word. */
+    bool HasWord(std::string_view word) const;
+
 private:
     PlacedMeaning placed_{nullptr, 0};
 };

@@ -3,6 +3,7 @@
 #ifndef MANAGER_TABLE_WALK_H
 #define MANAGER_TABLE_WALK_H
 
+#include "manager/exchange/exchange.h"
 #include "manager/table/table.h"
 
 #include <functional>
@@ -38,6 +39,13 @@ struct WalkResult {
     uint32_t status = RSVP_MOR_OK; // what broke it
     const char *function = "";     // the function that was called last
     std::string lastKey;           // key of the last row, as ReadKey takes it; empty before the first
+};
+
+/** How the walk of a table ended that was read together with others. */
+struct TableEnd {
+    const Table *table;
+    WalkResult result;
+    Exchange exchange; // the last one
 };
 
 /** Looks at a row, which is released afterwards; false ends the walk as stopped. */

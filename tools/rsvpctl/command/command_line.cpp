@@ -19,6 +19,7 @@ constexpr const char *kRootExamples = R"(Examples:
   rsvpctl set interface 3                          # RSVP on interface 3
   rsvpctl set retrans-interval 500 --interface 3
   rsvpctl show tunnels --json                      # one JSON document, for programs
+  rsvpctl show lsp tunnel-100                      # all that is known of one LSP
   rsvpctl show psb --detail                        # every field of each row
   echo 'set interface 3' | rsvpctl batch -         # one command a line
   rsvpctl explain 0x6001001a                       # what a status means

@@ -128,8 +128,8 @@ std::string Output::Ending(Exit exit) const
     std::string text;
     if (inList_) {
         text += "]" + MemberText("count", rows_) + MemberText("complete", false);
-        if (table_ != nullptr)
-            text += MemberText("end", "interrupted") + MemberText("function", table_->next.function);
+        if (function_ != nullptr)
+            text += MemberText("end", "interrupted") + MemberText("function", function_);
         text += end;
     }
     if (inBatch_)
@@ -363,7 +363,7 @@ void Output::BeginList(const std::string &operation)
 {
     rows_ = 0;
     inList_ = true;
-    table_ = nullptr;
+    function_ = nullptr;
     layout_.reset();
     OpenDocument(operation);
     if (IsJson())
@@ -398,26 +398,26 @@ Exit Output::EndList()
     return CloseDocument(RSVP_MOR_OK, Exit::Done);
 }
 
-void Output::BeginRows(const std::string &operation, const manager::Table &table, RowForm form)
+void Output::BeginRows(const std::string &operation, RowForm form, const char *function)
 {
     TellMissingNames();
     BeginList(operation);
-    table_ = &table;
+    function_ = function;
     form_ = std::move(form);
     sorted_.clear();
-    if (HasColumns())
+    if (HasColumns() && !form_.isScreen)
         layout_.emplace(form_.columns, style_ == Style::Table && !form_.allColumns ? lineWidth_ : SIZE_MAX);
 }
 
 std::string Output::RowText(const void *record)
 {
-    if (style_ == Style::Detail)
-        return form_.detail(record);
-    if (HasColumns())
+    if (layout_)
         return style_ == Style::Csv ? layout_->CsvRow(record) : layout_->Row(record);
+    if (!IsJson())
+        return form_.detail(record);
     std::string text;
     text.reserve(rowRoom_);
-    AppendJson(text, table_->row(), record, Names().Of(table_->row()));
+    form_.json(text, record);
     text += '\n';
     rowRoom_ = std::max(rowRoom_, text.size());
     return text;
@@ -427,8 +427,8 @@ std::string Output::RowText(const void *record)
 bool Output::WriteRow(const std::string &row)
 {
     if (rows_ != 0)
-        text_ += IsJson() ? "," : style_ == Style::Detail ? "\n" : "";
-    else if (HasColumns() && form_.hasHeaders)
+        text_ += IsJson() ? "," : layout_ ? "" : "\n";
+    else if (layout_ && form_.hasHeaders)
         text_ += style_ == Style::Csv ? layout_->CsvHeader() : Heading(layout_->Header());
     text_ += row;
     ++rows_;
@@ -447,14 +447,19 @@ bool Output::Row(const void *record)
     return true;
 }
 
-Exit Output::EndRows(const WalkResult &result)
+// A table that can no longer be written has no end to report; Finish says what happened.
+bool Output::WriteSorted()
 {
     for (const auto &[key, row] : std::exchange(sorted_, {})) {
         if (!WriteRow(row))
             break;
     }
-    // A table that can no longer be written has no end to report; Finish says what happened.
-    if (writeError_ != 0)
+    return writeError_ == 0;
+}
+
+Exit Output::EndRows(const WalkResult &result)
+{
+    if (!WriteSorted())
         return Exit::Done;
     if (result.end == WalkEnd::EndOfTable || result.end == WalkEnd::Stopped) {
         EndWholeTable(result);
@@ -475,20 +480,67 @@ Exit Output::EndRows(const WalkResult &result)
                          broken.text.name);
 }
 
+Exit Output::EndRows(std::span<const manager::TableEnd> tables, uint64_t wanted)
+{
+    if (!WriteSorted())
+        return Exit::Done;
+    Exit exit = Exit::Done;
+    uint32_t status = RSVP_MOR_OK;
+    const char *name = nullptr;
+    Json ends = Json::array();
+    for (const auto &[table, result, exchange] : tables) {
+        ends.push_back({{"table", table->name},
+                        {"rows", result.rows},
+                        {"end", EndName(result.end)},
+                        {"function", result.function},
+                        {"whatHappened", nullptr},
+                        {"likelyCause", nullptr},
+                        {"whatToDo", nullptr}});
+        if (result.end == WalkEnd::EndOfTable)
+            continue;
+        const Reason broken = BreakOf(result, exchange);
+        ends.back()["whatHappened"] = broken.what;
+        ends.back()["likelyCause"] = broken.text.cause;
+        ends.back()["whatToDo"] = broken.text.remedy;
+        Complain(fmt::format("{}: {} is missing: walk {} after {}", operation_, table->name, EndName(result.end),
+                             CountText(result.rows, "row")),
+                 Advice(broken));
+        if (exit == Exit::Done) {
+            exit = broken.text.exit;
+            status = result.end == WalkEnd::Stuck ? RSVP_MOR_ERR_FAIL : result.status;
+            name = broken.text.name;
+        }
+    }
+    if (exit == Exit::Done)
+        TellRows({WalkEnd::EndOfTable, wanted, RSVP_MOR_OK, "", ""});
+    if (IsJson()) {
+        text_ += "]";
+        Member("count", rows_);
+        Member("complete", exit == Exit::Done && wanted <= rows_);
+        Member("tables", ends);
+    }
+    return CloseDocument(status, exit, name);
+}
+
 // Rows that were read and not printed are as good as not read.
 const char *Output::EndOf(const WalkResult &result) const
 {
     return result.rows > rows_ ? "limit" : EndName(result.end);
 }
 
+void Output::TellRows(const WalkResult &result)
+{
+    if (IsJson())
+        return;
+    const size_t hidden = layout_ ? layout_->Hidden() : 0;
+    const std::string more =
+        hidden == 0 ? "" : fmt::format("; --detail shows {} more of each", CountText(hidden, "field"));
+    Message(fmt::format("{}, {}{}", CountText(rows_, "row"), EndOf(result), more));
+}
+
 void Output::EndWholeTable(const WalkResult &result)
 {
-    if (!IsJson()) {
-        const size_t hidden = layout_ ? layout_->Hidden() : 0;
-        const std::string more =
-            hidden == 0 ? "" : fmt::format("; --detail shows {} more of each", CountText(hidden, "field"));
-        Message(fmt::format("{}, {}{}", CountText(rows_, "row"), EndOf(result), more));
-    }
+    TellRows(result);
     CloseRows(result);
     CloseDocument(RSVP_MOR_OK, Exit::Done);
 }

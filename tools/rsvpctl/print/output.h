@@ -13,6 +13,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <span>
 #include <string>
 
 namespace rsvpctl {
@@ -32,12 +33,14 @@ enum class Color : uint8_t { Auto, Always, Never };
 /** Everything about one row. */
 using DetailView = std::function<std::string(const void *row)>;
 
-/** How the rows of a table are printed. */
+/** How rows are printed. */
 struct RowForm {
     Columns columns;
     bool allColumns = false; // none is hidden, however long the line
+    bool isScreen = false;   // everything about each row, though nobody asked for details
     DetailView detail;
-    std::optional<Column> sortBy = {}; // then the rows wait for the last one
+    std::function<void(std::string &out, const void *row)> json; // appends the row as an object
+    std::optional<Column> sortBy = {};                           // then the rows wait for the last one
     uint64_t limit = UINT64_MAX;
     bool hasHeaders = true;
 };
@@ -99,11 +102,14 @@ public:
     /** Arguments that cannot be taken; nothing was sent. */
     Exit WrongUsage(const std::string &operation, const UsageError &error);
 
-    /** The rows of a walk: begin, any number of rows, end. Row gives false when no more are wanted: they are as many
-     * as the form allows, or the document cannot be written. */
-    void BeginRows(const std::string &operation, const manager::Table &table, RowForm form);
+    /** Rows: begin, any number of rows, end. Row gives false when no more are wanted: they are as many as the form
+     * allows, or the document cannot be written. The rows of a walk come from `function`. */
+    void BeginRows(const std::string &operation, RowForm form, const char *function = nullptr);
     bool Row(const void *record);
     Exit EndRows(const manager::WalkResult &result);
+
+    /** The end of rows that were joined from tables, where the user wanted so many of them. */
+    Exit EndRows(std::span<const manager::TableEnd> tables, uint64_t wanted);
 
     /** A list whose rows are more than records: each is an object for programs and text for people. */
     void BeginList(const std::string &operation);
@@ -150,6 +156,8 @@ private:
     Exit CloseDocument(uint32_t status, Exit exit, const char *name = nullptr);
     std::string RowText(const void *record);
     bool WriteRow(const std::string &row);
+    bool WriteSorted();
+    void TellRows(const manager::WalkResult &result);
     const char *EndOf(const manager::WalkResult &result) const;
     void EndWholeTable(const manager::WalkResult &result);
     void CloseRows(const manager::WalkResult &result);
@@ -172,7 +180,7 @@ private:
     int writeError_ = 0;
 
     std::string operation_;
-    const manager::Table *table_ = nullptr;
+    const char *function_ = nullptr;
     std::optional<TableLayout> layout_;
     RowForm form_;
     std::multimap<SortKey, std::string> sorted_; // rows that wait

@@ -99,9 +99,7 @@ void AddDebugShow(CommandLine &line, const Node &group)
 {
     Command &command = line.Add(group, "show", "The state of the debug switches", "  rsvpctl debug show --json");
     command.takesDetail = true;
-    command.run = [&command](Output &out) {
-        return ShowRecord(out, command.name, manager::kDebugSwitches);
-    };
+    command.run = [&command](Output &out) { return ShowRecord(out, command.name, manager::kDebugSwitches); };
 }
 
 Rehearsal ResetOf(WireItem item)

@@ -5,6 +5,7 @@
 #include "tools/rsvpctl/command/command_line.h"
 #include "tools/rsvpctl/print/names.h"
 #include "tools/rsvpctl/show/commands.h"
+#include "tools/rsvpctl/view/words.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -13,11 +14,6 @@ namespace rsvpctl {
 namespace {
 
 using manager::Json, manager::Meaning, manager::RecordDescription, manager::RecordMeanings;
-
-Json TextOrNull(const std::string &text)
-{
-    return text.empty() ? Json() : Json(text);
-}
 
 Json RowOf(const std::string &record, const std::string &field, const Meaning &meaning)
 {

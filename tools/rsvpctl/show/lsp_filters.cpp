@@ -69,6 +69,12 @@ bool LspFilter::TakesSender(const RSVP_MOR_Sender &which) const
     return Matches(lspId, which.lspId) && Matches(sender, which.senderAddress);
 }
 
+bool LspFilter::TakesIdentity(const manager::LspIdentity &which) const
+{
+    return Matches(tunnelId, which.tunnelId) && Matches(lspId, which.lspId) && Matches(endPoint, which.endPoint) &&
+           Matches(sender, which.sender);
+}
+
 bool Takes(const LspFilter &filter, RSVP_MOR_ReplyPsb &row)
 {
     return filter.TakesSession(row.session) && filter.TakesSender(row.sender);

@@ -3,6 +3,8 @@
 #ifndef TOOLS_RSVPCTL_SHOW_LSP_FILTERS_H
 #define TOOLS_RSVPCTL_SHOW_LSP_FILTERS_H
 
+#include "manager/lsp/lsp.h"
+
 #include <cstdint>
 #include <optional>
 #include <rsvp_mor.h>
@@ -17,6 +19,7 @@ struct LspFilter {
 
     bool TakesSession(const RSVP_MOR_Session &session) const;
     bool TakesSender(const RSVP_MOR_Sender &which) const;
+    bool TakesIdentity(const manager::LspIdentity &which) const;
     bool AsksForSender() const { return lspId || sender; }
 
     /** Throws UsageError if CR-LSPs are to be chosen by something that the dictionary has no name for. */

@@ -189,6 +189,11 @@ Json StatusMembers()
             {"exitStatus", {{"anyOf", {Integer(7), {{"const", static_cast<int>(Exit::Interrupted)}}}}}}};
 }
 
+Json End()
+{
+    return OneOfTexts({"end of table", "stuck", "no key", "limit", "broken", "interrupted"});
+}
+
 const std::map<std::string, Json> &MembersOfAnswers()
 {
     static const std::map<std::string, Json> members{
@@ -210,7 +215,8 @@ const std::map<std::string, Json> &MembersOfAnswers()
         {"rows", ArrayOf({{"type", "object"}})},
         {"count", Integer(UINT64_MAX)},
         {"complete", {{"type", "boolean"}}},
-        {"end", OneOfTexts({"end of table", "stuck", "no key", "limit", "broken", "interrupted"})},
+        {"end", End()},
+        {"tables", ArrayOf(Reference("tableEnd"))},
         {"file", Text()},
     };
     return members;
@@ -236,6 +242,7 @@ Json Forms()
         Form("the rows of a walk", {"rows", "count", "complete", "end", "function"}),
         Form("the rows of a walk that did not come to its end",
              {"rows", "count", "complete", "end", "function", "after", "whatHappened", "likelyCause", "whatToDo"}),
+        Form("rows joined from tables", {"rows", "count", "complete", "tables"}),
         Form("a list", {"rows", "count", "complete"}),
         Form("the lines of a batch", {"file", "rows", "count", "complete"})};
 }
@@ -258,6 +265,7 @@ Json Rules()
     for (const ShowSpec &show : AllShows())
         rules.push_back(Rule(std::string("show ") + show.words, show.HasRecord() ? RecordOf(show) : Json(false),
                              show.HasRows() ? RecordOf(show) : Json(false)));
+    rules.push_back(Rule("show lsp", false, Reference("lsp")));
     rules.push_back(Rule("debug show", Reference(Describe<RSVP_MOR_DebugInfo>().name), false));
     for (const char *name : {"status", "tree", "options"})
         rules.push_back(Rule(name, Reference(name), false));
@@ -314,6 +322,7 @@ Json Event()
     };
     for (const ShowSpec &show : AllShows())
         add(std::string("watch show ") + show.words, RecordOf(show));
+    add("watch show lsp", Reference("lsp"));
     add("watch status", Reference("status"));
     return {{"anyOf", {Object(rows), Object(changed), Object(state)}}, {"allOf", std::move(rules)}};
 }
@@ -371,6 +380,48 @@ void AddOwnRecords(Json &definitions)
                                  {"label", NullOr(Integer(UINT32_MAX))},
                                  {"leaves", ArrayOf(Reference("address"))},
                                  {"hops", ArrayOf(Reference("hop"))}});
+    definitions["tableEnd"] = Object({{"table", Text()},
+                                      {"rows", Integer(UINT64_MAX)},
+                                      {"end", End()},
+                                      {"function", Text()},
+                                      {"whatHappened", textOrNull},
+                                      {"likelyCause", textOrNull},
+                                      {"whatToDo", textOrNull}});
+    const Json numberOrNull = NullOr(Integer(UINT32_MAX));
+    Json rateOrNull = NullOr(Reference("rate"));
+    rateOrNull[kUnit] = "B/s";
+    const Json hops = ArrayOf(Reference(Describe<RSVP_MOR_HopEntry>().name));
+    definitions["lsp"] =
+        Object({{"name", textOrNull},
+                {"endPoint", Reference("address")},
+                {"tunnelId", Integer(UINT32_MAX)},
+                {"extendedTunnelId", Reference("address")},
+                {"sender", Reference("address")},
+                {"lspId", Integer(UINT32_MAX)},
+                {"role", textOrNull},
+                {"state", textOrNull},
+                {"upTime", NullOr(Integer(UINT64_MAX))},
+                {"previousHop", NullOr(Reference("address"))},
+                {"labelIn", numberOrNull},
+                {"nextHop", NullOr(Reference("address"))},
+                {"labelOut", numberOrNull},
+                {"interface", numberOrNull},
+                {"setupPriority", NullOr(Integer(UINT8_MAX))},
+                {"holdingPriority", NullOr(Integer(UINT8_MAX))},
+                {"attributes", NullOr(ArrayOf(Text()))},
+                {"askedRate", rateOrNull},
+                {"reservedRate", rateOrNull},
+                {"style", textOrNull},
+                {"routes", {{"type", "object"}, {"additionalProperties", ArrayOf(Reference("address"))}}},
+                {"recordedBefore", hops},
+                {"recordedAfter", hops},
+                {"routeHops", hops},
+                {"protection", textOrNull},
+                {"bypassTunnel", numberOrNull},
+                {"bypassName", textOrNull},
+                {"facility", ArrayOf(Reference(Describe<RSVP_MOR_ReplyFrrFacility>().name))},
+                {"general", ArrayOf(Reference(Describe<RSVP_MOR_ReplyFrrGeneral>().name))},
+                {"tables", ArrayOf(Text())}});
     definitions["tree"] = Object({{"title", Text()}, {"leafCount", Integer(UINT32_MAX)}, {"root", Reference("hop")}});
 }
 

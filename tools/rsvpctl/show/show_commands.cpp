@@ -1,18 +1,20 @@
 // The `show` commands, made of the descriptions in shows.cpp: walks with filters, single rows and blocks by their
 // keys. A row is printed when it comes and released at once.
+#include "manager/dictionary/document.h"
 #include "manager/record/key.h"
 #include "manager/record/text.h"
 #include "manager/table/session.h"
 #include "manager/table/tables.h"
 #include "manager/table/walk.h"
 #include "tools/rsvpctl/command/command_line.h"
-#include "tools/rsvpctl/command/nearest.h"
 #include "tools/rsvpctl/command/session.h"
 #include "tools/rsvpctl/print/names.h"
 #include "tools/rsvpctl/print/progress.h"
 #include "tools/rsvpctl/show/blocks.h"
 #include "tools/rsvpctl/show/commands.h"
 #include "tools/rsvpctl/show/counters.h"
+#include "tools/rsvpctl/show/lsp.h"
+#include "tools/rsvpctl/show/row_options.h"
 #include "tools/rsvpctl/show/shows.h"
 #include "tools/rsvpctl/show/suggestions.h"
 
@@ -37,77 +39,35 @@ constexpr GroupSpec kGroups[] = {
 
 /** The options of a walk; those that a table does not have are never given. */
 struct RowOptions {
-    Option columns;
-    Option sort;
-    Option limit;
-    Option noHeaders;
+    ArrangeOptions arrange;
     Option after;
     BlockOptions one; // row, by its key
     Option ingress;
-    Option tunnelId;
-    Option lspId;
-    Option endPoint;
-    Option sender;
+    LspOptions lsps;
 };
-
-LspFilter FilterOf(const RowOptions &options)
-{
-    LspFilter filter;
-    if (options.tunnelId.IsGiven())
-        filter.tunnelId = options.tunnelId.Number();
-    if (options.lspId.IsGiven())
-        filter.lspId = options.lspId.Number();
-    if (options.endPoint.IsGiven())
-        filter.endPoint = options.endPoint.Address();
-    if (options.sender.IsGiven())
-        filter.sender = options.sender.Address();
-    return filter;
-}
-
-const Column &ColumnNamed(const Columns &columns, std::string_view name)
-{
-    std::vector<Spelling> names;
-    for (const Column &column : columns.all) {
-        if (column.name == name)
-            return column;
-        names.push_back({column.name, column.name});
-    }
-    throw UsageError(fmt::format("there is no column '{}'{}", name, DidYouMean(name, names)));
-}
 
 RowForm FormOf(const Output &out, const ShowSpec &show, const RowOptions &options)
 {
-    RowForm form{.columns = ColumnsOf(show), .detail = DetailOf(show)};
-    if ((options.columns.IsGiven() || options.noHeaders.IsGiven()) && !out.HasColumns())
-        throw UsageError("--columns and --no-headers are for tables, not for JSON and --detail");
-    if (options.sort.IsGiven())
-        form.sortBy = ColumnNamed(form.columns, options.sort.Text());
-    if (options.columns.IsGiven()) {
-        Columns chosen;
-        const std::string names = options.columns.Text();
-        for (const std::string_view name : manager::Split(names, ','))
-            chosen.all.push_back(ColumnNamed(form.columns, name));
-        form.columns = std::move(chosen);
-        form.allColumns = true; // what was asked for is not hidden
-    }
-    if (options.limit.IsGiven())
-        form.limit = options.limit.Number();
-    if (form.limit == 0)
-        throw UsageError("--limit takes a number from 1 on, not 0");
-    form.hasHeaders = !options.noHeaders.IsGiven();
+    const manager::RecordDescription &row = show.table->row();
+    RowForm form{.columns = ColumnsOf(show),
+                 .detail = DetailOf(show),
+                 .json = [&row, &meanings = Names().Of(row)](std::string &text, const void *record) {
+                     AppendJson(text, row, record, meanings);
+                 }};
+    Arrange(out, options.arrange, form);
     return form;
 }
 
 Exit ShowRows(Output &out, const std::string &operation, const ShowSpec &show, const RowOptions &options)
 {
     const manager::Table &table = options.ingress.IsGiven() ? *show.ingressTable : *show.table;
-    const LspFilter filter = FilterOf(options);
+    const LspFilter filter = FilterOf(options.lsps);
     if (show.table == &manager::kCrLsps)
         filter.CheckNames();
     std::vector<std::byte> after(table.key().size);
     if (options.after.IsGiven())
         RequireKey(table, options.after.Text(), after.data());
-    out.BeginRows(operation, table, FormOf(out, show, options));
+    out.BeginRows(operation, FormOf(out, show, options), table.next.function);
     const manager::Session session(table.first.held);
     if (session.IsMissing())
         return out.EndRows({manager::WalkEnd::Broken, 0, RSVP_MOR_ERR_LIPC, "RSVP_MOR_LIPCOpen", ""});
@@ -144,30 +104,24 @@ RowOptions AddRowOptions(const Node &node, const ShowSpec &show)
 {
     RowOptions options;
     const manager::Table &key = *show.table;
-    options.columns = node.AddText("--columns", "NAME,...", nullptr, "These columns, in this order");
-    options.sort =
-        node.AddText("--sort", "NAME", nullptr, "Rows in the order of a column; they wait for the last one");
-    options.limit = node.AddNumber("--limit", UINT32_MAX, "At most so many rows");
-    options.noHeaders = node.AddFlag("--no-headers", "Rows without a heading");
+    options.arrange = AddArrangeOptions(node);
     options.after = node.AddKey("--after", key, "Begin after the row with this key");
     if (show.ingressTable != nullptr)
         options.ingress = node.AddFlag("--ingress", "Only tunnels that begin here; not with a key");
     if (show.HasRecord()) {
         options.one = AddBlockOptions(node, show);
-        for (const Option &ofRows :
-             {options.columns, options.sort, options.limit, options.noHeaders, options.after}) {
-            options.one.key.words.Excludes(ofRows);
-            options.one.key.file.Excludes(ofRows);
+        std::vector<Option> ofRows{options.after};
+        for (const Option &one : options.arrange.All())
+            ofRows.push_back(one);
+        for (const Option &one : ofRows) {
+            options.one.key.words.Excludes(one);
+            options.one.key.file.Excludes(one);
         }
     }
     if (show.ingressTable != nullptr)
         options.ingress.Excludes(options.one.key.words).Excludes(options.one.key.file);
-    if (show.takes != nullptr) {
-        options.tunnelId = node.AddNumber("--tunnel-id", UINT16_MAX, "Only LSPs of this tunnel");
-        options.lspId = node.AddNumber("--lsp-id", UINT16_MAX, "Only LSPs with this identifier");
-        options.endPoint = node.AddAddress("--end-point", "Only LSPs to this end point");
-        options.sender = node.AddAddress("--sender", "Only LSPs from this sender");
-    }
+    if (show.takes != nullptr)
+        options.lsps = AddLspOptions(node);
     return options;
 }
 
@@ -226,6 +180,7 @@ void AddShowCommands(CommandLine &line, Node parent)
         line.AddGroup(parent, "show", "Read settings, counters, tables and state",
                       GroupExamples(path, "global\ninterfaces 1 --json\ntunnels --ingress\n"
                                           "neighbours --after 10.1.12.2,0       # the rows after this key"));
+    AddLspCommand(line, shows);
     std::map<std::string, Node> groups;
     for (const ShowSpec &show : AllShows()) {
         const std::string words = show.words;

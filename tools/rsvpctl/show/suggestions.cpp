@@ -79,17 +79,21 @@ Texts KeysOfRows(const manager::Table &table, const std::string &typed)
 
 std::vector<std::string> Suggest(const ShowSpec &show, const std::string &option, const std::string &typed)
 {
-    if (!show.HasRows())
-        return {};
+    return show.HasRows() ? Suggest(show, ColumnsOf(show), option, typed) : std::vector<std::string>();
+}
+
+std::vector<std::string> Suggest(const ShowSpec &show, const Columns &shown, const std::string &option,
+                                 const std::string &typed)
+{
     const manager::RecordDescription &row = show.table->row();
     const Columns columns = ColumnsOf(show);
     if (option == "columns")
-        return NextOfList(columns, typed);
+        return NextOfList(shown, typed);
     if (option == "key" || option == "after")
         return KeysOfRows(*show.table, typed);
     Texts texts;
     if (option == "sort") {
-        for (const Column &column : columns.all)
+        for (const Column &column : shown.all)
             texts.push_back(column.name);
         return texts;
     }

@@ -14,6 +14,10 @@ namespace rsvpctl {
  * second at most, and a daemon that does not answer gives none. */
 std::vector<std::string> Suggest(const ShowSpec &show, const std::string &option, const std::string &typed);
 
+/** The same for rows with columns of their own, which are made of the rows of a show. */
+std::vector<std::string> Suggest(const ShowSpec &show, const Columns &shown, const std::string &option,
+                                 const std::string &typed);
+
 } // namespace rsvpctl
 
 #endif

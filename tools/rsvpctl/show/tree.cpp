@@ -141,7 +141,9 @@ void AddTreeCommand(CommandLine &line)
                                     BlockExamples("tree", show) +
                                     "\n  rsvpctl tree --key-file key.json --dot | dot -Tsvg > lsp.svg");
     command.mayBeLong = true;
-    command.suggest = [&show](const auto &option, const auto &typed) { return Suggest(show, option, typed); };
+    command.suggest = [&show](const std::string &option, const std::string &typed) {
+        return Suggest(show, option == "lsp" ? "name" : option, typed);
+    };
     const FindOptions find{command.node.AddText("lsp", "NAME", nullptr, "The LSP of this name"),
                            command.node.AddNumber("--tunnel-id", UINT16_MAX, "The LSP of this tunnel")};
     const BlockOptions options = AddBlockOptions(command.node, show);

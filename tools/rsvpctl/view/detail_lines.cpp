@@ -1,7 +1,6 @@
 // The detail view of objects that several blocks share, in the words of RSVP.
 #include "tools/rsvpctl/view/detail_lines.h"
 
-#include "manager/dictionary/standard.h"
 #include "manager/record/text.h"
 #include "tools/rsvpctl/view/words.h"
 
@@ -17,13 +16,6 @@ using manager::BandwidthText, manager::DottedText, manager::NetFloat;
 
 constexpr size_t kNameWidth = 16;
 constexpr size_t kValueWidth = 96;
-
-// Bytes a second as they were signalled, and bits a second, by which bandwidth is sold.
-std::string RateText(const uint8_t (&bytes)[4])
-{
-    const float rate = NetFloat(bytes);
-    return rate == 0 ? "0 B/s" : fmt::format("{} B/s ({})", rate, BandwidthText(double{rate} * 8));
-}
 
 bool IsThere(const RSVP_MOR_AdspecParam &param)
 {
@@ -43,6 +35,11 @@ std::string ParameterText(const RSVP_MOR_AdspecParam &parameter)
 }
 
 } // namespace
+
+std::string RateText(float rate)
+{
+    return rate == 0 ? "0 B/s" : fmt::format("{} B/s ({})", rate, BandwidthText(double{rate} * 8));
+}
 
 DetailLines::DetailLines(std::string title) : text_(std::move(title))
 {
@@ -102,7 +99,8 @@ void DetailLines::AddInterface(const RSVP_MOR_IfRef &reference)
 
 template <typename Spec> void DetailLines::AddBucket(std::string_view name, const Spec &spec)
 {
-    Add(name, fmt::format("rate {}, peak {}", RateText(Shown(spec.tokenRate)), RateText(Shown(spec.peakRate))));
+    Add(name, fmt::format("rate {}, peak {}", RateText(NetFloat(Shown(spec.tokenRate))),
+                          RateText(NetFloat(Shown(spec.peakRate)))));
     More(fmt::format("bucket {} B, smallest unit {} B, largest packet {} B", NetFloat(Shown(spec.bucketSize)),
                      Shown(spec.minPolicedUnit), Shown(spec.maxPacketSize)));
 }
@@ -116,7 +114,7 @@ void DetailLines::AddFlowSpec(const RSVP_MOR_FlowSpec &flowSpec)
 {
     AddBucket("Flow spec", flowSpec);
     if (flowSpec.rspecParamLength != 0 || NetFloat(flowSpec.rspecRate) != 0)
-        More(fmt::format("guaranteed {}, slack {} us", RateText(Shown(flowSpec.rspecRate)),
+        More(fmt::format("guaranteed {}, slack {} us", RateText(NetFloat(Shown(flowSpec.rspecRate))),
                          Shown(flowSpec.slackTerm)));
 }
 
@@ -156,19 +154,26 @@ void DetailLines::AddAdspec(const RSVP_MOR_Adspec &adspec)
         More(fmt::format("controlled load: {}", ofLoad.empty() ? noTerms : ofLoad));
 }
 
-void DetailLines::AddSessionAttribute(const RSVP_MOR_SessionAttr &attribute)
+void DetailLines::AddAttributes(const std::optional<manager::SessionAttributes> &attributes)
 {
-    const auto attributes = manager::AttributesOf(attribute);
     if (!attributes) {
         Add("Priorities", "-");
         return;
     }
-    const RSVP_MOR_SessionAttrAffinity &full = Shown(attribute.affinityForm);
-    Shown(attribute.shortForm);
     Add("Priorities", fmt::format("setup {}, holding {}", attributes->setupPriority, attributes->holdingPriority));
     Add("Attributes", attributes->flags == 0
                           ? "none"
                           : fmt::format("{}", fmt::join(manager::SessionFlagWords(attributes->flags), ", ")));
+}
+
+void DetailLines::AddSessionAttribute(const RSVP_MOR_SessionAttr &attribute)
+{
+    const auto attributes = manager::AttributesOf(attribute);
+    AddAttributes(attributes);
+    if (!attributes)
+        return;
+    const RSVP_MOR_SessionAttrAffinity &full = Shown(attribute.affinityForm);
+    Shown(attribute.shortForm);
     if (attribute.kind == RSVP_MOR_SESSION_ATTR_AFFINITY)
         Add("Affinities", fmt::format("exclude any {:#010x}, include any {:#010x}, include all {:#010x}",
                                       full.excludeAny, full.includeAny, full.includeAll));
@@ -191,19 +196,17 @@ void DetailLines::AddStyle(const uint32_t &style)
     Add("Style", fmt::format("{} ({})", manager::StyleText(style), Shown(style)));
 }
 
-void DetailLines::AddHops(std::string_view name, const RSVP_MOR_HopList &list)
+void DetailLines::AddHops(std::string_view name, std::span<const RSVP_MOR_HopEntry> hops)
 {
-    Shown(list);
-    for (const std::string &hop : HopTexts(list))
+    for (const std::string &hop : HopTexts(hops))
         Add(std::exchange(name, ""), hop);
 }
 
-void DetailLines::AddOthers(const manager::RecordDescription &description, const void *record,
+void DetailLines::AddFields(std::string_view name, const manager::RecordDescription &description, const void *record,
                             const manager::RecordMeanings &meanings)
 {
     Lines others;
     AddRecord(description, record, meanings, "", shown_, others);
-    std::string_view name = "Other fields";
     std::string line;
     const auto flush = [&] {
         if (!line.empty())

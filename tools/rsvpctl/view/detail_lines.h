@@ -4,6 +4,7 @@
 #ifndef TOOLS_RSVPCTL_VIEW_DETAIL_LINES_H
 #define TOOLS_RSVPCTL_VIEW_DETAIL_LINES_H
 
+#include "manager/dictionary/standard.h"
 #include "tools/rsvpctl/view/record_view.h"
 
 #include <rsvp_mor.h>
@@ -12,6 +13,9 @@
 #include <string_view>
 
 namespace rsvpctl {
+
+/** Bytes a second as they were signalled, and bits a second, by which bandwidth is sold. */
+std::string RateText(float rate);
 
 /** A title, then names with their values, continued below the value where one is long. */
 class DetailLines {
@@ -32,12 +36,14 @@ public:
     void AddTspec(const RSVP_MOR_SenderTspec &tspec);
     void AddFlowSpec(const RSVP_MOR_FlowSpec &flowSpec);
     void AddAdspec(const RSVP_MOR_Adspec &adspec);
+    void AddAttributes(const std::optional<manager::SessionAttributes> &attributes);
     void AddSessionAttribute(const RSVP_MOR_SessionAttr &attribute);
     void AddLabelRequest(const RSVP_MOR_LabelRequest &request);
     void AddStyle(const uint32_t &style);
 
     /** The hops, one a line, a label after its address; nothing for an empty list. */
-    void AddHops(std::string_view name, const RSVP_MOR_HopList &list);
+    void AddHops(std::string_view name, const RSVP_MOR_HopList &list) { AddHops(name, HopsIn(Shown(list))); }
+    void AddHops(std::string_view name, std::span<const RSVP_MOR_HopEntry> hops);
 
     /** Notes that the view shows a part of the record, and gives it back. */
     template <typename Part> const Part &Shown(const Part &part)
@@ -49,13 +55,20 @@ public:
     /** All of the record that was not shown. */
     template <typename Record> void AddOthers(const Record &record, const manager::RecordMeanings &meanings)
     {
-        AddOthers(manager::Describe<Record>(), &record, meanings);
+        AddFields("Other fields", record, meanings);
+    }
+
+    /** The same as `name`, for a record that is a part of what is shown. */
+    template <typename Record>
+    void AddFields(std::string_view name, const Record &record, const manager::RecordMeanings &meanings)
+    {
+        AddFields(name, manager::Describe<Record>(), &record, meanings);
     }
 
     const std::string &Text() const { return text_; }
 
 private:
-    void AddOthers(const manager::RecordDescription &description, const void *record,
+    void AddFields(std::string_view name, const manager::RecordDescription &description, const void *record,
                    const manager::RecordMeanings &meanings);
     std::string ParametersText(std::span<const RSVP_MOR_AdspecParam> parameters);
     template <typename Spec> void AddBucket(std::string_view name, const Spec &spec);

@@ -2,11 +2,11 @@
 #include "tools/rsvpctl/view/hop_tree.h"
 
 #include "manager/record/text.h"
+#include "tools/rsvpctl/view/record_view.h"
 
 #include <algorithm>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
-#include <span>
 
 namespace rsvpctl {
 namespace {
@@ -33,7 +33,7 @@ struct Hop {
 std::vector<Hop> HopsOf(const RSVP_MOR_HopList &list)
 {
     std::vector<Hop> hops;
-    for (const RSVP_MOR_HopEntry &entry : std::span(list.entries, list.entries == nullptr ? 0 : list.count)) {
+    for (const RSVP_MOR_HopEntry &entry : HopsIn(list)) {
         if (entry.kind == RSVP_MOR_HOP_IPV4)
             hops.push_back({entry.address, std::nullopt});
         else if (entry.kind == RSVP_MOR_HOP_LABEL && !hops.empty() && !hops.back().label)

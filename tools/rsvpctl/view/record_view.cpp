@@ -52,7 +52,7 @@ void AddRecords(const Field &field, const void *record, const RecordMeanings &me
 {
     const RecordMeanings &inside = meanings.Inside(field.name);
     if (field.record == &manager::Describe<RSVP_MOR_HopEntry>()) {
-        const std::string hops = manager::Joined(HopTexts(*ListAt<RSVP_MOR_HopList>(field, record)), "\n\t");
+        const std::string hops = manager::Joined(HopTexts(HopsIn(*ListAt<RSVP_MOR_HopList>(field, record))), "\n\t");
         lines.emplace_back(path, hops.empty() ? "none" : hops);
         return;
     }
@@ -141,11 +141,16 @@ bool ShownParts::Contain(const void *part, size_t size) const
                        [&](const auto &one) { return at >= one.first && at + size <= one.first + one.second; });
 }
 
-std::vector<std::string> HopTexts(const RSVP_MOR_HopList &list)
+std::span<const RSVP_MOR_HopEntry> HopsIn(const RSVP_MOR_HopList &list)
+{
+    return {list.entries, list.entries == nullptr ? size_t{0} : list.count};
+}
+
+std::vector<std::string> HopTexts(std::span<const RSVP_MOR_HopEntry> entries)
 {
     std::vector<std::string> hops;
     bool awaitsLabel = false;
-    for (const RSVP_MOR_HopEntry &hop : std::span(list.entries, list.entries == nullptr ? 0 : list.count)) {
+    for (const RSVP_MOR_HopEntry &hop : entries) {
         std::string text;
         if (hop.kind == RSVP_MOR_HOP_LABEL)
             text = "label " + manager::LabelText(hop.label);

@@ -5,6 +5,7 @@
 
 #include "manager/dictionary/dictionary.h"
 
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -14,8 +15,11 @@ namespace rsvpctl {
 /** Names with their values. A break inside a value is a line end and a tab. */
 using Lines = std::vector<std::pair<std::string, std::string>>;
 
-/** The hops of a recorded route, a line each, a label after the address that it leads to. */
-std::vector<std::string> HopTexts(const RSVP_MOR_HopList &list);
+/** The hops of a recorded route. */
+std::span<const RSVP_MOR_HopEntry> HopsIn(const RSVP_MOR_HopList &list);
+
+/** The same, a line each, a label after the address that it leads to. */
+std::vector<std::string> HopTexts(std::span<const RSVP_MOR_HopEntry> entries);
 
 /** The addresses of a route. */
 std::string RouteText(const RSVP_MOR_RouteList &list);

@@ -2,6 +2,8 @@
 #ifndef TOOLS_RSVPCTL_VIEW_WORDS_H
 #define TOOLS_RSVPCTL_VIEW_WORDS_H
 
+#include "manager/record/json.h"
+
 #include <cstdint>
 #include <string>
 
@@ -9,6 +11,9 @@ namespace rsvpctl {
 
 /** "10.0.0.1"; "-" for 0, which means that there is no neighbour. */
 std::string AddressText(uint32_t address);
+
+/** A text of a document, null where there is none. */
+manager::Json TextOrNull(const std::string &text);
 
 } // namespace rsvpctl
 

@@ -5,6 +5,7 @@
 #include "tools/rsvpctl/print/names.h"
 #include "tools/rsvpctl/print/usage_error.h"
 #include "tools/rsvpctl/show/commands.h"
+#include "tools/rsvpctl/show/lsp.h"
 #include "tools/rsvpctl/show/shows.h"
 #include "tools/rsvpctl/watch/commands.h"
 #include "tools/rsvpctl/watch/polling.h"
@@ -26,6 +27,7 @@ using std::chrono::milliseconds, std::chrono::system_clock;
 constexpr milliseconds kDefaultInterval{2000};
 constexpr milliseconds kLeastInterval{100};
 constexpr milliseconds kMostInterval = std::chrono::hours(24);
+constexpr std::string_view kWatchLsp = "watch show lsp"; // its rows are of no table
 
 struct WatchOptions {
     Option interval;
@@ -230,15 +232,23 @@ void AddCounters(const manager::RecordDescription &record, const manager::Record
 const manager::Table *TableOf(std::string_view command)
 {
     constexpr std::string_view kPrefix = "watch show ";
-    return command.starts_with(kPrefix) ? ShowNamed(command.substr(kPrefix.size())).table : nullptr;
+    return command.starts_with(kPrefix) && command != kWatchLsp ? ShowNamed(command.substr(kPrefix.size())).table
+                                                                : nullptr;
 }
 
 // A command that gives one record has no key: the record is one row.
-RowShape ShapeOf(const manager::Table &table)
+RowShape ShapeOf(std::string_view command)
 {
     RowShape shape;
-    const manager::RecordDescription &row = table.row();
-    for (const manager::KeyPart &part : KeyPartsOf(table, Names()))
+    if (command == kWatchLsp) {
+        for (const std::string &member : kLspKeyMembers)
+            shape.key.push_back(PointerOf(member));
+    }
+    const manager::Table *table = TableOf(command);
+    if (table == nullptr)
+        return shape;
+    const manager::RecordDescription &row = table->row();
+    for (const manager::KeyPart &part : KeyPartsOf(*table, Names()))
         shape.key.push_back(PointerOf(PathAt(row, part.offset, part.size)));
     AddCounters(row, Names().Of(row), "", shape);
     return shape;
@@ -257,7 +267,7 @@ Exit Watch(Output &out, const Command &command, const Poll &read, const WatchOpt
     const milliseconds duration = options.duration.DurationOr({});
     const Waiter waiter(options.duration.IsGiven() ? std::optional(duration) : std::nullopt);
     const manager::Table *table = TableOf(command.name);
-    RowChanges changes(table == nullptr ? RowShape() : ShapeOf(*table));
+    RowChanges changes(ShapeOf(command.name));
     Reporter reporter(out, command.name,
                       table == nullptr ? RowNames() : RowNames(table->row(), Names().Of(table->row())));
     std::optional<Exit> exit;
