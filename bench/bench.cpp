@@ -318,6 +318,48 @@ void CallInstructions(State &state, bench::Kind kind)
     Row(state, library, floor, library / floor, kind == bench::Kind::PathState ? 1.3 : 0, true);
 }
 
+// A scenario of LSPs that pass, each with a part in five tables.
+std::string Lsps(int count)
+{
+    std::string text;
+    for (int i = 1; i <= count; ++i) {
+        const std::string id = std::to_string(i);
+        const std::string to = "\"10.1." + std::to_string(i / 256) + "." + std::to_string(i % 256) + "\"";
+        const std::string from = "\"10.0.0.1\"";
+        const std::string session = "session = { tunnelEndpoint = " + to + ", tunnelId = " + id +
+                                    ", extendedTunnelId = " + from + " }\nhop = { hopAddress = " + from + " }\n";
+        const std::string sender = "{ senderAddress = " + from + ", lspId = 1 }";
+        text += "[[crlsp]]\nkey = { keyWord0 = " + to + ", keyWord1 = " + from + ", keyWord2 = " + from +
+                ", keyShort0 = " + id + ", keyShort1 = 1 }\nname = \"lsp-" + id + "\"\n";
+        text += "[[psb]]\n" + session + "sender = " + sender + "\n";
+        text += "[[rsb]]\n" + session + "filter = " + sender + "\nfsList = [ { filter = " + sender +
+                ", label = 16, rro = [ { kind = 1, address = " + to + " } ] } ]\n";
+        text += "[[tunnel]]\ntunnelWord0 = " + id + "\ntunnelWord1 = 1\ntunnelWord2 = " + from +
+                "\ntunnelWord3 = " + to + "\n";
+        text += "[[facility]]\nfacilityWord2 = " + id + "\nfacilityWord3 = 1\nfacilityWord4 = " + from +
+                "\nfacilityWord5 = " + to + "\n";
+    }
+    return text;
+}
+
+void ShowLsps(State &state)
+{
+    std::vector<double> perLsp;
+    for (auto _ : state) {
+        for (const int count : {1000, 4000}) {
+            std::ofstream(directory + "/lsps.toml") << Lsps(count);
+            const bench::Child daemon(
+                bench::StartDaemon(programs + "/rsvpsimd", {"--scenario", directory + "/lsps.toml"}));
+            Words words = Callgrind();
+            words.insert(words.end(), {programs + "/rsvpctl", "show", "lsp", "--json"});
+            RunProgram(words, "/dev/null");
+            perLsp.push_back(CountedInstructions() / count);
+        }
+        state.SetIterationTime(1);
+    }
+    Row(state, perLsp[1], perLsp[0], perLsp[1] / perLsp[0], 1.05, true);
+}
+
 void SystemCalls(State &state, bench::Kind kind)
 {
     double calls = 0;
@@ -420,6 +462,7 @@ void AddAll()
     Add("rows/s: rsvpctl show tunnels --json", ShowTunnels, 5);
     each("instructions: ", CallInstructions, 1);
     Add("instructions: rsvpctl, row of tunnels, no names", NamesOfARow, 1);
+    Add("instructions an LSP: rsvpctl show lsp, 4000 against 1000", ShowLsps, 1);
     each("system calls: ", SystemCalls, 1);
     each(
         "heap blocks: ", [](State &state, Kind kind) { HeapAndStack(state, kind, true); }, 1);
