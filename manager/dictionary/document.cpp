@@ -185,8 +185,8 @@ void AppendRoutes(Writer &out, const RecordDescription &description, const void 
 void AppendNamed(Writer &out, const RecordDescription &description, const void *record,
                  const RecordMeanings &meanings, Members &members)
 {
-    const std::span<const StandardName> standard = StandardNamesOf(description);
-    const auto isSaid = [&](const StandardName &one) { return !one.value(record).is_null(); };
+    const std::span<const StandardMeaning> standard = StandardMeaningsOf(description);
+    const auto isSaid = [&](const StandardMeaning &one) { return IsPresent(one.condition, record); };
     if (meanings.IsEmpty() && std::none_of(standard.begin(), standard.end(), isSaid))
         return;
     members.Next("named");
@@ -196,12 +196,11 @@ void AppendNamed(Writer &out, const RecordDescription &description, const void *
         AppendValue(out, meaning, record);
     }
     AppendRoutes(out, description, record, meanings, named);
-    for (const StandardName &one : standard) {
-        const Json value = one.value(record);
-        if (value.is_null())
+    for (const StandardMeaning &one : standard) {
+        if (!isSaid(one))
             continue;
-        named.Next(one.name);
-        out += JsonText(value);
+        named.Next(one.meaning.name);
+        out += JsonText(ValueJson(one, record));
     }
 }
 

@@ -1,4 +1,4 @@
-// The objects of the standards, one function a record.
+// The objects of the standards, as data: one list a record.
 #include "manager/dictionary/standard.h"
 
 #include "manager/record/text.h"
@@ -23,119 +23,184 @@ constexpr AdspecParameter kParameters[] = {
     {135, "Csum", "B", false},       {136, "Dsum", "us", false},
 };
 
-template <typename Record> const Record &As(const void *record)
+using Words = std::map<uint64_t, std::string>;
+
+// The option vector of the STYLE object: two bits of sharing, three of sender selection.
+constexpr uint32_t kStyleBits = 0xffffff;
+
+const Words &Styles()
 {
-    return *static_cast<const Record *>(record);
+    static const Words words{{0x0a, "FF"}, {0x11, "WF"}, {0x12, "SE"}};
+    return words;
 }
 
-Json RouteAddress(const void *record)
+const Words &SessionFlags()
 {
-    return DottedText(As<RSVP_MOR_RouteEntry>(record).value);
+    static const Words words = [] {
+        Words all;
+        for (const char *flag : kSessionFlags)
+            all.emplace(all.size(), flag);
+        return all;
+    }();
+    return words;
 }
 
-Json HopAddress(const void *record)
+const Words &Protocols()
 {
-    const auto &hop = As<RSVP_MOR_HopEntry>(record);
-    return hop.kind == RSVP_MOR_HOP_IPV4 ? Json(DottedText(hop.address)) : Json();
+    static const Words words{{0x0800, "IPv4"}};
+    return words;
 }
 
-Json HopLabel(const void *record)
+// A number that has no word is shown as the bits that it is.
+std::string WordOf(const Words &words, uint64_t number, uint64_t bits, int digits)
 {
-    const auto &hop = As<RSVP_MOR_HopEntry>(record);
-    return hop.kind == RSVP_MOR_HOP_LABEL ? Json(hop.label) : Json();
+    const auto word = words.find(number);
+    return word != words.end() ? word->second
+           : digits == 0       ? fmt::format("{:#x}", bits)
+                               : fmt::format("{:#0{}x}", bits, digits + 2);
 }
 
-Json Protocol(const void *record)
+std::vector<std::string> WordsOfBits(const Words &words, uint64_t number, int digits)
 {
-    return ProtocolText(As<RSVP_MOR_LabelRequest>(record).l3pid);
+    std::vector<std::string> found;
+    for (uint64_t bit = 0; number >> bit != 0; ++bit) {
+        if ((number >> bit & 1) != 0)
+            found.push_back(WordOf(words, bit, uint64_t{1} << bit, digits));
+    }
+    return found;
 }
 
-template <uint16_t RSVP_MOR_LabelRequest::*Word> Json Vpi(const void *record)
+constexpr int kFlagDigits = 2;
+constexpr int kProtocolDigits = 4;
+
+using StandardMeanings = std::vector<StandardMeaning>;
+
+// The rows of the table below: a name for a member of a record, or for one byte of it.
+#define STANDARD(Record, member, name, form)                                                                         \
+    Named(name, #member, form, offsetof(Record, member), sizeof(Record::member), FieldKind::Number)
+#define STANDARD_BYTE(Record, member, at, name, form)                                                                \
+    Named(name, #member "[" #at "]", form, offsetof(Record, member) + (at), 1, FieldKind::Bytes)
+
+StandardMeaning Named(const char *name, const char *field, Form form, size_t offset, size_t width, FieldKind kind)
 {
-    const auto &request = As<RSVP_MOR_LabelRequest>(record);
-    return request.kind == RSVP_MOR_LABEL_REQUEST_ATM ? Json(VpiOf(request.*Word)) : Json();
+    StandardMeaning one;
+    one.meaning.name = name;
+    one.meaning.field = field;
+    one.meaning.form = form;
+    one.meaning.offset = static_cast<uint32_t>(offset);
+    one.meaning.width = static_cast<uint32_t>(width);
+    one.meaning.kind = kind;
+    return one;
 }
 
-template <uint32_t RSVP_MOR_LabelRequest::*Word> Json Dlci(const void *record)
+StandardMeaning If(size_t tagOffset, uint8_t tag, StandardMeaning one)
 {
-    const auto &request = As<RSVP_MOR_LabelRequest>(record);
-    return request.kind == RSVP_MOR_LABEL_REQUEST_FRAME_RELAY ? Json(DlciOf(request.*Word)) : Json();
+    one.condition = {Condition::Test::Equal, tag, static_cast<uint32_t>(tagOffset)};
+    return one;
 }
 
-template <typename Record> Json Flags(const void *record)
+StandardMeaning Masked(uint32_t mask, StandardMeaning one)
 {
-    return SessionFlagWords(As<Record>(record).flags);
+    one.mask = mask;
+    return one;
 }
 
-template <typename Record> Json Style(const void *record)
+StandardMeaning InWords(const Words &words, int digits, StandardMeaning one)
 {
-    return StyleText(As<Record>(record).style);
+    one.meaning.words = words;
+    one.digits = digits;
+    return one;
 }
 
-Json ParameterName(const void *record)
+StandardMeanings OfParameter()
 {
-    const auto known = ParameterOf(As<RSVP_MOR_AdspecParam>(record));
-    return known ? Json(known->name) : Json();
+    using Row = RSVP_MOR_AdspecParam;
+    StandardMeanings all;
+    for (const AdspecParameter &parameter : kParameters) {
+        all.push_back(
+            If(offsetof(Row, paramHeader), parameter.number,
+               InWords({{parameter.number, parameter.name}}, 0,
+                       STANDARD_BYTE(RSVP_MOR_AdspecParam, paramHeader, 0, "parameter", Form::Enumeration))));
+        all.push_back(If(
+            offsetof(Row, paramHeader), parameter.number,
+            STANDARD(RSVP_MOR_AdspecParam, paramValue, "value", parameter.isSingle ? Form::Single : Form::Number)));
+    }
+    return all;
 }
 
-Json ParameterValue(const void *record)
+template <typename Row> StandardMeanings OfFlags()
 {
-    const auto &parameter = As<RSVP_MOR_AdspecParam>(record);
-    const auto known = ParameterOf(parameter);
-    if (!known)
-        return {};
-    return known->isSingle ? FloatToJson(std::bit_cast<float>(parameter.paramValue)) : Json(parameter.paramValue);
+    return {InWords(SessionFlags(), kFlagDigits, STANDARD(Row, flags, "flags", Form::Bits))};
 }
 
-template <const uint8_t (RSVP_MOR_Adspec::*Header)[2]> Json Break(const void *record)
+template <typename Row> StandardMeanings OfStyle()
 {
-    return ((As<RSVP_MOR_Adspec>(record).*Header)[1] & kBreakBit) != 0;
+    return {Masked(kStyleBits, InWords(Styles(), 0, STANDARD(Row, style, "style", Form::Enumeration)))};
 }
 
-constexpr StandardName kRouteNames[] = {{"value", "address", RouteAddress}};
-constexpr StandardName kHopNames[] = {{"address", "address", HopAddress}, {"label", "label", HopLabel}};
-constexpr StandardName kLabelRequestNames[] = {
-    {"l3pid", "protocol", Protocol},
-    {"minVpi", "minVpi", Vpi<&RSVP_MOR_LabelRequest::minVpi>},
-    {"maxVpi", "maxVpi", Vpi<&RSVP_MOR_LabelRequest::maxVpi>},
-    {"minDlci", "minDlci", Dlci<&RSVP_MOR_LabelRequest::minDlci>},
-    {"maxDlci", "maxDlci", Dlci<&RSVP_MOR_LabelRequest::maxDlci>},
-};
-template <typename Record> constexpr StandardName kFlagNames[] = {{"flags", "flags", Flags<Record>}};
-template <typename Record> constexpr StandardName kStyleNames[] = {{"style", "style", Style<Record>}};
-constexpr StandardName kParameterNames[] = {{"paramHeader", "parameter", ParameterName},
-                                            {"paramValue", "value", ParameterValue}};
-constexpr StandardName kAdspecNames[] = {
-    {"generalHeader", "break", Break<&RSVP_MOR_Adspec::generalHeader>},
-    {"guaranteedHeader", "guaranteedBreak", Break<&RSVP_MOR_Adspec::guaranteedHeader>},
-    {"loadHeader", "loadBreak", Break<&RSVP_MOR_Adspec::loadHeader>},
-};
+StandardMeanings OfHop()
+{
+    using Row = RSVP_MOR_HopEntry;
+    return {If(offsetof(Row, kind), RSVP_MOR_HOP_IPV4, STANDARD(Row, address, "address", Form::Address)),
+            If(offsetof(Row, kind), RSVP_MOR_HOP_LABEL, STANDARD(Row, label, "label", Form::Number))};
+}
+
+StandardMeanings OfLabelRequest()
+{
+    using Row = RSVP_MOR_LabelRequest;
+    const auto vpi = [](StandardMeaning one) {
+        return If(offsetof(Row, kind), RSVP_MOR_LABEL_REQUEST_ATM, Masked(kVpiBits, std::move(one)));
+    };
+    const auto dlci = [](StandardMeaning one) {
+        return If(offsetof(Row, kind), RSVP_MOR_LABEL_REQUEST_FRAME_RELAY, Masked(kDlciBits, std::move(one)));
+    };
+    return {InWords(Protocols(), kProtocolDigits, STANDARD(Row, l3pid, "protocol", Form::Enumeration)),
+            vpi(STANDARD(Row, minVpi, "minVpi", Form::Number)), vpi(STANDARD(Row, maxVpi, "maxVpi", Form::Number)),
+            dlci(STANDARD(Row, minDlci, "minDlci", Form::Number)),
+            dlci(STANDARD(Row, maxDlci, "maxDlci", Form::Number))};
+}
+
+StandardMeanings OfAdspec()
+{
+    using Row = RSVP_MOR_Adspec;
+    return {Masked(kBreakBit, STANDARD_BYTE(Row, generalHeader, 1, "break", Form::Bool)),
+            Masked(kBreakBit, STANDARD_BYTE(Row, guaranteedHeader, 1, "guaranteedBreak", Form::Bool)),
+            Masked(kBreakBit, STANDARD_BYTE(Row, loadHeader, 1, "loadBreak", Form::Bool))};
+}
+
+#undef STANDARD
+#undef STANDARD_BYTE
 
 } // namespace
 
-// The option vector of the STYLE object: two bits of sharing, three of sender selection.
+Json ValueJson(const StandardMeaning &one, const void *record)
+{
+    const uint64_t bits = NumberOf(one.meaning, record);
+    const uint64_t number = bits & one.mask;
+    switch (one.meaning.form) {
+    case Form::Address:
+        return DottedText(static_cast<uint32_t>(number));
+    case Form::Enumeration:
+        return WordOf(one.meaning.words, number, bits, one.digits);
+    case Form::Bits:
+        return WordsOfBits(one.meaning.words, number, one.digits);
+    case Form::Bool:
+        return number != 0;
+    case Form::Single:
+        return FloatToJson(std::bit_cast<float>(static_cast<uint32_t>(number)));
+    default:
+        return number;
+    }
+}
+
 std::string StyleText(uint32_t style)
 {
-    switch (style & 0xffffff) {
-    case 0x0a:
-        return "FF";
-    case 0x11:
-        return "WF";
-    case 0x12:
-        return "SE";
-    default:
-        return fmt::format("{:#x}", style);
-    }
+    return WordOf(Styles(), style & kStyleBits, style, 0);
 }
 
 std::vector<std::string> SessionFlagWords(uint8_t flags)
 {
-    std::vector<std::string> words;
-    for (size_t bit = 0; bit < 8; ++bit) {
-        if ((flags >> bit & 1) != 0)
-            words.push_back(bit < std::size(kSessionFlags) ? kSessionFlags[bit] : fmt::format("{:#04x}", 1U << bit));
-    }
-    return words;
+    return WordsOfBits(SessionFlags(), flags, kFlagDigits);
 }
 
 std::optional<SessionAttributes> AttributesOf(const RSVP_MOR_SessionAttr &object)
@@ -162,7 +227,7 @@ std::string LabelText(uint32_t label)
 
 std::string ProtocolText(uint16_t l3pid)
 {
-    return l3pid == 0x0800 ? "IPv4" : fmt::format("{:#06x}", l3pid);
+    return WordOf(Protocols(), l3pid, l3pid, kProtocolDigits);
 }
 
 std::span<const AdspecParameter> KnownParameters()
@@ -179,21 +244,23 @@ std::optional<AdspecParameter> ParameterOf(const RSVP_MOR_AdspecParam &parameter
     return std::nullopt;
 }
 
-std::span<const StandardName> StandardNamesOf(const RecordDescription &description)
+std::span<const StandardMeaning> StandardMeaningsOf(const RecordDescription &record)
 {
-    static const std::map<const RecordDescription *, std::span<const StandardName>> known{
-        {&Describe<RSVP_MOR_RouteEntry>(), kRouteNames},
-        {&Describe<RSVP_MOR_HopEntry>(), kHopNames},
-        {&Describe<RSVP_MOR_LabelRequest>(), kLabelRequestNames},
-        {&Describe<RSVP_MOR_SessionAttrAffinity>(), kFlagNames<RSVP_MOR_SessionAttrAffinity>},
-        {&Describe<RSVP_MOR_SessionAttrShort>(), kFlagNames<RSVP_MOR_SessionAttrShort>},
-        {&Describe<RSVP_MOR_ReplyRsb>(), kStyleNames<RSVP_MOR_ReplyRsb>},
-        {&Describe<RSVP_MOR_ReplyPhsb>(), kStyleNames<RSVP_MOR_ReplyPhsb>},
-        {&Describe<RSVP_MOR_AdspecParam>(), kParameterNames},
-        {&Describe<RSVP_MOR_Adspec>(), kAdspecNames},
+    static const std::map<const RecordDescription *, StandardMeanings> known{
+        {&Describe<RSVP_MOR_RouteEntry>(),
+         {Named("address", "value", Form::Address, offsetof(RSVP_MOR_RouteEntry, value), sizeof(uint32_t),
+                FieldKind::Number)}},
+        {&Describe<RSVP_MOR_HopEntry>(), OfHop()},
+        {&Describe<RSVP_MOR_LabelRequest>(), OfLabelRequest()},
+        {&Describe<RSVP_MOR_SessionAttrAffinity>(), OfFlags<RSVP_MOR_SessionAttrAffinity>()},
+        {&Describe<RSVP_MOR_SessionAttrShort>(), OfFlags<RSVP_MOR_SessionAttrShort>()},
+        {&Describe<RSVP_MOR_ReplyRsb>(), OfStyle<RSVP_MOR_ReplyRsb>()},
+        {&Describe<RSVP_MOR_ReplyPhsb>(), OfStyle<RSVP_MOR_ReplyPhsb>()},
+        {&Describe<RSVP_MOR_AdspecParam>(), OfParameter()},
+        {&Describe<RSVP_MOR_Adspec>(), OfAdspec()},
     };
-    const auto found = known.find(&description);
-    return found == known.end() ? std::span<const StandardName>() : found->second;
+    const auto found = known.find(&record);
+    return found == known.end() ? std::span<const StandardMeaning>() : found->second;
 }
 
 } // namespace manager

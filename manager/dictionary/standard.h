@@ -3,9 +3,10 @@
 #ifndef MANAGER_DICTIONARY_STANDARD_H
 #define MANAGER_DICTIONARY_STANDARD_H
 
-#include "manager/record/json.h"
+#include "manager/dictionary/meaning.h"
 
 #include <optional>
+#include <span>
 
 namespace manager {
 
@@ -31,13 +32,15 @@ std::string LabelText(uint32_t label);
 std::string ProtocolText(uint16_t l3pid);
 
 // What a word of a LABEL_REQUEST holds beside reserved bits.
+inline constexpr uint16_t kVpiBits = 0x0fff;
+inline constexpr uint32_t kDlciBits = 0x7fffff;
 constexpr uint16_t VpiOf(uint16_t word)
 {
-    return word & 0x0fff;
+    return word & kVpiBits;
 }
 constexpr uint32_t DlciOf(uint32_t word)
 {
-    return word & 0x7fffff;
+    return word & kDlciBits;
 }
 
 /** The parameters of an ADSPEC that a service defines. */
@@ -54,15 +57,19 @@ std::optional<AdspecParameter> ParameterOf(const RSVP_MOR_AdspecParam &parameter
 
 inline constexpr uint32_t kUnknownLatency = 0xffffffff;
 
-/** What a standard says of one field of a record. */
-struct StandardName {
-    const char *field;
-    const char *name;
-    Json (*value)(const void *record); // null for a record of which the standard says nothing here
+/** What a standard says of one value of a record. */
+struct StandardMeaning {
+    Meaning meaning;
+    Condition condition = {};   // where it says it
+    uint32_t mask = UINT32_MAX; // the bits that count
+    int digits = 0;             // of a number or a bit without a word, which is shown in hexadecimal
 };
 
-/** What a standard says of a record, without the records inside it. */
-std::span<const StandardName> StandardNamesOf(const RecordDescription &description);
+/** All that the standards say of a record, without the records inside it. */
+std::span<const StandardMeaning> StandardMeaningsOf(const RecordDescription &record);
+
+/** The value of a record that the condition holds for. */
+Json ValueJson(const StandardMeaning &one, const void *record);
 
 } // namespace manager
 

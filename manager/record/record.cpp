@@ -29,12 +29,12 @@ std::span<const RecordDescription *const> AllRecords()
     return all;
 }
 
-bool IsPresent(const Field &field, const void *record)
+bool IsPresent(const Condition &condition, const void *record)
 {
-    if (field.condition.test == Condition::Test::Always)
+    if (condition.test == Condition::Test::Always)
         return true;
-    const bool equal = Load<uint8_t>(At(record, field.condition.tagOffset)) == field.condition.tag;
-    return equal == (field.condition.test == Condition::Test::Equal);
+    const bool equal = Load<uint8_t>(At(record, condition.tagOffset)) == condition.tag;
+    return equal == (condition.test == Condition::Test::Equal);
 }
 
 bool IsZero(const Field &field, const void *record)

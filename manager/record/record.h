@@ -133,8 +133,14 @@ MANAGER_RECORDS(MANAGER_DECLARE)
 /** All descriptions, in the order of the headers. */
 std::span<const RecordDescription *const> AllRecords();
 
+/** Tells whether the record's tag meets the condition. */
+bool IsPresent(const Condition &condition, const void *record);
+
 /** Tells whether the record's tag lets the field be there. */
-bool IsPresent(const Field &field, const void *record);
+inline bool IsPresent(const Field &field, const void *record)
+{
+    return IsPresent(field.condition, record);
+}
 
 /** Whether all bytes of a field are 0. */
 bool IsZero(const Field &field, const void *record);

@@ -16,6 +16,7 @@ struct RowRead {
     bool held = false;              // it takes a session; else it opens one of its own and ignores `fd`
     bool keyed = false;             // it takes a key; else a key goes to it inside the row that the answer replaces
     uint32_t (*call)(int32_t fd, const void *key, void *row) = nullptr;
+    std::array<uint32_t, 2> numbers = {}; // that it takes in front of the key, such as an operation; 0 after the last
 };
 
 struct Table {

@@ -75,7 +75,10 @@ template <uint32_t Operation> uint32_t ReadFacility(int32_t, const void *key, vo
 
 template <uint32_t Operation> constexpr RowRead FacilityRead()
 {
-    return {.function = "RSVP_MOR_GetFrrFacilityDBTbl", .keyed = true, .call = ReadFacility<Operation>};
+    return {.function = "RSVP_MOR_GetFrrFacilityDBTbl",
+            .keyed = true,
+            .call = ReadFacility<Operation>,
+            .numbers = {Operation}};
 }
 
 using AskFunction = decltype(Table::ask);
@@ -98,11 +101,17 @@ constexpr AskFunction kAskP2mpCrLsp = [](int32_t fd, uint32_t, uint32_t operatio
 // The key of a get-first is of the caller's own making; zeros do.
 template <AskFunction Ask, uint32_t Operation> constexpr RowRead AskedRead(const char *function)
 {
-    return {.function = function, .held = true, .keyed = true, .call = [](int32_t fd, const void *key, void *row) {
-                static constexpr std::array<std::byte, sizeof(RSVP_MOR_P2mpStateKey)> kZeros{};
-                static_assert(sizeof(kZeros) >= sizeof(RSVP_MOR_P2mpCrlspKey));
-                return Ask(fd, kP2mpPathStateItem, Operation, key == nullptr ? kZeros.data() : key, row);
-            }};
+    constexpr bool kTakesItem = Ask == kAskP2mpPathState;
+    return {.function = function,
+            .held = true,
+            .keyed = true,
+            .call =
+                [](int32_t fd, const void *key, void *row) {
+                    static constexpr std::array<std::byte, sizeof(RSVP_MOR_P2mpStateKey)> kZeros{};
+                    static_assert(sizeof(kZeros) >= sizeof(RSVP_MOR_P2mpCrlspKey));
+                    return Ask(fd, kP2mpPathStateItem, Operation, key == nullptr ? kZeros.data() : key, row);
+                },
+            .numbers = {kTakesItem ? kP2mpPathStateItem : Operation, kTakesItem ? Operation : 0}};
 }
 
 } // namespace
@@ -218,13 +227,19 @@ TABLE(kP2mpCrLsps, "p2mp crlsp", RSVP_MOR_P2mpCrlspInfo, RSVP_MOR_P2mpCrlspKey,
       .ask = kAskP2mpCrLsp)
 // clang-format on
 
+#define MANAGER_POINTER(symbol) &symbol,
 std::span<const Table *const> AllTables()
 {
-#define MANAGER_POINTER(symbol) &symbol,
     static constexpr const Table *kAll[] = {MANAGER_TABLES(MANAGER_POINTER)};
-#undef MANAGER_POINTER
     return kAll;
 }
+
+std::span<const Table *const> AllSingleRecords()
+{
+    static constexpr const Table *kAll[] = {MANAGER_SINGLE_RECORDS(MANAGER_POINTER)};
+    return kAll;
+}
+#undef MANAGER_POINTER
 
 std::span<const TableShape> AllTableShapes()
 {

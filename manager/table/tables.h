@@ -29,20 +29,25 @@ namespace manager {
     X(kP2mpPathState) \
     X(kP2mpReservationState) \
     X(kP2mpCrLsps)
+
+// One record each.
+#define MANAGER_SINGLE_RECORDS(X) \
+    X(kGlobalInfo) \
+    X(kDebugSwitches)
 // clang-format on
 
 #define MANAGER_DECLARE(symbol) extern const Table symbol;
 MANAGER_TABLES(MANAGER_DECLARE)
+MANAGER_SINGLE_RECORDS(MANAGER_DECLARE)
 #undef MANAGER_DECLARE
-
-// One record each.
-extern const Table kGlobalInfo;
-extern const Table kDebugSwitches;
 
 /** All tables that are walked. */
 std::span<const Table *const> AllTables();
 
-/** The same for the dictionaries that say something of them. */
+/** All that is one record and has no key. */
+std::span<const Table *const> AllSingleRecords();
+
+/** Tables that are walked, for the dictionaries that say something of them. */
 std::span<const TableShape> AllTableShapes();
 
 } // namespace manager

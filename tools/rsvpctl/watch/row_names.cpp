@@ -30,8 +30,13 @@ void RowNames::Add(const manager::RecordDescription &record, const manager::Reco
 {
     for (const manager::Meaning &meaning : meanings.own)
         names_.emplace_back(prefix + "/" + PlaceOf(record, meaning.field), prefix + "/named/" + meaning.name);
-    for (const manager::StandardName &standard : StandardNamesOf(record))
-        names_.emplace_back(prefix + "/" + standard.field, prefix + "/named/" + standard.name);
+    for (const manager::StandardMeaning &standard : StandardMeaningsOf(record)) {
+        const manager::Meaning &meaning = standard.meaning;
+        std::pair name{prefix + "/" + PlaceOf(record, meaning.field), prefix + "/named/" + meaning.name};
+        // One that has several tags is said several times.
+        if (std::find(names_.begin(), names_.end(), name) == names_.end())
+            names_.push_back(std::move(name));
+    }
     for (const Field &field : record.fields) {
         if (field.record == nullptr)
             continue;
