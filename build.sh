@@ -84,7 +84,7 @@ unpack() {
 }
 
 need_host() {
-  need g++ cmake make binutils libcli11-dev libfmt-dev nlohmann-json3-dev libtomlplusplus-dev
+  need g++ cmake make binutils libcli11-dev libfmt-dev nlohmann-json3-dev libtomlplusplus-dev python3 python3-cffi
 }
 
 # What the tests use beside the build: the library of tests, and the programs that check documents and interface.
@@ -92,6 +92,7 @@ need_tests() {
   need_host
   need googletest abigail-tools tshark doxygen graphviz man-db mandoc pkg-config python3-jsonschema dpkg-dev file lintian \
     jq zsh systemd
+  need python3-pytest python3-pytest-xdist mypy g++-arm-linux-gnueabihf # of the Python package, with the router's layouts
 }
 
 # The services of others that tests on this machine talk to.
