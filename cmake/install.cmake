@@ -55,7 +55,7 @@ install(FILES docs/man/librsvp_mor.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3 CO
 install(DIRECTORY examples docs DESTINATION ${RSVP_MOR_SHARE_DIR} COMPONENT development
   FILES_MATCHING PATTERN "*.c" PATTERN "*.hpp" PATTERN "*.md"
   PATTERN "walk.cpp" PATTERN "man" EXCLUDE PATTERN "dictionary.md" EXCLUDE PATTERN "json.md" EXCLUDE
-  PATTERN "monitoring*" EXCLUDE)
+  PATTERN "monitoring*" EXCLUDE PATTERN "python*" EXCLUDE)
 
 # ---- Programs ----------------------------------------------------------------------------------------------------
 
@@ -88,6 +88,17 @@ if(RSVP_MOR_PLATFORM STREQUAL "host")
   install(FILES docs/man/rsvpctl.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
   install(FILES docs/man/rsvpsimd-scenario.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5 COMPONENT tools)
   install(FILES docs/man/rsvpsimd.8 DESTINATION ${CMAKE_INSTALL_MANDIR}/man8 COMPONENT tools)
+endif()
+
+# ---- The Python package ------------------------------------------------------------------------------------------
+
+if(TARGET rsvp_mor_python)
+  # Debian's own place, which no prefix moves: it is where its Python looks.
+  install(DIRECTORY ${CMAKE_BINARY_DIR}/python/rsvp_mor ${CMAKE_BINARY_DIR}/python/rsvp_mor-${PROJECT_VERSION}.dist-info
+    DESTINATION lib/python3/dist-packages COMPONENT python PATTERN "__pycache__" EXCLUDE)
+  install(DIRECTORY examples/python DESTINATION ${RSVP_MOR_SHARE_DIR}/examples COMPONENT python
+    FILES_MATCHING PATTERN "*.py")
+  install(FILES docs/python.md DESTINATION ${RSVP_MOR_SHARE_DIR}/docs COMPONENT python)
 endif()
 
 # A program that is built against the installation has no sanitizers of its own, and no emulator runs it.
@@ -136,6 +147,21 @@ if(RSVP_MOR_PLATFORM STREQUAL "host")
   set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} (= ${PROJECT_VERSION})")
   set(CPACK_COMPONENT_TOOLS_DESCRIPTION
     "rsvpctl, which configures and shows the daemon, and rsvpsimd, which plays\nit on a machine that has none.")
+endif()
+
+if(TARGET rsvp_mor_python)
+  list(APPEND CPACK_COMPONENTS_ALL python)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-rsvp-mor)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
+    "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} (= ${PROJECT_VERSION}), python3 (>= 3.11), python3-cffi-backend")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "rsvp-mor-tools, python3-pytest")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
+    ${PROJECT_SOURCE_DIR}/cmake/debian/python/postinst ${PROJECT_SOURCE_DIR}/cmake/debian/python/prerm)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+  set(CPACK_COMPONENT_PYTHON_DESCRIPTION
+    "For Python: tables as iterators, records as values, settings as functions,\nand simulated daemons for tests.")
 endif()
 
 if(CMAKE_CROSSCOMPILING)

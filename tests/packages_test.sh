@@ -18,7 +18,7 @@ pack() {
 
 pack "$1" "$work/once"
 TZ=Asia/Tokyo pack "$1" "$work/again"
-[ "$(find "$work/once" -maxdepth 1 -name '*.deb' | wc -l)" = 3 ]
+[ "$(find "$work/once" -maxdepth 1 -name '*.deb' | wc -l)" = 4 ]
 for package in "$work"/once/*.deb; do
   cmp "$package" "$work/again/${package##*/}"
   dpkg-deb -x "$package" "$work/root"
@@ -32,3 +32,9 @@ if command -v lintian >/dev/null; then
   lintian --fail-on error "$work"/once/*.deb 2>&1
 fi
 "$source/cmake/try_packages.sh" --unpack "$work/once"
+library=$(dirname "$(find "$work/root" -name librsvp_mor.so.1)")
+PATH=$work/root/usr/bin:$PATH LD_LIBRARY_PATH=$library PYTHONPATH=$work/root/usr/lib/python3/dist-packages \
+  /usr/bin/python3 -B -c '
+from rsvp_mor.simulator import Device
+with Device(rows={"psb": 3}) as device, device.session() as session:
+    assert len(list(session.path_states())) == 3'
