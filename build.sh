@@ -84,7 +84,7 @@ unpack() {
 }
 
 need_host() {
-  need g++ cmake make binutils libcli11-dev libfmt-dev nlohmann-json3-dev libtomlplusplus-dev python3 python3-cffi
+  need g++ cmake make binutils libcli11-dev libfmt-dev nlohmann-json3-dev libtomlplusplus-dev libsnmp-dev python3 python3-cffi
 }
 
 # What the tests use beside the build: the library of tests, and the programs that check documents and interface.

@@ -89,6 +89,9 @@ public:
     /** The daemon's name; empty for the one that names nothing. */
     const std::string &Daemon() const { return daemon_; }
 
+    /** Its name in what is refused; empty for the one that names nothing. */
+    const std::string &File() const { return file_; }
+
     /** Whether the daemon ends a table in order with this status. */
     bool EndsTable(uint32_t status) const { return ends_.contains(status); }
 
@@ -96,6 +99,7 @@ public:
     const TableMeanings &OfTable(std::string_view name) const;
 
 private:
+    std::string file_;
     std::string daemon_;
     std::set<uint32_t> ends_;
     std::map<std::string, RecordMeanings, std::less<>> records_;

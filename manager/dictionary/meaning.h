@@ -36,6 +36,7 @@ struct Meaning {
     std::string unit;                      // empty for what has none
     bool counter = false;                  // it only grows
     std::string mib;                       // the object of a standard MIB that it is
+    size_t mibLine = 0;                    // where the file says so
     std::string setting;                   // the command that sets it
     uint32_t offset = 0;                   // from the start of the record
     uint32_t width = 0;                    // bytes

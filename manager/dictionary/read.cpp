@@ -217,8 +217,10 @@ void ReadMeaning(const Member &member, const Node::Table &table, Meaning &meanin
         ReadUnit(*unit, meaning);
     if (const Member *counter = FindMember(table, "counter"))
         meaning.counter = Require<bool>(*counter, "true or false");
-    if (const Member *mib = FindMember(table, "mib"))
+    if (const Member *mib = FindMember(table, "mib")) {
         meaning.mib = NameIn(*mib);
+        meaning.mibLine = mib->line;
+    }
     if (const Member *setting = FindMember(table, "setting"))
         meaning.setting = PlainTextOf(*setting);
 }
@@ -442,7 +444,7 @@ std::vector<std::string> ReadColumns(const Member &member, const TableShape &tab
 } // namespace
 
 Dictionary::Dictionary(std::string_view text, const std::string &file, std::span<const TableShape> tables)
-try {
+try : file_(file) {
     const Node document = rsvp_toml::ParseDocument(text);
     const auto &top = *document.As<Node::Table>();
     AllowOnly(top, {"dictionary", "daemon", "end-of-table", "record", "table"});
