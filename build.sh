@@ -91,13 +91,13 @@ need_host() {
 need_tests() {
   need_host
   need googletest abigail-tools tshark doxygen graphviz man-db mandoc pkg-config python3-jsonschema dpkg-dev file lintian \
-    jq zsh systemd
+    jq zsh systemd snmp smitools
   need python3-pytest python3-pytest-xdist mypy g++-arm-linux-gnueabihf # of the Python package, with the router's layouts
 }
 
 # The services of others that tests on this machine talk to.
 unpack_counterparts() {
-  unpack prometheus prometheus-node-exporter
+  unpack prometheus prometheus-node-exporter snmpd
 }
 
 # Runs a command and shows what it printed only if it fails.
@@ -224,8 +224,10 @@ big-endian)
   ;;
 threads)
   need_tests
-  build_target thread threads_test -DRSVP_MOR_TESTS=ON # and the daemon that it starts: nothing else has threads
-  test_preset thread -R '^(threads_test.*|elf)$'
+  build_target thread threads_test -DRSVP_MOR_TESTS=ON # and the daemon that it starts
+  build_target thread rsvp-agentx -DRSVP_MOR_TESTS=ON  # whose workers are the only other threads
+  build_target thread rsvpctl -DRSVP_MOR_TESTS=ON      # which the agent's test asks
+  test_preset thread -R '^(threads_test.*|agentx|elf)$'
   ;;
 memory)
   need_tests

@@ -291,6 +291,10 @@ struct StateReader {
     std::vector<Snapshot> Read()
     {
         rows.clear();
+        sessionNumbers.BeginRound();
+        senderNumbers.BeginRound();
+        resvNumbers.BeginRound();
+        fwdNumbers.BeginRound();
         std::vector<Snapshot> results;
         Snapshot ofSenders = Senders();
         Snapshot ofResv = Reservations();
@@ -325,7 +329,7 @@ struct StateReader {
             const Psb &block = *static_cast<const Psb *>(row);
             ++SessionOf(block.session).senders;
             const uint32_t number =
-                senderNumbers.Of({KeyOf(block.session), {block.sender.senderAddress, block.sender.lspId}});
+                senderNumbers.OfNext({KeyOf(block.session), {block.sender.senderAddress, block.sender.lspId}});
             builder.Begin(IndexOf(block.session, number));
             senderColumns.Put(block, builder);
             senderNames.PutCells(row, builder);
@@ -382,9 +386,9 @@ struct StateReader {
     void Put(const Reservation &row, Numbering<ReservationKey> &numbers, const ExactColumns<Reservation> &columns,
              const Mapping &names, const void *record, Builder &builder)
     {
-        const uint32_t number =
-            numbers.Of({KeyOf(row.session),
-                        {row.hop.hopAddress, row.hop.logicalIfHandle, row.filter.senderAddress, row.filter.lspId}});
+        const uint32_t number = numbers.OfNext(
+            {KeyOf(row.session),
+             {row.hop.hopAddress, row.hop.logicalIfHandle, row.filter.senderAddress, row.filter.lspId}});
         builder.Begin(IndexOf(row.session, number));
         columns.Put(row, builder);
         names.PutCells(record, builder);
