@@ -246,10 +246,12 @@ check)
   ;;
 bench)
   need_host
-  need libbenchmark-dev valgrind strace g++-arm-linux-gnueabihf
+  need libbenchmark-dev valgrind strace g++-arm-linux-gnueabihf snmp
+  unpack snmpd
   build_preset router
   build_preset host -DRSVP_MOR_BENCH=ON
   bench/run.sh build/host build/bench.json build/router
+  bench/agentx.py build/host/bin build/counterparts/usr/sbin/snmpd
   ;;
 fuzz)
   seconds=$(seconds_of "$@")

@@ -55,7 +55,7 @@ install(FILES docs/man/librsvp_mor.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3 CO
 install(DIRECTORY examples docs DESTINATION ${RSVP_MOR_SHARE_DIR} COMPONENT development
   FILES_MATCHING PATTERN "*.c" PATTERN "*.hpp" PATTERN "*.md"
   PATTERN "walk.cpp" PATTERN "man" EXCLUDE PATTERN "dictionary.md" EXCLUDE PATTERN "json.md" EXCLUDE
-  PATTERN "monitoring*" EXCLUDE PATTERN "python*" EXCLUDE)
+  PATTERN "monitoring*" EXCLUDE PATTERN "python*" EXCLUDE PATTERN "snmp.md" EXCLUDE)
 
 # ---- Programs ----------------------------------------------------------------------------------------------------
 
@@ -88,6 +88,17 @@ if(RSVP_MOR_PLATFORM STREQUAL "host")
   install(FILES docs/man/rsvpctl.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
   install(FILES docs/man/rsvpsimd-scenario.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5 COMPONENT tools)
   install(FILES docs/man/rsvpsimd.8 DESTINATION ${CMAKE_INSTALL_MANDIR}/man8 COMPONENT tools)
+endif()
+if(TARGET rsvp-agentx)
+  set_target_properties(rsvp-agentx PROPERTIES
+    BUILD_WITH_INSTALL_RPATH ON
+    INSTALL_RPATH "$ORIGIN/${RSVP_MOR_BIN_TO_LIB}")
+  install(TARGETS rsvp-agentx DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT agentx)
+  configure_file(tools/agentx/rsvp-agentx.service.in ${CMAKE_BINARY_DIR}/rsvp-agentx.service @ONLY)
+  install(FILES ${CMAKE_BINARY_DIR}/rsvp-agentx.service DESTINATION lib/systemd/system COMPONENT agentx)
+  install(FILES tools/agentx/RSVP-MOR-MIB.txt DESTINATION ${CMAKE_INSTALL_DATADIR}/snmp/mibs COMPONENT agentx)
+  install(FILES docs/snmp.md DESTINATION ${RSVP_MOR_SHARE_DIR}/docs COMPONENT agentx)
+  install(FILES docs/man/rsvp-agentx.8 DESTINATION ${CMAKE_INSTALL_MANDIR}/man8 COMPONENT agentx)
 endif()
 
 # ---- The Python package ------------------------------------------------------------------------------------------
@@ -164,6 +175,16 @@ if(TARGET rsvp_mor_python)
     "For Python: tables as iterators, records as values, settings as functions,\nand simulated daemons for tests.")
 endif()
 
+if(TARGET rsvp-agentx)
+  list(APPEND CPACK_COMPONENTS_ALL agentx)
+  set(CPACK_DEBIAN_AGENTX_PACKAGE_NAME rsvp-mor-agentx)
+  set(CPACK_DEBIAN_AGENTX_PACKAGE_SECTION net)
+  set(CPACK_DEBIAN_AGENTX_PACKAGE_DEPENDS "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} (= ${PROJECT_VERSION})")
+  set(CPACK_DEBIAN_AGENTX_PACKAGE_SUGGESTS snmpd)
+  set(CPACK_COMPONENT_AGENTX_DESCRIPTION
+    "rsvp-agentx, which serves the tables of the daemon to SNMP as a subagent\nof a master such as snmpd.")
+endif()
+
 if(CMAKE_CROSSCOMPILING)
   # The build machine's package lists say nothing about the libraries of another processor.
   set(CPACK_DEBIAN_PACKAGE_DEPENDS libc6)
@@ -177,6 +198,7 @@ else()
   set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON) # there is no such option for one package alone
   set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
   set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
+  set(CPACK_DEBIAN_AGENTX_PACKAGE_SHLIBDEPS ON)
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 endif()
 include(CPack)

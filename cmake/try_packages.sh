@@ -11,7 +11,7 @@ unpack=
   shift
 }
 packages=$(cd "$1" && pwd)
-names=(librsvp-mor1 librsvp-mor-dev rsvp-mor-tools python3-rsvp-mor)
+names=(librsvp-mor1 librsvp-mor-dev rsvp-mor-tools rsvp-mor-agentx python3-rsvp-mor)
 try=$(mktemp -d)
 trap 'rm -rf "$try"' EXIT
 log=$try/log

@@ -3,9 +3,9 @@
 # and other name that a program has is in its page, every kind of fault and of row is in the pages that tell of them, and
 # the daemon takes the scenario that is shown.
 #
-#     check_manual_pages.sh RSVPCTL RSVPSIMD
+#     check_manual_pages.sh RSVPCTL RSVPSIMD RSVP_AGENTX
 set -eu
-rsvpctl=$1 rsvpsimd=$2
+rsvpctl=$1 rsvpsimd=$2 agentx=$3
 cd "$(dirname "$0")/man"
 command -v man >/dev/null && command -v mandoc >/dev/null || {
   echo "man or mandoc is missing: install man-db and mandoc"
@@ -74,6 +74,11 @@ done <"$words.commands"
 [ -s "$words.aliases" ] || complain "the other names of commands cannot be read"
 sort -u -o "$words" "$words" "$words.aliases"
 missing rsvpctl.1 <"$words"
+
+plain rsvp-agentx.8
+"$agentx" --help | options >"$words"
+[ -s "$words" ] || complain "the help of rsvp-agentx cannot be read"
+missing rsvp-agentx.8 <"$words"
 
 plain rsvpsimd.8
 "$rsvpsimd" --help | options >"$words"

@@ -6,28 +6,24 @@
 #     agentx_test.py BIN_FOLDER SNMPD SOURCE_FOLDER [TEST...]
 import collections
 import itertools
-import json
 import os
 import pathlib
-import shutil
 import signal
 import socket
 import struct
 import subprocess
 import sys
-import tempfile
-import time
 import unittest
+
+from support.snmp_device import OWN, Device, Value, until
 
 binaries, snmpd, source = (pathlib.Path(word).resolve() for word in sys.argv[1:4])
 scenarios = source / "host/scenarios"
 own_module = source / "tools/agentx/RSVP-MOR-MIB.txt"
 base_modules = source / "tests/support/smi"
 MOST = 2**31 - 1
-MPLS, RSVP, GENERAL, FACILITY, OWN = (
-    "1.3.6.1.2.1.10.166.3", "1.3.6.1.2.1.51.1", "1.3.6.1.2.1.202.1", "1.3.6.1.2.1.204.1", "1.3.6.1.3.20650.1")
-CACHE = f"{OWN}.2.1"
-Value = collections.namedtuple("Value", "type value")
+MPLS, RSVP, GENERAL, FACILITY = (
+    "1.3.6.1.2.1.10.166.3", "1.3.6.1.2.1.51.1", "1.3.6.1.2.1.202.1", "1.3.6.1.2.1.204.1")
 
 
 # ---- Values as Net-SNMP's commands print them -------------------------------------------------------------------------
@@ -275,125 +271,13 @@ def requests(device):
             for one in flow["fsList"])
 
 
-# ---- Processes --------------------------------------------------------------------------------------------------------
-
-def until(condition):
-    while not (value := condition()):
-        time.sleep(0.05)
-    return value
-
-
-class Device:
-    """A daemon, a master and an agent, each of which can be ended and started again."""
-
-    def __init__(self):
-        self.path = pathlib.Path(tempfile.mkdtemp(prefix="agentx."))
-        (self.path / "host").mkdir(mode=0o700)
-        self.environment = {**os.environ, "RSVP_HOST_DIR": str(self.path / "host"), "MIBS": "", "MIBDIRS": "",
-                            "SNMPCONFPATH": str(self.path), "SNMP_PERSISTENT_DIR": str(self.path / "state")}
-        with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as probe:
-            probe.bind(("127.0.0.1", 0))
-            self.address = f"127.0.0.1:{probe.getsockname()[1]}"
-        self.master_socket = f"unix:{self.path}/master"
-        (self.path / "master.conf").write_text(
-            f"agentaddress udp:{self.address}\nrwcommunity private 127.0.0.1\n"
-            f"master agentx\nagentXSocket {self.master_socket}\n")
-        self.running = {}
-
-    def start(self, name, *words):
-        with open(self.path / f"{name}.log", "ab") as log:
-            self.running[name] = subprocess.Popen(words, env=self.environment, stdout=log, stderr=log,
-                                                  stdin=subprocess.DEVNULL)
-
-    def daemon(self, *words):
-        self.start("daemon", binaries / "rsvpsimd", *words)
-        until(lambda: self.rsvpctl("show", "counters").returncode == 0)
-
-    def master(self):
-        (self.path / "master").unlink(missing_ok=True)
-        self.start("master", snmpd, "-f", "-Lo", "-C", "-c", self.path / "master.conf")
-        until(lambda: (self.path / "master").exists())
-
-    def agent(self, *words):
-        self.start("agent", binaries / "rsvp-agentx", "--foreground", "--agentx-socket", self.master_socket, *words)
-        until(lambda: self.get(f"{OWN}.1.1.0").type == "INTEGER")
-
-    def stop(self, name, how=signal.SIGTERM):
-        process = self.running.pop(name)
-        process.send_signal(how)
-        return process.wait()
-
-    def end(self):
-        for process in self.running.values():
-            process.send_signal(signal.SIGCONT)
-            process.kill()
-            process.wait()
-        shutil.rmtree(self.path)
-
-    def log(self, name):
-        return (self.path / f"{name}.log").read_text(errors="replace")
-
-    def rsvpctl(self, *words):
-        return subprocess.run([binaries / "rsvpctl", "--json", *words], env=self.environment, capture_output=True,
-                              text=True)
-
-    def show(self, what):
-        return json.loads(self.rsvpctl("show", *what.split()).stdout)
-
-    def rows(self, what):
-        return self.show(what)["rows"]
-
-    def snmp(self, command, *words, options=()):
-        return subprocess.run([command, "-v2c", "-c", "private", "-r", "20", "-On", "-Ot", "-Ox", *options, self.address,
-                               *words], env=self.environment, capture_output=True, text=True)
-
-    def ask(self, command, *words, options=()):
-        found = []
-        for line in self.snmp(command, *words, options=options).stdout.splitlines():
-            if line.startswith("."):
-                oid, _, text = line.partition(" = ")
-                kind, colon, value = text.partition(": ")
-                found.append([oid[1:], kind if colon else "", value if colon else text])
-            elif found:
-                found[-1][2] += line
-        return [(oid, Value(kind, value.replace(" ", "") if kind == "Hex-STRING" else value.strip('"')))
-                for oid, kind, value in found]
-
-    def get(self, oid):
-        answer = self.ask("snmpget", oid)
-        return answer[0][1] if answer else Value("", "")
-
-    def walk(self, entry):
-        return {oid: value for oid, value in self.ask("snmpbulkwalk", entry, options=["-Cr50"])
-                if oid.startswith(entry + ".")}
-
-    def caches(self):
-        """The rows of the agent's own table, by the name of the table that they tell of."""
-        rows = collections.defaultdict(dict)
-        for oid, value in self.walk(CACHE).items():
-            column, row = oid.removeprefix(CACHE + ".").split(".")
-            rows[row][int(column)] = value.value
-        return {bytes.fromhex(row[2]).decode(): row for row in rows.values()}
-
-    def reads(self):
-        return {name: int(row[6]) for name, row in self.caches().items()}
-
-    def read_anew(self):
-        """Waits until each table was read from begin to end after this call."""
-        before = self.reads()
-        until(lambda: all(done >= before[name] + 2 for name, done in self.reads().items()))
-
-    def served(self):
-        return {row[5] for row in self.caches().values()}
-
-
 def key(oid):
     return [int(part) for part in oid.split(".")]
 
 
 class Agent(unittest.TestCase):
     def setUp(self):
-        self.device = Device()
+        self.device = Device(binaries, snmpd)
         self.addCleanup(self.device.end)
 
     def start(self, *daemon, agent=("--interval", "200ms")):
@@ -461,7 +345,7 @@ class Agent(unittest.TestCase):
                 steps.append((oid, value))
             self.assertEqual(device.ask("snmpbulkget", start, options=["-Cn0", "-Cr12"]), steps)
             self.assertLess(key(start), key(steps[0][0]))
-        beyond = device.ask("snmpgetnext", f"{CACHE}.8.99999")[0][0]
+        beyond = device.ask("snmpgetnext", f"{OWN}.2.1.8.99999")[0][0]
         self.assertFalse(beyond.startswith(OWN + "."))
         instance, thing = "No Such Instance currently exists at this OID", "No Such Object available on this agent at this OID"
         for oid, answer in (f"{entry}.10.1.2.3.4", instance), (f"{entry}.10.5", instance), (f"{entry}.99.1", thing), \
@@ -518,7 +402,7 @@ class Agent(unittest.TestCase):
                   "stuck": "item=101,op=5", "status=0x60010099": "item=101,op=5"}
         for kind, where in faults.items():
             with self.subTest(fault=kind):
-                self.device = Device()
+                self.device = Device(binaries, snmpd)
                 self.addCleanup(self.device.end)
                 device = self.device
                 self.start("--scenario", scenarios / "demo.toml", agent=("--interval", "100ms", "--max-age", "1h"))
@@ -621,6 +505,14 @@ class Agent(unittest.TestCase):
         self.assertEqual(header, ["index"] + ["rsvpMorCache" + name for name in (
             "Name", "Rows", "Age", "Served", "ReadsDone", "ReadsFailed", "LastError")])
         self.assertEqual([row[4] for row in rows], ["true"] * 15)
+
+    def test_the_unit(self):
+        unit = self.device.path / "rsvp-agentx.service"
+        text = (source / "tools/agentx/rsvp-agentx.service.in").read_text()
+        unit.write_text(text.replace("@CMAKE_INSTALL_FULL_BINDIR@", str(binaries)))
+        for words in ("verify", "--man=no"), ("security", "--offline=true", "--threshold=20", "--no-pager"):
+            ended = subprocess.run(["systemd-analyze", *words, unit], capture_output=True, text=True)
+            self.assertEqual(ended.returncode, 0, ended.stdout + ended.stderr)
 
     def test_whole_tables(self):
         # The standard modules are not free to be shipped, so a module is made of the numbers that snmptable needs.

@@ -22,6 +22,8 @@ prefix="$prefix moved"
 share="$prefix/share/rsvp-mor"
 library=$(dirname "$(find "$prefix" -name librsvp_mor.so.1)")
 for file in "$library/librsvp_mor.a" "$library/wireshark/plugins/rsvp_mor.lua" "$prefix/bin/rsvpctl" "$prefix/bin/rsvpsimd" \
+  "$prefix/bin/rsvp-agentx" "$prefix/lib/systemd/system/rsvp-agentx.service" \
+  "$prefix/share/snmp/mibs/RSVP-MOR-MIB.txt" "$prefix/share/man/man8/rsvp-agentx.8" "$share/docs/snmp.md" \
   "$prefix/share/man/man1/rsvpctl.1" "$prefix/share/man/man3/librsvp_mor.3" "$prefix/share/man/man8/rsvpsimd.8" \
   "$prefix/share/man/man5/rsvpsimd-scenario.5" \
   "$share/scenarios/demo.toml" "$share/dictionaries/rsvpsimd.toml" "$share/docs/dictionary.md" "$share/docs/json.md" "$share/schema/1.json" \
