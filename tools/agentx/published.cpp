@@ -1,6 +1,8 @@
 // Handing over of tables.
 #include "tools/agentx/published.h"
 
+#include <utility>
+
 namespace agentx {
 
 Published::State Published::Now() const
@@ -15,28 +17,27 @@ std::shared_ptr<const Snapshot> Published::NotOlderThan(Clock::duration age) con
     return state_.newest != nullptr && Clock::now() - state_.begun <= age ? state_.newest : nullptr;
 }
 
-void Published::Done(Snapshot snapshot, Clock::time_point begun)
+bool Published::Done(Snapshot snapshot, Clock::time_point begun)
 {
     auto fresh = std::make_shared<const Snapshot>(std::move(snapshot));
+    bool wasFailing = false;
     {
         const std::lock_guard lock(mutex_);
         state_.newest.swap(fresh);
         state_.begun = begun;
         ++state_.readsDone;
-        isFailing_ = false;
+        wasFailing = std::exchange(isFailing_, false);
     }
-    // The old copy is given back here, where nobody waits.
+    return wasFailing; // the old copy is given back here, where nobody waits
 }
 
 bool Published::Failed(const std::string &error)
 {
     const std::lock_guard lock(mutex_);
-    const bool isNews = !isFailing_ || state_.lastError != error;
     ++state_.readsFailed;
     state_.lastError = error;
     state_.failed = Clock::now();
-    isFailing_ = true;
-    return isNews;
+    return !std::exchange(isFailing_, true);
 }
 
 } // namespace agentx

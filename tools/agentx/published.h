@@ -33,9 +33,10 @@ public:
     /** The newest copy, unless it is older than that; else null. */
     std::shared_ptr<const Snapshot> NotOlderThan(Clock::duration age) const;
 
-    void Done(Snapshot snapshot, Clock::time_point begun);
+    /** True if the reads before had failed. */
+    bool Done(Snapshot snapshot, Clock::time_point begun);
 
-    /** A copy that is there stays. True if the reads before had gone well, or failed in another way. */
+    /** A copy that is there stays. True if the reads before had gone well. */
     bool Failed(const std::string &error);
 
 private:

@@ -184,13 +184,15 @@ std::string Job::Run()
 {
     const std::lock_guard lock(turn_);
     const Clock::time_point begun = Clock::now();
+    std::vector<std::string_view> names; // of those whose state is another than before
     try {
         std::vector<Snapshot> results = read_();
-        for (size_t i = 0; i < tables_.size(); ++i)
-            tables_[i]->Done(std::move(results[i]), begun);
-        return {};
+        for (size_t i = 0; i < tables_.size(); ++i) {
+            if (tables_[i]->Done(std::move(results[i]), begun))
+                names.push_back(tables_[i]->Table().name);
+        }
+        return names.empty() ? "" : fmt::format("{} can be read again", fmt::join(names, ", "));
     } catch (const ReadError &error) {
-        std::vector<std::string_view> names;
         for (const auto &table : tables_) {
             if (table->Failed(error.what()))
                 names.push_back(table->Table().name);

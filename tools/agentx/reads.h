@@ -25,8 +25,8 @@ public:
 
     Job(const std::vector<const MibTable *> &tables, Read read);
 
-    /** Reads once and hands over. Two threads take turns, so that the newer result is handed over later. Gives what
-     * is wrong, if it was not so before; else an empty text. */
+    /** Reads once and hands over. Two threads take turns, so that the newer result is handed over later. Gives a line
+     * if reading begins to fail, or goes well again; else an empty text. */
     std::string Run();
 
     std::span<const std::unique_ptr<Published>> Tables() const { return tables_; }

@@ -321,7 +321,7 @@ struct StateReader {
     }
 
     Snapshot Senders()
-    {
+    try {
         attributes->byTunnel.reset();
         std::map<TunnelName, RSVP_MOR_SessionAttr> byTunnel;
         Builder builder(kSenderTable);
@@ -339,6 +339,9 @@ struct StateReader {
         });
         attributes->byTunnel = std::move(byTunnel);
         return builder.Finish();
+    } catch (const ReadError &error) {
+        attributes->problem = error.what();
+        throw;
     }
 
     Snapshot Reservations()

@@ -56,7 +56,7 @@ public:
     std::vector<Snapshot> Read()
     {
         if (!attributes_->byTunnel)
-            throw ReadError("path state could not be read, and it tells of tunnels");
+            throw ReadError(attributes_->problem);
         const std::map<Oid, std::vector<std::pair<const Object *, Cell>>> lsps = ReadLsps();
         Builder builder(kTunnelTable);
         uint32_t active = 0;

@@ -7,6 +7,7 @@
 #include <map>
 #include <optional>
 #include <rsvp_mor.h>
+#include <string>
 
 namespace agentx {
 
@@ -16,6 +17,7 @@ using TunnelName = std::array<uint32_t, 4>;
 struct TunnelAttributes {
     /** Nothing as long as path state could not be read as a whole. A block without the object is not among them. */
     std::optional<std::map<TunnelName, RSVP_MOR_SessionAttr>> byTunnel;
+    std::string problem; // why there is nothing
 };
 
 } // namespace agentx

@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 #include <system_error>
+#include <utility>
 
 namespace agentx {
 namespace {
@@ -66,8 +67,8 @@ void Refresher::Work()
         for (const auto &job : jobs_) {
             if (cancel_.IsGiven())
                 break;
-            if (const std::string problem = job->Run(); !problem.empty() && !cancel_.IsGiven())
-                Log(Level::Warning, problem);
+            if (const std::string news = job->Run(); !news.empty() && !cancel_.IsGiven())
+                Log(Level::Warning, news);
         }
         lock.lock();
         wake_.wait_for(lock, pause_, [this] { return isEnding_; });
