@@ -271,6 +271,11 @@ soak)
   need libbenchmark-dev
   build_preset host -DRSVP_MOR_BENCH=ON
   build/host/bin/soak "$seconds"
+  need snmp
+  unpack snmpd
+  say "as many reads as rsvp-agentx makes in a day with a pause of 30 seconds"
+  AGENTX_ROUNDS=2880 tests/agentx_test.py build/host/bin build/counterparts/usr/sbin/snmpd . \
+    Agent.test_many_reads_leave_nothing_behind
   ;;
 docs)
   need_host
