@@ -24,7 +24,6 @@ constexpr Word kHopAddressTypes[] = {{0, "unknown"},  {1, "ipv4"},  {2, "ipv6"},
                                      {3, "asnumber"}, {4, "unnum"}, {5, "lspid"}};
 constexpr Word kHopTypes[] = {{1, "strict"}, {2, "loose"}};
 constexpr Word kProtectionTypes[] = {{1, "linkProtection"}, {2, "nodeProtection"}};
-constexpr Word kProtectionMethods[] = {{1, "unknown"}, {2, "oneToOneBackup"}, {3, "facilityBackup"}};
 constexpr Word kHopSessionFlags[] = {
     {0, "unsupported"},    {1, "localProtectionDesired"},     {2, "labelRecordingDesired"},
     {3, "sestyleDesired"}, {4, "bandwidthProtectionDesired"}, {5, "nodeProtectionDesired"}};
