@@ -224,6 +224,7 @@ big-endian)
   ;;
 threads)
   need_tests
+  unpack snmpd
   build_target thread threads_test -DRSVP_MOR_TESTS=ON # and the daemon that it starts
   build_target thread rsvp-agentx -DRSVP_MOR_TESTS=ON  # whose workers are the only other threads
   build_target thread rsvpctl -DRSVP_MOR_TESTS=ON      # which the agent's test asks
