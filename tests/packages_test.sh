@@ -18,7 +18,11 @@ pack() {
 
 pack "$1" "$work/once"
 TZ=Asia/Tokyo pack "$1" "$work/again"
-[ "$(find "$work/once" -maxdepth 1 -name '*.deb' | wc -l)" = 4 ]
+found=$(find "$work/once" -maxdepth 1 -name '*.deb' | wc -l)
+[ "$found" = 5 ] || {
+  echo "$found packages instead of 5"
+  exit 1
+}
 for package in "$work"/once/*.deb; do
   cmp "$package" "$work/again/${package##*/}"
   dpkg-deb -x "$package" "$work/root"

@@ -185,7 +185,7 @@ TEST(Rsvpctl, SaysWhatItDidAndWhyNot)
         {"sett", 2, "", "sett"},
         {"--help", 0, "Exit status", ""},
         {"--version", 0, "rsvpctl ", ""},
-        {"help show lsp", 0, "Usage: rsvpctl show crlsp", ""},
+        {"help show neighbors", 0, "Usage: rsvpctl show neighbours", ""},
         {"help show shwo", 2, "", "show: 'shwo' is not expected here"},
         {"set --help", 0, "Examples:", ""},
         {"set auth-key --help", 0, "--key-file FILE", ""},
