@@ -125,15 +125,17 @@ std::string Output::Ending(Exit exit) const
     static const std::string interrupted = EndOfEarly(Exit::Interrupted);
     static const std::string timeOver = EndOfEarly(Exit::TimeOver);
     const std::string &end = exit == Exit::TimeOver ? timeOver : interrupted;
+    // Made anew for each row that is written, of which it must not be the larger part.
+    constexpr const char *kCut = "],\"count\":{},\"complete\":false";
     std::string text;
     if (inList_) {
-        text += "]" + MemberText("count", rows_) + MemberText("complete", false);
+        text += fmt::format(kCut, rows_);
         if (function_ != nullptr)
-            text += MemberText("end", "interrupted") + MemberText("function", function_);
+            text += fmt::format(",\"end\":\"interrupted\",\"function\":\"{}\"", function_);
         text += end;
     }
     if (inBatch_)
-        text += "]" + MemberText("count", batchDocuments_) + MemberText("complete", false) + end;
+        text += fmt::format(kCut, batchDocuments_) + end;
     return text;
 }
 
