@@ -104,7 +104,7 @@ struct HashOfIdentity {
         uint64_t hash = one.extendedTunnelId;
         for (const uint64_t part : {Pair(one.endPoint, one.sender), Pair(one.tunnelId, one.lspId)})
             hash = ((hash ^ part) * kOdd) ^ (hash >> 29);
-        return hash ^ (hash >> 32);
+        return static_cast<size_t>(hash ^ (hash >> 32));
     }
 };
 

@@ -40,6 +40,7 @@ public:
         bits = (bits ^ bits >> 27) * 0x94D049BB133111EB;
         return (bits ^ bits >> 31) % end;
     }
+    size_t Index(size_t end) { return static_cast<size_t>(Below(end)); }
     bool Percent(uint64_t chance) { return Below(100) < chance; }
 
 private:
@@ -63,10 +64,10 @@ public:
         if (routers < 4)
             return;
         for (size_t i = 0; i < 2; ++i)
-            Join(0, 2 + dice.Below(routers - 3));
+            Join(0, 2 + dice.Index(routers - 3));
         for (size_t i = 0; i < routers / 2; ++i) {
-            const size_t one = dice.Below(routers);
-            Join(one, (one + 1 + dice.Below(routers - 1)) % routers);
+            const size_t one = dice.Index(routers);
+            Join(one, (one + 1 + dice.Index(routers - 1)) % routers);
         }
     }
 
@@ -212,7 +213,8 @@ struct Tunnel {
 class Network {
 public:
     Network(const NetworkPlan &plan, const TakeRow &take)
-        : plan_(plan), take_(take), dice_(plan.seed), topology_(plan.routers, dice_), routes_(topology_.Routes())
+        : plan_(plan), take_(take), dice_(plan.seed), topology_(static_cast<size_t>(plan.routers), dice_),
+          routes_(topology_.Routes())
     {
         const std::vector<size_t> &links = topology_.LinksAt(0);
         if (links.size() >= kFewestForFailure)
@@ -297,11 +299,11 @@ private:
         constexpr std::array<uint64_t, 6> kBandwidths{500, 1'000, 2'000, 5'000, 10'000, 50'000};
         Tunnel tunnel{.id = id};
         const uint64_t role = dice_.Below(100);
-        const size_t one = 1 + dice_.Below(topology_.Routers() - 1);
-        size_t other = 1 + dice_.Below(topology_.Routers() - 1);
+        const size_t one = 1 + dice_.Index(topology_.Routers() - 1);
+        size_t other = 1 + dice_.Index(topology_.Routers() - 1);
         const auto firstLink = [this](size_t router) { return routes_[router].front().link; };
         for (int tries = 0; tries < 8 && firstLink(other) == firstLink(one); ++tries)
-            other = 1 + dice_.Below(topology_.Routers() - 1);
+            other = 1 + dice_.Index(topology_.Routers() - 1);
         if (role < 45)
             tunnel.behind = routes_[one];
         else if (role < 60 || firstLink(other) == firstLink(one))
@@ -314,7 +316,7 @@ private:
         tunnel.byColour = dice_.Percent(20);
         tunnel.setup = 4 + dice_.Below(4);
         tunnel.holding = tunnel.setup - dice_.Below(2);
-        tunnel.kbits = kBandwidths[dice_.Below(kBandwidths.size())];
+        tunnel.kbits = kBandwidths[dice_.Index(kBandwidths.size())];
         tunnel.changes = dice_.Below(6);
         tunnel.up = dice_.Percent(93);
         tunnel.isProtected = tunnel.up && tunnel.wantsProtection && !tunnel.behind.empty() &&
@@ -607,9 +609,9 @@ private:
         const uint64_t tunnelId = kFirstP2mp + number;
         const uint64_t kbits = 2'000 * (1 + dice_.Below(5));
         std::set<size_t> leaves;
-        const size_t wanted = std::min(2 + dice_.Below(kMostLeaves - 1), topology_.Routers() - 1);
+        const size_t wanted = std::min(2 + dice_.Index(kMostLeaves - 1), topology_.Routers() - 1);
         for (size_t tries = 0, hops = 0; tries < 4 * kMostLeaves && leaves.size() < wanted; ++tries) {
-            const size_t leaf = 1 + dice_.Below(topology_.Routers() - 1);
+            const size_t leaf = 1 + dice_.Index(topology_.Routers() - 1);
             if (hops + routes_[leaf].size() <= kMostP2mpHops && leaves.insert(leaf).second)
                 hops += routes_[leaf].size();
         }

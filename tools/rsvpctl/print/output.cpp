@@ -42,7 +42,7 @@ size_t LineWidth(FILE *stream)
         return SIZE_MAX;
     const char *wanted = std::getenv("COLUMNS");
     if (const auto columns = manager::ParseNumber(wanted == nullptr ? "" : wanted); columns && *columns > 0)
-        return *columns;
+        return static_cast<size_t>(std::min<uint64_t>(*columns, SIZE_MAX));
     winsize size{};
     const bool known = ioctl(fileno(stream), TIOCGWINSZ, &size) == 0;
     return known && size.ws_col > 0 ? size.ws_col : kWidthOfMostTerminals;
