@@ -1056,7 +1056,7 @@ TEST(CaptureFile, KeepsWholeFramesWhateverHappensToIt)
 
     // What the system refuses in the middle of a block leaves none of it there.
     const uint64_t size = std::filesystem::file_size(path);
-    const rlimit enough{size + 50, RLIM_INFINITY};
+    const rlimit enough{static_cast<rlim_t>(size + 50), RLIM_INFINITY};
     std::signal(SIGXFSZ, SIG_IGN);
     setrlimit(RLIMIT_FSIZE, &enough);
     capture->Write(frame);
