@@ -27,9 +27,9 @@ private:
 void CountUp(std::span<uint8_t> place);
 
 // The counters of the global record: what a reset of statistics clears.
-inline constexpr std::array kGlobalStatistics{
-    FieldAt("globalInfo", "counters1"), FieldAt("globalInfo", "statWord1"), FieldAt("globalInfo", "statWord2"),
-    FieldAt("globalInfo", "statWord3"), FieldAt("globalInfo", "statWord4"), FieldAt("globalInfo", "counters2")};
+inline constexpr std::array kGlobalStatistics{FieldAt("globalInfo", "counters1"), FieldAt("globalInfo", "statWord1"),
+                                              FieldAt("globalInfo", "statWord2"), FieldAt("globalInfo", "statWord3"),
+                                              FieldAt("globalInfo", "statWord4"), FieldAt("globalInfo", "counters2")};
 
 // The items that ask for the two records of the whole daemon.
 inline constexpr uint16_t kDebugItem = 2;
