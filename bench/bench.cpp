@@ -249,7 +249,7 @@ template <typename Count> double PerCall(const std::string &kind, const Words &t
 {
     const bench::Call call = bench::CallOf(static_cast<bench::Kind>(std::atoi(kind.c_str())));
     const bench::Child server(bench::StartCannedServer(directory, call.body));
-    double counts[2];
+    double counts[2]{};
     for (const int times : {100, 300}) {
         Words words = tool;
         words.insert(words.end(), {programs + "/one_call", kind, std::to_string(times)});
@@ -284,7 +284,7 @@ double Instructions(const std::string &kind)
 // A row with the names of a dictionary against the same row without. The dictionary is read once and cancels out.
 void NamesOfARow(State &state)
 {
-    double counts[2][2];
+    double counts[2][2]{};
     for (auto _ : state) {
         for (const int rows : {1000, 2000}) {
             const bench::Child daemon(

@@ -108,12 +108,10 @@ int main(int argc, char **argv)
     }
     std::vector<oid> place = NumbersOf(argv[2]);
     place.pop_back();
-    auto *about =
-        static_cast<netsnmp_table_registration_info *>(std::calloc(1, sizeof(netsnmp_table_registration_info)));
-    for (size_t i = 0; about != nullptr && i < (rows.empty() ? 0 : rows.begin()->first.size()); ++i)
+    netsnmp_table_registration_info information{}; // a signal ends the program, so Net-SNMP never frees it
+    netsnmp_table_registration_info *const about = &information;
+    for (size_t i = 0; i < (rows.empty() ? 0 : rows.begin()->first.size()); ++i)
         netsnmp_table_helper_add_index(about, ASN_UNSIGNED);
-    if (about == nullptr)
-        return 1;
     about->min_column = 1;
     about->max_column = static_cast<u_int>(std::strtoul(argv[3], nullptr, 10));
     netsnmp_handler_registration *registration =

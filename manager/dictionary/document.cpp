@@ -61,7 +61,8 @@ public:
         char *at = out_.Room(name.size() + 3);
         *at++ = '"';
         std::memcpy(at, name.data(), name.size());
-        std::memcpy(at + name.size(), "\":", 2);
+        at[name.size()] = '"';
+        at[name.size() + 1] = ':';
     }
 
 private:

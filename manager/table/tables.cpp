@@ -227,7 +227,7 @@ TABLE(kP2mpCrLsps, "p2mp crlsp", RSVP_MOR_P2mpCrlspInfo, RSVP_MOR_P2mpCrlspKey,
       .ask = kAskP2mpCrLsp)
 // clang-format on
 
-#define MANAGER_POINTER(symbol) &symbol,
+#define MANAGER_POINTER(symbol) &(symbol),
 std::span<const Table *const> AllTables()
 {
     static constexpr const Table *kAll[] = {MANAGER_TABLES(MANAGER_POINTER)};

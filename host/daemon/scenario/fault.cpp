@@ -72,6 +72,7 @@ void ReadPart(Fault &fault, std::string_view key, std::string_view text)
         SetPart(fault, key, NumberOf(key, text, 0xFFFFFFFF));
     } else {
         std::vector<std::string> parts;
+        parts.reserve(std::size(kFaultParts));
         for (const FaultPart &part : kFaultParts)
             parts.push_back(fmt::format("{}=", part.name));
         throw std::invalid_argument(

@@ -228,9 +228,11 @@ Record ReadAdditions(const Member &member, std::span<const Part> parts)
     for (const Member &inner : AsTable(member.node, member.name))
         Flatten(leaves, inner.name, inner.node, inner.line);
     Record record = ReadFields(leaves, parts);
-    for (const auto &[name, leaf] : leaves)
-        if (record.contains(name) && !IsCounted(*FindInParts(parts, name, leaves).field))
+    for (const auto &[name, leaf] : leaves) {
+        const Field *field = FindInParts(parts, name, leaves).field; // null for an object that names none of its own
+        if (field != nullptr && !IsCounted(*field))
             Refuse(leaf.line, name, "is no whole number that can be added to");
+    }
     return record;
 }
 

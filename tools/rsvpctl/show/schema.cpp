@@ -133,9 +133,9 @@ Json UnitsOf(const RecordDescription &description, const RecordMeanings &meaning
     if (!named.is_null())
         members["named"] = Properties(std::move(named));
     for (const Field &field : description.fields) {
-        Json inside = field.record == nullptr ? Json() : UnitsOf(*field.record, meanings.Inside(field.name));
+        const Json inside = field.record == nullptr ? Json() : UnitsOf(*field.record, meanings.Inside(field.name));
         if (!inside.is_null())
-            members[field.name] = IsArray(field) ? Json{{"items", std::move(inside)}} : std::move(inside);
+            members[field.name] = IsArray(field) ? Json{{"items", inside}} : inside;
     }
     return members.is_null() ? Json() : Properties(std::move(members));
 }

@@ -48,7 +48,7 @@ public:
     /** Notes that the view shows a part of the record, and gives it back. */
     template <typename Part> const Part &Shown(const Part &part)
     {
-        shown_.Note(&part, sizeof(part));
+        shown_.Note(&part, sizeof(part)); // NOLINT(bugprone-sizeof-expression): a part may be a pointer
         return part;
     }
 

@@ -15,7 +15,7 @@ using manager::Field, manager::FieldKind;
 std::string PlaceOf(const manager::RecordDescription &record, const std::string &field)
 {
     const size_t bracket = field.find('[');
-    const std::string name = field.substr(0, bracket);
+    std::string name = field.substr(0, bracket);
     const auto described =
         std::find_if(record.fields.begin(), record.fields.end(), [&](const Field &one) { return one.name == name; });
     if (bracket == std::string::npos || described == record.fields.end() || described->count == 0)
