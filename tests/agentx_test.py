@@ -168,9 +168,10 @@ def facility(device):
 
 def interfaces(device):
     settings = device.show("global")["record"]["named"]
+    known = collections.Counter(row["named"]["interface"] for row in device.rows("neighbours"))
     for row in device.rows("interfaces"):
         yield oid_index(row["named"]["interface"]), {
-            5: integer(settings["keepMultiplier"]), 7: integer(settings["refreshInterval"] * 100),
+            3: gauge(known[row["named"]["interface"]]), 5: integer(settings["keepMultiplier"]), 7: integer(settings["refreshInterval"] * 100),
             9: truth(row["named"]["rsvp"]), 11: integer(1)}
 
 
@@ -309,26 +310,49 @@ class Agent(unittest.TestCase):
                 self.assertEqual((row[3], row[8]), (session[3], session[6]))
 
     def test_every_value_is_that_of_the_daemon(self):
-        self.start("--scenario", scenarios / "demo.toml")
-        self.device.read_anew()
-        self.check_tables()
-        counters = self.device.show("counters")["record"]
-        rows = self.device.rows("tunnels")
-        self.assertEqual(self.device.walk(f"{MPLS}.1"), {
-            f"{MPLS}.1.1.0": gauge(len(rows)),
-            f"{MPLS}.1.2.0": gauge(sum(row["named"]["operStatus"] == "up" for row in rows))})
-        self.assertEqual([self.device.get(f"{FACILITY}.{number}.0") for number in (1, 2, 3, 4)], [
-            integer(counters["frrInterfaces"]), gauge(counters["activeFrrInterfaces"]),
-            Value("", "No Such Object available on this agent at this OID"), gauge(counters["activeBypassTunnels"])])
-
-    def test_made_rows_and_numbers_that_stay(self):
         kinds = ("tunnel", "resource", "chop", "arhop", "exthop", "psb", "rsb", "phsb", "crlsp", "nbr")
-        self.start("--scenario", scenarios / "demo.toml", *itertools.chain(*(("--rows", f"{kind}=60") for kind in kinds)))
-        self.device.read_anew()
-        self.check_tables()
-        before = self.device.walk(RSVP + ".1.1")
-        self.device.read_anew()
-        self.assertEqual(self.device.walk(RSVP + ".1.1"), before)
+        demo, network = ("--scenario", scenarios / "demo.toml"), ("--generate", "network", "--serve")
+        made = (*demo, *itertools.chain(*(("--rows", f"{kind}=60") for kind in kinds)))
+        for daemon in demo, made, (*network, "--tunnels", "120"), (*network, "--seed", "2", "--routers", "5"):
+            with self.subTest(daemon=daemon):
+                self.setUp()
+                self.start(*daemon)
+                self.device.read_anew()
+                self.check_tables()
+                counters = self.device.show("counters")["record"]
+                rows = self.device.rows("tunnels")
+                self.assertEqual(self.device.walk(f"{MPLS}.1"), {
+                    f"{MPLS}.1.1.0": gauge(len(rows)),
+                    f"{MPLS}.1.2.0": gauge(sum(row["named"]["operStatus"] == "up" for row in rows))})
+                self.assertEqual([self.device.get(f"{FACILITY}.{number}.0") for number in (1, 2, 3, 4)], [
+                    integer(counters["frrInterfaces"]), gauge(counters["activeFrrInterfaces"]),
+                    Value("", "No Such Object available on this agent at this OID"), gauge(counters["activeBypassTunnels"])])
+
+    def test_a_row_keeps_its_number_as_long_as_it_lives(self):
+        device, scenario = self.device, self.device.path / "network.toml"
+        whole = subprocess.run([binaries / "rsvpsimd", "--generate", "network"], capture_output=True, text=True).stdout
+        before, block, after = whole.partition("[[psb]]\n")
+        first, rest = after.split("[[", 1)
+        def numbers(blocks):
+            scenario.write_text(blocks)
+            device.running["daemon"].send_signal(signal.SIGHUP)
+            until(lambda: len(device.rows("psb")) == blocks.count(block))
+            device.read_anew()
+            rows = collections.defaultdict(dict)
+            for oid, value in device.walk(f"{RSVP}.2.1").items():
+                column, index = oid.removeprefix(f"{RSVP}.2.1.").split(".", 1)
+                rows[index][int(column)] = value
+            return {index: (row[3], row[4], row[8], row[9]) for index, row in rows.items()}
+        scenario.write_text(whole)
+        self.start("--scenario", scenario)
+        all_rows = numbers(whole)
+        without_one = numbers(before + "[[" + rest)
+        [gone] = all_rows.keys() - without_one.keys()
+        self.assertEqual({**without_one, gone: all_rows[gone]}, all_rows)
+        again = numbers(whole)
+        self.assertEqual(sorted(map(repr, again.values())), sorted(map(repr, all_rows.values())))
+        self.assertEqual(again.items() & without_one.items(), without_one.items())
+        self.assertNotIn(gone, again)
 
     def test_order_and_ends(self):
         self.start("--scenario", scenarios / "demo.toml", "--rows", "tunnel=10000")
@@ -369,8 +393,34 @@ class Agent(unittest.TestCase):
         self.assertNotEqual(device.get(f"{enabled}.2"), truth(True))
         self.assertEqual(len(device.ask("snmpset", f"{enabled}.2", "i", "1", f"{enabled}.3", "i", "2")), 2)
         self.assertEqual(on_device(), [1, 2])
+        # The second of two commands fails, so the first is taken back.
+        device.stop("daemon")
+        device.daemon("--scenario", scenarios / "demo.toml", "--fault", "status=0x60010008,class=1,item=18,after=1,once")
+        until(lambda: device.get(f"{enabled}.3") == truth(True))
+        self.assertEqual(refused(f"{enabled}.2", "i", 2, f"{enabled}.3", "i", 2), "commitFailed")
+        self.assertEqual(on_device(), [1, 2, 3])
+        # A daemon that hangs: what it makes of the command nobody knows, but the agent goes on and reads it in the end.
+        daemon = device.running["daemon"]
+        daemon.send_signal(signal.SIGSTOP)
+        def is_answered_during_a_set():
+            with subprocess.Popen(["snmpset", "-v2c", "-c", "private", "-r0", "-t60", device.address, f"{enabled}.2", "i",
+                                   "2"], env=device.environment, stderr=subprocess.PIPE, text=True) as setting:
+                self.assertEqual(device.get(f"{OWN}.1.2.0"), ticks(60))
+                was_during = setting.poll() is None
+                self.assertIn("undoFailed", setting.stderr.read())
+            return was_during
+        until(is_answered_during_a_set)
+        daemon.send_signal(signal.SIGCONT)
+        device.read_anew()
+        self.assertEqual(device.get(f"{enabled}.2"), truth(2 in on_device()))
         device.stop("daemon", signal.SIGKILL)
         self.assertEqual(refused(f"{enabled}.2", "i", 1), "commitFailed")
+
+    def test_neighbours_are_not_counted_while_they_cannot_be_read(self):
+        self.start("--scenario", scenarios / "demo.toml", "--fault", "close,class=3,item=3")
+        until(lambda: self.device.caches()["rsvpIfTable"][5] == "1")
+        self.assertEqual(self.device.walk(f"{RSVP}.6.1.3"), {})
+        self.assertEqual(self.device.caches()["rsvpNbrTable"][5], "2")
 
     def test_the_daemon_goes_and_comes_back(self):
         max_age = ("--interval", "100ms", "--max-age", "3s")
@@ -402,8 +452,7 @@ class Agent(unittest.TestCase):
                   "stuck": "item=101,op=5", "status=0x60010099": "item=101,op=5"}
         for kind, where in faults.items():
             with self.subTest(fault=kind):
-                self.device = Device(binaries, snmpd)
-                self.addCleanup(self.device.end)
+                self.setUp()
                 device = self.device
                 self.start("--scenario", scenarios / "demo.toml", agent=("--interval", "100ms", "--max-age", "1h"))
                 until(lambda: device.served() == {"1"})

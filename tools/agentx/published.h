@@ -33,7 +33,10 @@ public:
     /** The newest copy, unless it is older than that; else null. */
     std::shared_ptr<const Snapshot> NotOlderThan(Clock::duration age) const;
 
-    /** True if the reads before had failed. */
+    /** The newest copy if the last read made it; null if that failed. */
+    std::shared_ptr<const Snapshot> NewestIfWell() const;
+
+    /** Of two copies that of the later reading stays, whichever comes first. True if the reads before had failed. */
     bool Done(Snapshot snapshot, Clock::time_point begun);
 
     /** A copy that is there stays. True if the reads before had gone well. */

@@ -60,10 +60,17 @@ const std::vector<PlainTable> &PlainTables()
         {&kFrrConstraintsTable, &manager::kFrrGeneral, {}},
         {&kFrrHopTable, &manager::kExtendedHops, {}},
         {&kFrrFacilityTable, &manager::kFrrFacility, {}},
-        {&kIfTable, &manager::kInterfaces, {}},
-        {&kNbrTable, &manager::kNeighbours, {}},
     };
     return all;
+}
+const PlainTable kNeighbourRows{&kNbrTable, &manager::kNeighbours, {}};
+const PlainTable kInterfaceRows{&kIfTable, &manager::kInterfaces, {}};
+
+/** How many rows have an index that begins with this number. */
+uint32_t RowsBelow(const Snapshot &table, uint32_t first)
+{
+    const auto from = [&](uint64_t number) { return table.NotBefore(std::span<const uint64_t>(&number, 1)); };
+    return static_cast<uint32_t>(from(uint64_t{first} + 1) - from(first));
 }
 
 // What holds for the device holds for each of its interfaces.
@@ -80,28 +87,49 @@ RSVP_MOR_GlobalInfo ReadGlobal()
     return global;
 }
 
-std::unique_ptr<Job> MakePlainJob(const PlainTable &plain, const manager::Dictionary &dictionary)
+/** Puts what a row has from elsewhere than its own record. */
+using PutMore = std::function<void(const Oid &index, Builder &builder)>;
+
+/** Takes what one read needs from elsewhere. Throws ReadError. */
+using PrepareMore = std::function<PutMore()>;
+
+// Null if the dictionary does not tell the index.
+std::unique_ptr<Job> MakePlainJob(const PlainTable &plain, const manager::Dictionary &dictionary,
+                                  const PrepareMore &prepare = nullptr)
 {
     const Mapping mapping(*plain.mib, plain.table->row(), dictionary, plain.known);
     if (!mapping.HasIndex())
         return nullptr;
-    const Mapping ofAll(*plain.mib, manager::kGlobalInfo.row(), dictionary);
-    const bool wantsGlobal = plain.mib == &kIfTable && ofAll.HasColumns();
     return std::make_unique<Job>(std::vector{plain.mib}, [=, &plain, &dictionary] {
         Builder builder(*plain.mib);
-        const RSVP_MOR_GlobalInfo global = wantsGlobal ? ReadGlobal() : RSVP_MOR_GlobalInfo{};
+        const PutMore putMore = prepare ? prepare() : nullptr;
         ReadAll(*plain.table, dictionary, [&](const void *row) {
-            auto index = mapping.IndexOf(row);
+            const auto index = mapping.IndexOf(row);
             if (!index)
                 return;
-            builder.Begin(std::move(*index));
+            builder.Begin(*index);
             mapping.PutCells(row, builder);
-            if (wantsGlobal)
-                ofAll.PutCells(&global, builder);
+            if (putMore)
+                putMore(*index, builder);
         });
         std::vector<Snapshot> result;
         result.push_back(builder.Finish());
         return result;
+    });
+}
+
+// An interface has what holds for the whole device, and as many neighbours as rsvpNbrTable has rows of it.
+std::unique_ptr<Job> MakeInterfaceJob(const manager::Dictionary &dictionary, const Published *neighbours)
+{
+    const Mapping ofAll(kIfTable, manager::kGlobalInfo.row(), dictionary);
+    return MakePlainJob(kInterfaceRows, dictionary, [=]() -> PutMore {
+        const RSVP_MOR_GlobalInfo global = ofAll.HasColumns() ? ReadGlobal() : RSVP_MOR_GlobalInfo{};
+        const auto known = neighbours != nullptr ? neighbours->NewestIfWell() : nullptr;
+        return [=](const Oid &index, Builder &builder) {
+            ofAll.PutCells(&global, builder);
+            if (known != nullptr)
+                builder.Put(*kIfTable.Find("rsvpIfNbrs"), RowsBelow(*known, index.front()));
+        };
     });
 }
 
@@ -182,7 +210,6 @@ Job::Job(const std::vector<const MibTable *> &tables, Read read) : read_(std::mo
 
 std::string Job::Run()
 {
-    const std::lock_guard lock(turn_);
     const Clock::time_point begun = Clock::now();
     std::vector<std::string_view> names; // of those whose state is another than before
     try {
@@ -229,6 +256,8 @@ Jobs MakeJobs(const manager::Dictionary &dictionary)
     };
     for (const PlainTable &plain : PlainTables())
         sources.push_back({&plain.table->row(), plain.mib});
+    for (const PlainTable *plain : {&kNeighbourRows, &kInterfaceRows})
+        sources.push_back({&plain->table->row(), plain->mib});
     CheckNames(dictionary, sources);
 
     Jobs jobs;
@@ -237,11 +266,17 @@ Jobs MakeJobs(const manager::Dictionary &dictionary)
     if (auto tunnels = MakeTunnelJob(dictionary, attributes))
         jobs.state.push_back(std::move(tunnels));
     for (const PlainTable &plain : PlainTables()) {
-        if (auto job = MakePlainJob(plain, dictionary)) {
-            if (plain.mib == &kIfTable)
-                jobs.interfaces = job.get();
+        if (auto job = MakePlainJob(plain, dictionary))
             jobs.others.push_back(std::move(job));
-        }
+    }
+    const Published *neighbours = nullptr;
+    if (auto job = MakePlainJob(kNeighbourRows, dictionary)) {
+        neighbours = job->Tables().front().get();
+        jobs.others.push_back(std::move(job));
+    }
+    if (auto job = MakeInterfaceJob(dictionary, neighbours)) {
+        jobs.interfaces = job.get();
+        jobs.others.push_back(std::move(job));
     }
     jobs.others.push_back(MakeFrrScalarsJob());
     return jobs;

@@ -25,8 +25,10 @@ public:
 
     Job(const std::vector<const MibTable *> &tables, Read read);
 
-    /** Reads once and hands over. Two threads take turns, so that the newer result is handed over later. Gives a line
-     * if reading begins to fail, or goes well again; else an empty text. */
+    /** Reads once and hands over. Gives a line if reading begins to fail, or goes well again; else an empty text. A
+     * job whose read keeps nothing from one time to the next may run in two threads at once: neither waits for the
+     * other.
+     */
     std::string Run();
 
     std::span<const std::unique_ptr<Published>> Tables() const { return tables_; }
@@ -35,7 +37,6 @@ public:
     static bool IsDaemonUp();
 
 private:
-    std::mutex turn_;
     std::vector<std::unique_ptr<Published>> tables_;
     Read read_;
 };

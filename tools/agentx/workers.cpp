@@ -14,8 +14,15 @@ namespace {
 // Twelve times what a call takes: sanitizers want more than the library.
 constexpr size_t kStackSize = 256 * 1024;
 
-// A manager that sets something waits, and its master gives up after a few seconds.
-constexpr auto kLongestSet = std::chrono::seconds(3);
+// A master waits for a second if its agentXTimeout says nothing else. After that it takes no answer, and the undo
+// that it asks for is lost.
+constexpr auto kLongestSet = std::chrono::milliseconds(800);
+
+void RunAndTell(Job &job, const manager::Cancel &cancel)
+{
+    if (const std::string news = job.Run(); !news.empty() && !cancel.IsGiven())
+        Log(Level::Warning, news);
+}
 
 } // namespace
 
@@ -67,8 +74,7 @@ void Refresher::Work()
         for (const auto &job : jobs_) {
             if (cancel_.IsGiven())
                 break;
-            if (const std::string news = job->Run(); !news.empty() && !cancel_.IsGiven())
-                Log(Level::Warning, news);
+            RunAndTell(*job, cancel_);
         }
         lock.lock();
         wake_.wait_for(lock, pause_, [this] { return isEnding_; });
@@ -121,8 +127,8 @@ void Setter::Work()
             const manager::Deadline deadline(kLongestSet, cancel_);
             for (const Change &change : order.changes)
                 isDone = isDone && Give(change);
-            if (interfaces_ != nullptr) // who asks after the answer sees what was set
-                interfaces_->Run();
+            if (isDone && interfaces_ != nullptr) // who asks after the answer sees what was set
+                RunAndTell(*interfaces_, cancel_);
         }
         lock.lock();
         outcomes_.push_back({order.ticket, isDone});
