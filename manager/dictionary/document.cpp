@@ -7,8 +7,9 @@
 #include "manager/record/text.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstring>
-#include <fmt/format.h>
+#include <limits>
 #include <nlohmann/json.hpp>
 
 namespace manager {
@@ -25,7 +26,7 @@ public:
     void operator+=(char c) { *Room(1) = c; }
     void operator+=(std::string_view text) { std::memcpy(Room(text.size()), text.data(), text.size()); }
 
-    /** Takes so many bytes, for the caller to fill. */
+    /** Takes so many bytes, for the caller to fill; what it does not fill it gives back. */
     char *Room(size_t size)
     {
         const size_t at = used_;
@@ -34,6 +35,7 @@ public:
             text_.resize(2 * used_);
         return text_.data() + at;
     }
+    void GiveBack(size_t size) { used_ -= size; }
 
 private:
     std::string &text_;
@@ -73,8 +75,10 @@ private:
 
 void AppendNumber(Writer &out, uint64_t number)
 {
-    const fmt::format_int digits(number);
-    out += std::string_view(digits.data(), digits.size());
+    constexpr size_t kMostDigits = std::numeric_limits<uint64_t>::digits10 + 1;
+    char *const at = out.Room(kMostDigits);
+    const char *const end = std::to_chars(at, at + kMostDigits, number).ptr;
+    out.GiveBack(static_cast<size_t>(at + kMostDigits - end));
 }
 
 // Texts of hex digits, dotted addresses, words of a dictionary.
@@ -105,17 +109,22 @@ void AppendScalar(Writer &out, const Field &field, const std::byte *element)
 
 void AppendValue(Writer &out, const Meaning &meaning, const void *record)
 {
+    const uint64_t number = NumberOf(meaning, record);
     switch (meaning.form) {
     case Form::Number:
         if (meaning.width < sizeof(uint64_t))
-            return AppendNumber(out, NumberOf(meaning, record));
+            return AppendNumber(out, number);
         break;
     case Form::Address:
+        return AppendPlain(out, DottedText(static_cast<uint32_t>(number)));
     case Form::Enumeration:
+        if (const auto word = meaning.words.find(number); word != meaning.words.end())
+            return AppendPlain(out, word->second);
+        [[fallthrough]];
     case Form::Hex:
         return AppendPlain(out, ValueText(meaning, record));
     case Form::Bool:
-        out += NumberOf(meaning, record) != 0 ? "true" : "false";
+        out += number != 0 ? "true" : "false";
         return;
     default:
         break;

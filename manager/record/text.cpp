@@ -46,8 +46,10 @@ size_t HarmlessLength(std::string_view text)
 
 std::string DottedText(uint32_t address)
 {
-    return fmt::format(FMT_COMPILE("{}.{}.{}.{}"), address >> 24, address >> 16 & 255, address >> 8 & 255,
-                       address & 255);
+    char text[INET_ADDRSTRLEN];
+    char *const end = fmt::format_to(text, FMT_COMPILE("{}.{}.{}.{}"), address >> 24, address >> 16 & 255,
+                                     address >> 8 & 255, address & 255);
+    return {text, end};
 }
 
 std::optional<uint32_t> ParseAddress(std::string_view text)
