@@ -477,9 +477,9 @@ TEST(Rsvpctl, GivesUpWhenItsTimeIsOver)
         EXPECT_NE(result.err.find(says), std::string::npos) << result.err;
         return result;
     };
-    givesUp("show hops computed --timeout 100ms", "walk broken after 1 row; '--after 1,");
-    givesUp("show hops computed --timeout 100ms --sort hopIndex", "RSVP_GetNextCHop gave");
-    const json rows = Document(givesUp("show hops computed --timeout 100ms --json", "its time was over"));
+    givesUp("show hops computed --timeout 1s", "walk broken after 1 row; '--after 1,");
+    givesUp("show hops computed --timeout 1s --sort hopIndex", "RSVP_GetNextCHop gave");
+    const json rows = Document(givesUp("show hops computed --timeout 1s --json", "its time was over"));
     EXPECT_EQ(rows["rows"].size(), 1U);
     EXPECT_FALSE(rows["complete"]);
     // A line has a time of its own; that of the whole ends it, whatever may go on.
