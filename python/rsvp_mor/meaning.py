@@ -78,11 +78,12 @@ class Meaning:
         return number
 
     def to_json(self, value: Any) -> Any:
-        if self.form is Form.HEX:
-            return f"{value:#x}"
-        if self.form in (Form.NUMBER, Form.SIGNED) and self.width == 8:
-            return str(value)
-        return to_json(value)
+        form = self.form
+        if form is Form.NUMBER or form is Form.SIGNED:
+            return value if self.width < 8 else str(value)
+        if form is Form.WORDS or form is Form.BOOL:
+            return value
+        return f"{value:#x}" if form is Form.HEX else to_json(value)
 
 
 @dataclass(frozen=True)

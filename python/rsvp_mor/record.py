@@ -11,7 +11,7 @@ from typing import Any, ClassVar, Final
 
 from rsvp_mor.library import Pointer, description, ffi
 from rsvp_mor.meaning import NOTHING, Meaning, RecordMeanings, StandardMeanings
-from rsvp_mor.value import Secret, address, single, to_json
+from rsvp_mor.value import Secret, address, dotted, single, to_json
 
 
 class Named(Mapping[str, Any]):
@@ -53,7 +53,7 @@ def _loads(kind: str, width: int) -> tuple[Callable[[bytes, int], Any], Callable
     if kind in ("number", "address"):
         unpack = NUMBERS[width].unpack_from
         if kind == "address":
-            return lambda image, at: address(*unpack(image, at)), lambda image, at: to_json(address(*unpack(image, at)))
+            return lambda image, at: address(*unpack(image, at)), lambda image, at: dotted(*unpack(image, at))
         return (lambda image, at: unpack(image, at)[0],
                 (lambda image, at: unpack(image, at)[0]) if width < 8 else lambda image, at: str(unpack(image, at)[0]))
     if kind == "bytes":
@@ -100,30 +100,28 @@ class Field:
         self.when = Condition(record, said["when"]) if said["when"] else None
         self.quiet: bool = said["quiet"]
         self.is_pointer = self.is_list or self.kind == "text"
-        if not self.is_pointer and self.record is None:
-            self._load, self._load_json = _loads(self.kind, self.width)
+        is_scalar = not self.is_pointer and self.record is None
+        self._load, self._load_json = _loads(self.kind, self.width) if is_scalar else (None, None)
 
     def is_there(self, image: bytes, at: int) -> bool:
         return self.when is None or self.when.holds(image, at)
 
-    def _each(self, record: Record, load: Callable[[bytes, int], Any]) -> Any:
+    def _all(self, record: Record, load: Callable[[bytes, int], Any]) -> list[Any]:
         at = record._at + self.at
-        if not self.count:
-            return load(record._image, at)
-        return tuple([load(record._image, at + i * self.width) for i in range(self.count)])
+        return [load(record._image, at + i * self.width) for i in range(self.count)]
 
     def value(self, record: Record) -> Any:
         if self.is_pointer:
             return record._pointed[record._at + self.at]
-        if self.record is None:
-            return self._each(record, self._load)
-        kind, inside = Record.kinds[self.record], record._meanings.inside_of(self.name)
-        return self._each(record, lambda image, at: kind(image, at, record._pointed, inside))
+        load = self._load
+        if load is None:
+            kind, inside = Record.kinds[self.record or ""], record._meanings.inside_of(self.name)
+            load = lambda image, at: kind(image, at, record._pointed, inside)
+        return tuple(self._all(record, load)) if self.count else load(record._image, record._at + self.at)
 
     def json(self, record: Record) -> Any:
-        if self.record is None and not self.is_pointer:
-            found = self._each(record, self._load_json)
-            return list(found) if self.count else found
+        if (load := self._load_json) is not None:  # most fields, so by the shortest way
+            return self._all(record, load) if self.count else load(record._image, record._at + self.at)
         value = self.value(record)
         if isinstance(value, tuple):
             return [one.to_dict() for one in value]
@@ -252,7 +250,7 @@ class Record:
         document: dict[str, Any] = {}
         image, start = self._image, self._at
         for field in self.fields:
-            if not field.is_there(image, start):
+            if field.when is not None and not field.when.holds(image, start):
                 continue
             at = start + field.at
             if field.quiet and not any(image[at : at + field.width * max(field.count, 1)]):

@@ -19,7 +19,12 @@ class Secret(bytes):
 
 address = functools.lru_cache(maxsize=4096)(IPv4Address)
 """An address of a number. A table has the same few addresses many times, and making one is slow."""
-_dotted = functools.lru_cache(maxsize=4096)(str)
+
+
+@functools.lru_cache(maxsize=4096)
+def dotted(number: int) -> str:
+    """The same as text."""
+    return str(address(number))
 
 
 @functools.lru_cache(maxsize=4096)
@@ -43,7 +48,7 @@ def to_json(value: Any) -> Any:
     if isinstance(value, bytes):
         return value.hex()
     if isinstance(value, IPv4Address):
-        return _dotted(value)
+        return dotted(int(value))
     if isinstance(value, tuple):
         return [to_json(one) for one in value]
     if isinstance(value, float) and not math.isfinite(value):
