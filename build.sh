@@ -237,7 +237,9 @@ memory)
   reports=build/memory/valgrind # of every program that a test starts, whoever waits for it
   rm -rf $reports
   mkdir -p $reports
-  build_and_test memory
+  # Not those two: valgrind opens a standard descriptor that the caller has closed, and its own system calls are not the
+  # daemon's, so that the filter takes them.
+  build_and_test memory -E '(WhatIsNotTextOrCannotBeWrittenIsNotSilence|Sandbox.KeepsWhatTheDaemonNeeds)$'
   if grep -h '^==' $reports/*.log; then
     exit 1
   fi
